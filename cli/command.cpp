@@ -1,0 +1,212 @@
+#include "cli/command.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <ostream>
+
+#include "host/types.h"
+
+namespace kestrana::cli {
+
+namespace {
+std::vector<CommandInfo>& Registry() {
+  static std::vector<CommandInfo> registry;
+  return registry;
+}
+
+const char* kOverview =
+    "kestrana - utility pipe networks (sewers, storm drains, water mains) in "
+    "DXF drawings\n\n"
+    "Usage: kestrana COMMAND [ARGS...]\n"
+    "       kestrana COMMAND --help\n"
+    "       kestrana --version\n\n"
+    "Commands:\n";
+
+bool IsHelp(const std::string& a) { return a == "--help" || a == "-h"; }
+}  // namespace
+
+void RegisterCommand(CommandInfo info) {
+  auto& registry = Registry();
+  registry.push_back(std::move(info));
+  std::sort(registry.begin(), registry.end(),
+            [](const CommandInfo& a, const CommandInfo& b) {
+              return a.name < b.name;
+            });
+}
+
+const std::vector<CommandInfo>& Commands() { return Registry(); }
+
+int Main(const std::vector<std::string>& args, Io& io) {
+  if (args.empty() || IsHelp(args[0])) {
+    io.out << kOverview;
+    for (const auto& c : Commands()) {
+      io.out << "  " << c.name;
+      for (size_t i = c.name.size(); i < 18; ++i) io.out << ' ';
+      io.out << ' ' << c.summary << '\n';
+    }
+    if (args.empty()) return 2;
+    return 0;
+  }
+  if (args[0] == "--version" || args[0] == "-V") {
+    io.out << "kestrana " << KESTRANA_VERSION
+           << " (project format 2.00)\n";
+    return 0;
+  }
+  // The longest registered name that the arguments start with.
+  const CommandInfo* command = nullptr;
+  size_t words = 0;
+  for (const auto& c : Commands()) {
+    size_t space = c.name.find(' ');
+    size_t n = space == std::string::npos ? 1 : 2;
+    if (args.size() < n) continue;
+    std::string joined = n == 1 ? args[0] : args[0] + " " + args[1];
+    if (joined == c.name && n > words) {
+      command = &c;
+      words = n;
+    }
+  }
+  if (command == nullptr) {
+    io.err << "kestrana: unknown command '" << args[0]
+           << "' (see kestrana --help)\n";
+    return 2;
+  }
+  std::vector<std::string> rest(args.begin() + words, args.end());
+  if (std::any_of(rest.begin(), rest.end(), IsHelp)) {
+    io.out << command->usage;
+    return 0;
+  }
+  try {
+    return command->run(rest, io);
+  } catch (const UsageError& e) {
+    io.err << "kestrana " << command->name << ": " << e.what() << "\n\n"
+           << command->usage;
+    return 2;
+  } catch (const CommandError& e) {
+    io.err << "kestrana " << command->name << ": " << e.what() << '\n';
+    return 1;
+  } catch (const host::HostError& e) {
+    io.err << "kestrana " << command->name << ": drawing error: " << e.what()
+           << '\n';
+    return 1;
+  } catch (const std::exception& e) {
+    io.err << "kestrana " << command->name << ": " << e.what() << '\n';
+    return 1;
+  }
+}
+
+Args::Args(const std::vector<std::string>& args, std::set<std::string> flags,
+           std::set<std::string> options) {
+  for (size_t i = 0; i < args.size(); ++i) {
+    std::string a = args[i];
+    if (a == "-o") a = "--output";
+    if (a.size() > 2 && a.rfind("--", 0) == 0) {
+      std::string name = a.substr(2);
+      std::optional<std::string> value;
+      if (auto eq = name.find('='); eq != std::string::npos) {
+        value = name.substr(eq + 1);
+        name = name.substr(0, eq);
+      }
+      if (flags.count(name)) {
+        if (value) throw UsageError("option --" + name + " takes no value");
+        flags_set_.insert(name);
+      } else if (options.count(name)) {
+        if (!value) {
+          if (i + 1 >= args.size())
+            throw UsageError("option --" + name + " needs a value");
+          value = args[++i];
+        }
+        values_.emplace_back(name, *value);
+      } else {
+        throw UsageError("unknown option --" + name);
+      }
+    } else if (a.size() > 1 && a[0] == '-' && !(a[1] >= '0' && a[1] <= '9') &&
+               a[1] != '.') {
+      throw UsageError("unknown option " + a);
+    } else {
+      positionals_.push_back(a);
+    }
+  }
+}
+
+bool Args::Flag(const std::string& name) const {
+  return flags_set_.count(name) > 0;
+}
+
+std::optional<std::string> Args::Option(const std::string& name) const {
+  std::optional<std::string> found;
+  for (const auto& [n, v] : values_) {
+    if (n != name) continue;
+    if (found) throw UsageError("option --" + name + " given twice");
+    found = v;
+  }
+  return found;
+}
+
+std::vector<std::string> Args::Options(const std::string& name) const {
+  std::vector<std::string> out;
+  for (const auto& [n, v] : values_)
+    if (n == name) out.push_back(v);
+  return out;
+}
+
+std::string Args::Required(const std::string& name) const {
+  auto v = Option(name);
+  if (!v) throw UsageError("option --" + name + " is required");
+  return *v;
+}
+
+const std::string& Args::Positional(size_t index,
+                                    const std::string& what) const {
+  if (index >= positionals_.size()) throw UsageError("missing " + what);
+  return positionals_[index];
+}
+
+void Args::ExpectPositionals(size_t count) const {
+  if (positionals_.size() > count)
+    throw UsageError("unexpected argument '" + positionals_[count] + "'");
+}
+
+double ParseReal(const std::string& text, const std::string& what) {
+  double value = 0;
+  const char* first = text.data();
+  const char* last = text.data() + text.size();
+  auto [ptr, ec] = std::from_chars(first, last, value);
+  if (text.empty() || ec != std::errc() || ptr != last)
+    throw UsageError(what + ": '" + text + "' is not a number");
+  return value;
+}
+
+int ParseInt(const std::string& text, const std::string& what) {
+  int value = 0;
+  const char* first = text.data();
+  const char* last = text.data() + text.size();
+  auto [ptr, ec] = std::from_chars(first, last, value);
+  if (text.empty() || ec != std::errc() || ptr != last)
+    throw UsageError(what + ": '" + text + "' is not a whole number");
+  return value;
+}
+
+std::string JsonString(const std::string& text) {
+  std::string out = "\"";
+  for (unsigned char c : text) {
+    switch (c) {
+      case '"': out += "\\\""; break;
+      case '\\': out += "\\\\"; break;
+      case '\n': out += "\\n"; break;
+      case '\r': out += "\\r"; break;
+      case '\t': out += "\\t"; break;
+      default:
+        if (c < 0x20) {
+          char buf[8];
+          std::snprintf(buf, sizeof buf, "\\u%04x", c);
+          out += buf;
+        } else {
+          out += static_cast<char>(c);
+        }
+    }
+  }
+  return out + "\"";
+}
+
+}  // namespace kestrana::cli

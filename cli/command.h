@@ -1,0 +1,80 @@
+// The kestrana command line: a registry of commands, each a thin layer over
+// a library function, plus the small argument parser they share.
+#pragma once
+
+#include <functional>
+#include <iosfwd>
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace kestrana::cli {
+
+// Bad command-line use; main prints it with the command's usage, exit 2.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// A refusal or failure the user must read; main prints it, exit 1.
+class CommandError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct Io {
+  std::ostream& out;
+  std::ostream& err;
+};
+
+struct CommandInfo {
+  std::string name;     // one or two words: "info", "network add"
+  std::string summary;  // one line for the command list
+  std::string usage;    // the full --help text
+  std::function<int(const std::vector<std::string>& args, Io& io)> run;
+};
+
+void RegisterCommand(CommandInfo info);
+const std::vector<CommandInfo>& Commands();
+
+// Registers a command from a command's own source file.
+struct Registrar {
+  explicit Registrar(CommandInfo info) { RegisterCommand(std::move(info)); }
+};
+
+// Runs the command line (without the program name); returns the exit code.
+int Main(const std::vector<std::string>& args, Io& io);
+
+// Options are "--name value", "--name=value" or flags "--name"; "-o" is the
+// short form of "--output". Everything else is positional.
+class Args {
+ public:
+  Args(const std::vector<std::string>& args, std::set<std::string> flags,
+       std::set<std::string> options);
+
+  bool Flag(const std::string& name) const;
+  std::optional<std::string> Option(const std::string& name) const;
+  // Every value of a repeatable option, in order.
+  std::vector<std::string> Options(const std::string& name) const;
+  std::string Required(const std::string& name) const;
+  const std::vector<std::string>& Positionals() const { return positionals_; }
+  // The positional at `index`, or a UsageError naming `what`.
+  const std::string& Positional(size_t index, const std::string& what) const;
+  void ExpectPositionals(size_t count) const;
+
+ private:
+  std::set<std::string> flags_set_;
+  std::vector<std::pair<std::string, std::string>> values_;
+  std::vector<std::string> positionals_;
+};
+
+// Parses a real; UsageError naming the option when the text is not one.
+double ParseReal(const std::string& text, const std::string& what);
+int ParseInt(const std::string& text, const std::string& what);
+
+// Text escaped for a JSON string literal (quotes included).
+std::string JsonString(const std::string& text);
+
+}  // namespace kestrana::cli
