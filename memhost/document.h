@@ -451,7 +451,10 @@ class MemBlockReference final : public EntityImpl<host::BlockReference> {
   // The transform from block coordinates to the owner's coordinates.
   Affine BlockTransform() const;
   const std::vector<MemAttributeReference*>& Attributes() const { return attributes_; }
-  // Attaches an attribute read from a file (the reader's way in).
+  // Adds an attribute read from a file (the reader's way in) with `handle`
+  // (0: a new one); its layer is kept as set.
+  MemAttributeReference& AdoptAttribute(
+      std::unique_ptr<MemAttributeReference> attribute, uint64_t handle = 0);
   void AttachAttribute(MemAttributeReference& attribute);
 
   std::string block_name_;

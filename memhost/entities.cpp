@@ -1002,6 +1002,18 @@ void MemBlockReference::AttachAttribute(MemAttributeReference& attribute) {
   attributes_.push_back(&attribute);
 }
 
+MemAttributeReference& MemBlockReference::AdoptAttribute(
+    std::unique_ptr<MemAttributeReference> attribute, uint64_t handle) {
+  if (attribute->layer_.empty()) attribute->layer_ = "0";
+  auto& a = static_cast<MemAttributeReference&>(
+      doc_->RegisterObject(std::move(attribute), handle));
+  if (doc_->FindLayer(a.layer_) == nullptr) doc_->AddLayer(a.layer_);
+  AttachAttribute(a);
+  doc_->OnLayerChanged(a, "", a.layer_);
+  for (const auto& r : a.XData()) doc_->RegisterApp(r[0].value.Text());
+  return a;
+}
+
 void MemBlockReference::Transform(const Affine& m) {
   insertion_ = m.Apply(insertion_);
   rotation_ += m.RotationAngle();
