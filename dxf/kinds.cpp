@@ -276,7 +276,9 @@ void TextPartFields(T& e, FieldGroup& g) {
   g.Degrees(51, e.oblique_, true);
   g.TextOr(7, e.style_, "Standard");
   g.IntOr(72, h, 0);
-  g.PointOr(11, e.alignment_point_, e.alignment_ == host::TextAlignment::kLeft);
+  // Left-aligned texts have no alignment point unless one was set.
+  g.PointOr(11, e.alignment_point_,
+            e.alignment_ == host::TextAlignment::kLeft && e.alignment_point_ == Point3{});
 }
 
 template <class T>
