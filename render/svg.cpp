@@ -99,6 +99,35 @@ TextLook LookOf(const T& text, const std::string& raw) {
   return {raw, text.height_, text.oblique_, text.Corners()};
 }
 
+// A polyline's vertices lie in the plane of its normal, on axes the host
+// derives from the normal alone; seen from above that plane maps onto the
+// plan by this transform. Copies mirrored in the host get normal (0,0,-1),
+// which turns X over.
+Affine ObjectToPlan(const Point3& n, double elevation) {
+  double len = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
+  if (len == 0 || (n.x == 0 && n.y == 0 && n.z > 0)) return Affine{};
+  Point3 z{n.x / len, n.y / len, n.z / len};
+  auto cross = [](const Point3& a, const Point3& b) {
+    return Point3{a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z,
+                  a.x * b.y - a.y * b.x};
+  };
+  // The host's arbitrary axis rule.
+  Point3 ax = (std::fabs(z.x) < 1.0 / 64 && std::fabs(z.y) < 1.0 / 64)
+                  ? cross({0, 1, 0}, z)
+                  : cross({0, 0, 1}, z);
+  double ax_len = std::sqrt(ax.x * ax.x + ax.y * ax.y + ax.z * ax.z);
+  ax = {ax.x / ax_len, ax.y / ax_len, ax.z / ax_len};
+  Point3 ay = cross(z, ax);
+  Affine m;
+  m.a = ax.x;
+  m.b = ay.x;
+  m.c = ax.y;
+  m.d = ay.y;
+  m.e = z.x * elevation;
+  m.f = z.y * elevation;
+  return m;
+}
+
 // Sweep of a hatch edge arc, whichever way its angles were stored.
 double EdgeSweep(double start, double end, bool counter_clockwise) {
   double s = std::fmod(end - start, kTwoPi);
@@ -187,9 +216,11 @@ class Collector {
                 box);
         return;
       }
-      case EntityKind::kLwPolyline:
-        return Polyline(static_cast<const memhost::MemLwPolyline&>(e), m, color,
-                        tags);
+      case EntityKind::kLwPolyline: {
+        const auto& pl = static_cast<const memhost::MemLwPolyline&>(e);
+        return Polyline(pl, ObjectToPlan(pl.normal_, pl.elevation_).Then(m),
+                        color, tags);
+      }
       case EntityKind::kCircle: {
         const auto& circle = static_cast<const memhost::MemCircle&>(e);
         return FullConic(

@@ -147,6 +147,22 @@ TEST_F(PictureTest, BulgesBecomeArcsOnTheirOwnSideEvenWhenMirrored) {
   ExpectNear(mirrored.centres[1], 19, 0);
 }
 
+TEST_F(PictureTest, PolylinesSeenFromBelowAreTurnedOver) {
+  // What the host makes of a mirrored copy: normal (0,0,-1), X reversed.
+  auto& pl = static_cast<memhost::MemLwPolyline&>(
+      Model().AddLightWeightPolyline({1, 0, 2, 0}));
+  pl.SetBulge(0, 1);
+  pl.normal_ = {0, 0, -1};
+  SvgDocument svg = Picture();
+
+  Trace t = Follow(Drawn(svg, pl).Attr("d"));
+  ASSERT_EQ(t.points.size(), 3u);
+  ExpectNear(t.points[0], -1, 0);
+  ExpectNear(t.points[1], -1.5, -0.5);
+  ExpectNear(t.points[2], -2, 0);
+  ExpectNear(t.centres[0], -1.5, 0);
+}
+
 TEST_F(PictureTest, EllipsesWholeAndInPart) {
   auto& whole = Model().AddEllipse({10, 10, 0}, {0, 4, 0}, 0.5);
   auto& part = Model().AddEllipse({0, 0, 0}, {2, 0, 0}, 0.5);
