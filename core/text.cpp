@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 
 #include "host/types.h"
@@ -112,8 +113,9 @@ double ToDouble(const Decimal& d, bool negative) {
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-double ParseRadix(std::string_view text, size_t i, int radix) {
+double ParseRadix(std::string_view text, size_t i, int radix, size_t& end) {
   double value = 0;
+  size_t start = i;
   for (; i < text.size(); ++i) {
     char c = text[i];
     int digit;
@@ -129,19 +131,26 @@ double ParseRadix(std::string_view text, size_t i, int radix) {
     if (digit >= radix) break;
     value = value * radix + digit;
   }
+  if (i > start) end = i;
   return value;
 }
 
 }  // namespace
 
-double NumericValue(std::string_view text) {
+namespace {
+// Scans a number at the start of `text` the way NumericValue reads it; `end`
+// receives the position after the last character used.
+double ScanNumber(std::string_view text, size_t& end) {
   size_t i = 0;
+  end = 0;
   while (i < text.size() && IsBlank(text[i])) ++i;
   if (i + 1 < text.size() && text[i] == '&') {
     char kind = text[i + 1];
-    if (kind == 'H' || kind == 'h') return ParseRadix(text, i + 2, 16);
-    if (kind == 'O' || kind == 'o') return ParseRadix(text, i + 2, 8);
-    return 0;
+    int radix = (kind == 'H' || kind == 'h')   ? 16
+                : (kind == 'O' || kind == 'o') ? 8
+                                               : 0;
+    if (radix == 0) return 0;
+    return ParseRadix(text, i + 2, radix, end);
   }
   std::string number;
   if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
@@ -171,13 +180,32 @@ double NumericValue(std::string_view text) {
       exponent += text[j++];
     size_t digits_start = j;
     while (j < text.size() && IsDigit(text[j])) exponent += text[j++];
-    if (j > digits_start) number += exponent;
+    if (j > digits_start) {
+      number += exponent;
+      i = j;
+    }
   }
+  end = i;
   errno = 0;
   double value = std::strtod(number.c_str(), nullptr);
   if (errno == ERANGE && std::isinf(value))
     throw std::overflow_error("Overflow: '" + std::string(text) +
                               "' is too large a number");
+  return value;
+}
+}  // namespace
+
+double NumericValue(std::string_view text) {
+  size_t end;
+  return ScanNumber(text, end);
+}
+
+std::optional<double> ParseNumber(std::string_view text) {
+  size_t end;
+  double value = ScanNumber(text, end);
+  if (end == 0) return std::nullopt;
+  while (end < text.size() && IsBlank(text[end])) ++end;
+  if (end != text.size()) return std::nullopt;
   return value;
 }
 
@@ -315,7 +343,8 @@ std::vector<Token> Tokenize(std::string_view section) {
       case 'e':
         if (!seen_exponent && seen_digit && i + 1 < section.size() &&
             (section[i + 1] == '+' || section[i + 1] == '-')) {
-          tokens.push_back({Token::kExponent, std::string(section.substr(i, 2))});
+          tokens.push_back(
+              {Token::kExponent, std::string(section.substr(i, 2))});
           seen_exponent = true;
           ++i;
         } else {
@@ -388,8 +417,7 @@ std::string RenderFraction(const std::vector<Token>& tokens,
   for (const Token& t : tokens) {
     if (!t.IsDigit()) continue;
     ++place;
-    if (t.kind == Token::kZero || digits[place - 1] != '0')
-      last_needed = place;
+    if (t.kind == Token::kZero || digits[place - 1] != '0') last_needed = place;
   }
   std::string out;
   place = 0;
@@ -405,7 +433,7 @@ std::string RenderFraction(const std::vector<Token>& tokens,
 }
 
 struct Layout {
-  std::vector<Token> integer;   // before the point
+  std::vector<Token> integer;  // before the point
   bool has_point = false;
   std::vector<Token> fraction;  // after the point, before any exponent
   const Token* exponent = nullptr;
@@ -518,8 +546,7 @@ std::string RenderSection(std::string_view section, double magnitude,
     RoundDecimal(d, l.fraction_places, Tie::kAwayFromZero);
   }
   nonzero = !d.IsZero();
-  std::string out =
-      RenderInteger(l.integer, IntegerDigits(d), l.grouping);
+  std::string out = RenderInteger(l.integer, IntegerDigits(d), l.grouping);
   if (l.has_point) out += '.';
   out += RenderFraction(l.fraction, Fraction(d, l.fraction_places));
   return out + exponent_text;

@@ -30,6 +30,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,6 +49,10 @@ inline double NumericValue(const std::string& text) {
 inline double NumericValue(const char* text) {
   return NumericValue(std::string_view(text));
 }
+// The value of a text that is wholly one number in the syntax above (blanks
+// around it allowed), or nullopt: for IDs and user input, where "12abc" is
+// an error rather than 12.
+std::optional<double> ParseNumber(std::string_view text);
 // Texts through NumericValue; reals and integers as they are.
 double NumericValue(const host::XValue& value);
 
