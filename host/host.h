@@ -90,6 +90,8 @@ class Entity : public Object {
                                             ExtendOption option) const = 0;
   virtual void Move(const Point3& from, const Point3& to) = 0;
   virtual void Rotate(const Point3& base, double angle) = 0;
+  // A copy in the same block with a new ID and handle, XData included.
+  virtual Entity& Copy() const = 0;
 };
 
 class LwPolyline : public Entity {
@@ -281,6 +283,7 @@ class Block : public Object {
                               double radius_ratio) = 0;
   virtual Text& AddText(const std::string& text, const Point3& insertion_point,
                         double height) = 0;
+  // The tag must be non-empty and hold no blanks, as the host requires.
   virtual AttributeDefinition& AddAttribute(double height, int mode,
                                             const std::string& prompt,
                                             const Point3& insertion_point,
