@@ -519,7 +519,7 @@ std::string RenderSection(std::string_view section, double magnitude,
     return RenderLiterals(tokens);
   }
   Decimal d = ToDecimal(magnitude);
-  d.point += 2 * l.percents - 3 * l.scale_commas;
+  if (!d.IsZero()) d.point += 2 * l.percents - 3 * l.scale_commas;
   std::string exponent_text;
   if (l.exponent != nullptr) {
     int integer_places = 0;

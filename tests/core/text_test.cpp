@@ -108,7 +108,9 @@ TEST(GeneralText, OfRecordValues) {
   EXPECT_EQ(TextOf(host::XValue(" 2.00 ")), " 2.00 ");
 }
 
-double Parse(const std::string& text) { return std::strtod(text.c_str(), nullptr); }
+double Parse(const std::string& text) {
+  return std::strtod(text.c_str(), nullptr);
+}
 
 TEST(RoundHalfEven, DecidesOnTheDecimalFormNotTheBinary) {
   // 2.675 is stored just below 2.675 and 1.015 just below 1.015; the host
@@ -224,6 +226,8 @@ TEST(FormatNumber, Percent) {
   EXPECT_EQ(FormatNumber(-0.0333, "###0.00%"), "-3.33%");
   EXPECT_EQ(FormatNumber(0.00125, "###0.000%"), "0.125%");
   EXPECT_EQ(FormatNumber(0.001, "0%%"), "10%%");
+  EXPECT_EQ(FormatNumber(0, "###0.00%"), "0.00%");
+  EXPECT_EQ(FormatNumber(0, "#,##0,"), "0");
 }
 
 TEST(FormatNumber, StationsWithALiteralPlus) {
