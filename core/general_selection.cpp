@@ -1,4 +1,7 @@
 // Named selection sets and object-ID strings.
+#include <algorithm>
+#include <cctype>
+
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/text.h"
@@ -6,11 +9,22 @@
 
 namespace kestrana::core {
 
+namespace {
+// The host refuses a second set whose name differs only in letter case, so
+// such a set is the one to replace.
+bool SameSetName(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+    return std::tolower(static_cast<unsigned char>(x)) ==
+           std::tolower(static_cast<unsigned char>(y));
+  });
+}
+}  // namespace
+
 host::SelectionSet& General::InitializeSelectionSet(
     host::Document& document, std::string_view selection_set_name) {
   host::SelectionSets& sets = document.GetSelectionSets();
   for (int i = 0; i < sets.Count(); ++i) {
-    if (sets.Item(i).Name() == selection_set_name) {
+    if (SameSetName(sets.Item(i).Name(), selection_set_name)) {
       sets.Item(i).Delete();
       break;
     }
