@@ -49,8 +49,7 @@ int Main(const std::vector<std::string>& args, Io& io) {
     return 0;
   }
   if (args[0] == "--version" || args[0] == "-V") {
-    io.out << "kestrana " << KESTRANA_VERSION
-           << " (project format 2.00)\n";
+    io.out << "kestrana " << KESTRANA_VERSION << " (project format 2.00)\n";
     return 0;
   }
   // The longest registered name that the arguments start with.
@@ -191,11 +190,21 @@ std::string JsonString(const std::string& text) {
   std::string out = "\"";
   for (unsigned char c : text) {
     switch (c) {
-      case '"': out += "\\\""; break;
-      case '\\': out += "\\\\"; break;
-      case '\n': out += "\\n"; break;
-      case '\r': out += "\\r"; break;
-      case '\t': out += "\\t"; break;
+      case '"':
+        out += "\\\"";
+        break;
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
       default:
         if (c < 0x20) {
           char buf[8];
