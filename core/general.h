@@ -44,6 +44,9 @@ struct LayerStatus {
   friend bool operator==(const LayerStatus&, const LayerStatus&) = default;
 };
 
+// The critical message that refuses a project made by a newer version.
+std::string NewerProjectMessage(std::string_view project_version);
+
 class General {
  public:
   // --- Project record, versions and units -------------------------------

@@ -21,19 +21,19 @@ std::string General::GetAeccAppString(host::Application& acad_app) {
   return "";
 }
 
+std::string NewerProjectMessage(std::string_view project_version) {
+  return "This project was created with a Kestrana version that is newer "
+         "than the installed one!\nInstall Kestrana V" +
+         std::string(project_version) +
+         "  or newer then re-open the project.\nRunning this project on the "
+         "current version of Kestrana may permanently corrupt it.";
+}
+
 bool General::VerfiyVersionKestranaCompatibility(host::Document& document) {
   std::string project = GetKestranaProjectVersion(document);
   std::string program = GetKestranaProgramVersion();
   if (NumericValue(project) - NumericValue(program) < 0.1) return true;
-  ShowMessage(document,
-              "This project was created with a Kestrana version that is newer "
-              "than the installed one!\n"
-              "Install Kestrana V" +
-                  project +
-                  "  or newer then re-open the project.\n"
-                  "Running this project on the current version of Kestrana "
-                  "may permanently corrupt it.",
-              host::msgbox::kCritical);
+  ShowMessage(document, NewerProjectMessage(project), host::msgbox::kCritical);
   return false;
 }
 
