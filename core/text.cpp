@@ -266,11 +266,34 @@ std::string TextOf(const host::XValue& value) {
   return std::to_string(value.Int());
 }
 
-double RoundHalfEven(double value, int places) {
+double RoundHalfEvenDecimal(double value, int places) {
   if (!std::isfinite(value)) return value;
   Decimal d = ToDecimal(value);
   RoundDecimal(d, places, Tie::kEven);
   return ToDouble(d, value < 0);
+}
+
+double RoundHalfEven(double value, int places) {
+  // Geometry rounds every distance it compares, so the common case avoids
+  // the decimal text: away from a tie the nearest whole number of the
+  // scaled value is the decimal answer, and k / 10^p is the double nearest
+  // to it, as reading the decimal text would give.
+  static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3, 1e4,  1e5,
+                                       1e6,  1e7,  1e8,  1e9, 1e10, 1e11,
+                                       1e12, 1e13, 1e14, 1e15};
+  if (places >= 0 && places <= 15 && std::isfinite(value)) {
+    double scale = kPowers[places];
+    double scaled = value * scale;
+    if (std::fabs(scaled) < 1e15) {
+      double whole = std::floor(scaled);
+      double fraction = scaled - whole;
+      if (std::fabs(fraction - 0.5) > std::fabs(scaled) * 4e-15 + 1e-12) {
+        double k = fraction < 0.5 ? whole : whole + 1;
+        return k == 0 ? 0.0 : k / scale;
+      }
+    }
+  }
+  return RoundHalfEvenDecimal(value, places);
 }
 
 // ---------------------------------------------------------------------------

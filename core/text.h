@@ -71,6 +71,9 @@ std::string TextOf(const host::XValue& value);
 // Half-to-even rounding to `places` decimal places (negative places round to
 // tens, hundreds, ...), done on the 15-significant-digit decimal form.
 double RoundHalfEven(double value, int places);
+// The same, always through the decimal text: the plain form that the quick
+// path of RoundHalfEven must agree with.
+double RoundHalfEvenDecimal(double value, int places);
 
 // Formats a value with a number pattern in the host's Format style.
 //   0  digit, always written (leading and trailing zeros)

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <random>
 #include <stdexcept>
 #include <string>
 
@@ -156,6 +157,19 @@ TEST(RoundHalfEven, CarriesAndExtremes) {
   double negative_tiny = RoundHalfEven(-0.004, 2);
   EXPECT_EQ(negative_tiny, 0.0);
   EXPECT_FALSE(std::signbit(negative_tiny));
+}
+
+TEST(RoundHalfEven, QuickPathAgreesWithTheDecimalForm) {
+  std::mt19937_64 random(20261122);
+  std::uniform_real_distribution<double> mantissa(-1, 1);
+  std::uniform_int_distribution<int> exponent(-8, 16), places(0, 12);
+  for (int i = 0; i < 200000; ++i) {
+    double value = mantissa(random) * std::pow(10.0, exponent(random));
+    int p = places(random);
+    if (i % 4 == 0) value = RoundHalfEvenDecimal(value, p + 1);  // near ties
+    ASSERT_EQ(RoundHalfEven(value, p), RoundHalfEvenDecimal(value, p))
+        << GeneralText(value) << " at " << p;
+  }
 }
 
 TEST(FormatNumber, FixedDecimals) {
