@@ -17,19 +17,6 @@ namespace kestrana::core {
 
 namespace {
 
-// The entries of a list whose entries are each followed by ";".
-std::vector<std::string> Entries(std::string_view list) {
-  std::vector<std::string> pieces = Split(list);
-  pieces.pop_back();
-  return pieces;
-}
-
-std::string JoinEntries(const std::vector<std::string>& entries) {
-  std::string out;
-  for (const std::string& e : entries) out += e + ";";
-  return out;
-}
-
 // Field 1 split so that piece 1 (the visibility text) and the closing piece
 // after the last ";" are always there.
 std::vector<std::string> ViewStylePieces(const Record& record) {
@@ -105,8 +92,8 @@ class ActiveLayerGuard {
   host::Layer& layer_;
 };
 
-constexpr char kLayerZero[] =
-    "0";  // where block geometry takes the reference's layer
+// Block geometry on layer "0" takes the layer of the reference.
+constexpr char kLayerZero[] = "0";
 
 void AddNodeBlock(host::Document& document, double s) {
   host::Block& block = document.GetBlocks().Add({}, kNodeBlock);
@@ -197,7 +184,7 @@ void General::CreateNetworkDefintion(host::Document& document,
   styles.pop_back();
   record.SetText(ProjectField::kViewStyles, JoinEntries(styles));
 
-  std::vector<std::string> networks = Entries(names);
+  std::vector<std::string> networks = ListEntries(names);
   std::string crossing = record.Text(ProjectField::kCrossingSettings);
   for (size_t i = 0; i + 1 < networks.size(); ++i)
     crossing += ";" + name + ";" + networks[i];
@@ -217,8 +204,8 @@ void General::CreateNetworkDefintion(host::Document& document,
 
 bool General::CheckNetworkExists(host::Document& document,
                                  std::string_view network_name) {
-  for (const std::string& name :
-       Entries(ReadProjectRecord(document).Text(ProjectField::kNetworkNames)))
+  for (const std::string& name : ListEntries(
+           ReadProjectRecord(document).Text(ProjectField::kNetworkNames)))
     if (name == network_name) return true;
   return false;
 }
@@ -226,7 +213,7 @@ bool General::CheckNetworkExists(host::Document& document,
 TextTable General::GetNetworkDefinitions(host::Document& document) {
   Record record = ReadProjectRecord(document);
   std::vector<std::string> names =
-      Entries(record.Text(ProjectField::kNetworkNames));
+      ListEntries(record.Text(ProjectField::kNetworkNames));
   std::vector<std::string> types =
       Split(record.Text(ProjectField::kNetworkTypes));
   if (names.empty()) return TextTable(1, 2);
@@ -239,8 +226,8 @@ TextTable General::GetNetworkDefinitions(host::Document& document) {
 }
 
 std::vector<std::string> General::GetNetworkNames(host::Document& document) {
-  std::vector<std::string> names =
-      Entries(ReadProjectRecord(document).Text(ProjectField::kNetworkNames));
+  std::vector<std::string> names = ListEntries(
+      ReadProjectRecord(document).Text(ProjectField::kNetworkNames));
   if (names.empty()) names.emplace_back();
   return names;
 }
@@ -290,7 +277,7 @@ void General::DeleteNetworkDefintion(host::Document& document,
                                      std::string_view network_name) {
   Record record = ReadProjectRecord(document);
   std::vector<std::string> names =
-      Entries(record.Text(ProjectField::kNetworkNames));
+      ListEntries(record.Text(ProjectField::kNetworkNames));
   std::optional<size_t> position;
   std::vector<std::string> kept_names;
   for (size_t i = 0; i < names.size(); ++i) {
@@ -309,7 +296,7 @@ void General::DeleteNetworkDefintion(host::Document& document,
   record.SetText(ProjectField::kNetworkNames, JoinEntries(kept_names));
 
   std::vector<std::string> types =
-      Entries(record.Text(ProjectField::kNetworkTypes));
+      ListEntries(record.Text(ProjectField::kNetworkTypes));
   if (k < types.size()) types.erase(types.begin() + k);
   record.SetText(ProjectField::kNetworkTypes, JoinEntries(types));
 
@@ -330,7 +317,7 @@ void General::DeleteNetworkDefintion(host::Document& document,
 
   std::vector<std::string> low_high;
   for (const std::string& name :
-       Entries(record.Text(ProjectField::kLowHighNetworks)))
+       ListEntries(record.Text(ProjectField::kLowHighNetworks)))
     if (name != network_name) low_high.push_back(name);
   record.SetText(ProjectField::kLowHighNetworks, JoinEntries(low_high));
 

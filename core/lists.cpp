@@ -23,10 +23,16 @@ std::vector<std::string> ReferenceValues(std::string_view list) {
   return values;
 }
 
-std::vector<std::string> IdListItems(std::string_view list) {
+std::vector<std::string> ListEntries(std::string_view list) {
   std::vector<std::string> pieces = Split(list);
   pieces.pop_back();
   return pieces;
+}
+
+std::string JoinEntries(const std::vector<std::string>& entries) {
+  std::string out;
+  for (const std::string& e : entries) out += e + ";";
+  return out;
 }
 
 std::string IdListEntry(host::ObjectId id) { return IdText(id) + ";"; }

@@ -1,8 +1,9 @@
 // The two list forms inside record texts.
 //   Reference list: entries ";RelatedTo<value>", each with a leading ";"
 //     (";RelatedToN-3;RelatedToN-4"); the empty text is the empty list.
-//   Object-ID list: IDs in decimal text, each followed by ";"
-//     ("2130567256;2130567312;"); the empty text is the empty list.
+//   Trailing list: entries each followed by ";", such as object-ID lists
+//     ("2130567256;2130567312;") and the network names of the project
+//     record ("Sewer A;Water 1;"); the empty text is the empty list.
 // The forms are never mixed.
 #pragma once
 
@@ -20,9 +21,11 @@ std::string ReferenceEntry(std::string_view value);
 // The value of every entry, in order (what follows "RelatedTo").
 std::vector<std::string> ReferenceValues(std::string_view list);
 
-// The items of an object-ID list (the empty piece after the final ";" is
-// not an item).
-std::vector<std::string> IdListItems(std::string_view list);
+// The entries of a trailing list (the empty piece after the final ";" is
+// not an entry).
+std::vector<std::string> ListEntries(std::string_view list);
+// Each entry followed by ";".
+std::string JoinEntries(const std::vector<std::string>& entries);
 // "<id>;": one entry, ready to append.
 std::string IdListEntry(host::ObjectId id);
 

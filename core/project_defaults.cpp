@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "core/lists.h"
 #include "core/names.h"
 #include "core/record.h"
 
@@ -18,14 +19,9 @@ host::XRecord TextRecord(const std::vector<std::string>& texts) {
   return record;
 }
 
-// "a;b;c;" and, in step, "0;0;0;".
-std::string List(const std::vector<std::string>& entries) {
-  std::string out;
-  for (const std::string& e : entries) out += e + ";";
-  return out;
-}
+// A zero count for every entry: "0;0;0;".
 std::string ZeroCounts(const std::vector<std::string>& entries) {
-  return List(std::vector<std::string>(entries.size(), "0"));
+  return JoinEntries(std::vector<std::string>(entries.size(), "0"));
 }
 
 const std::vector<std::string> kMaterials = {
@@ -47,16 +43,16 @@ const std::vector<std::string> kUsBox = {"2x2", "3x2", "4x3", "5x3",
 }  // namespace
 
 host::XRecord DefaultMaterialLibraryRecord() {
-  return TextRecord({"MaterialLibrary", kMaterialLibraryPoint, List(kMaterials),
-                     ZeroCounts(kMaterials)});
+  return TextRecord({"MaterialLibrary", kMaterialLibraryPoint,
+                     JoinEntries(kMaterials), ZeroCounts(kMaterials)});
 }
 
 host::XRecord DefaultSectionSizeLibraryRecord() {
   return TextRecord({"SectionSizeLibrary", kSectionSizeLibraryPoint,
-                     List(kMetricCircular), ZeroCounts(kMetricCircular),
-                     List(kMetricBox), ZeroCounts(kMetricBox),
-                     List(kUsCircular), ZeroCounts(kUsCircular), List(kUsBox),
-                     ZeroCounts(kUsBox)});
+                     JoinEntries(kMetricCircular), ZeroCounts(kMetricCircular),
+                     JoinEntries(kMetricBox), ZeroCounts(kMetricBox),
+                     JoinEntries(kUsCircular), ZeroCounts(kUsCircular),
+                     JoinEntries(kUsBox), ZeroCounts(kUsBox)});
 }
 
 host::XRecord StandardViewStyleRecord(bool metric) {

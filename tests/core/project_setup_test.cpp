@@ -31,7 +31,7 @@ Record MarkerRecord(host::Document& doc, host::ObjectId id) {
 V Entries(const Record& record, int field) {
   std::string text = record.Text(field);
   EXPECT_TRUE(text.empty() || text.back() == ';') << text;
-  return IdListItems(text);
+  return ListEntries(text);
 }
 
 class ProjectSetup : public ::testing::TestWithParam<std::string> {

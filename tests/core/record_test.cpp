@@ -78,8 +78,8 @@ TEST(Lists, ReferenceAndObjectIdForms) {
             (V{"N-3", "2130567312"}));
   EXPECT_EQ(ReferenceValues(""), V{});
   EXPECT_EQ(ReferenceValues(";RelatedTo;Related"), (V{"", ""}));
-  EXPECT_EQ(IdListItems("17;42;"), (V{"17", "42"}));
-  EXPECT_EQ(IdListItems(""), V{});
+  EXPECT_EQ(ListEntries("17;42;"), (V{"17", "42"}));
+  EXPECT_EQ(ListEntries(""), V{});
   EXPECT_EQ(IdListEntry(2130567256), "2130567256;");
   EXPECT_EQ(IdText(-5), "-5");
 }
