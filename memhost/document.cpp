@@ -541,6 +541,14 @@ uint64_t MemDocument::HandleSeed() const {
   return h;
 }
 
+void MemDocument::ReserveHandle(uint64_t handle) {
+  if (handle == 0 || by_handle_.count(handle))
+    throw HostError(ErrorCode::kDuplicateKey,
+                    "handle " + HexHandle(handle) + " is used twice");
+  by_handle_[handle] = nullptr;  // taken, but no object of the model
+  if (handle >= next_handle_) next_handle_ = handle + 1;
+}
+
 void MemDocument::Rehandle(MemObject& object, uint64_t handle) {
   if (object.handle_ == handle) return;
   if (handle == 0 || by_handle_.count(handle))

@@ -747,6 +747,16 @@ class MemDocument final : public host::Document {
   uint64_t NextHandle();
   uint64_t HandleSeed() const;
   void Rehandle(MemObject& object, uint64_t handle);
+  // Marks a handle as taken by something the file layer keeps outside the
+  // object model (tables, block begin and end markers, OBJECTS, ...), so
+  // that new objects never receive it. kDuplicateKey when it is in use.
+  void ReserveHandle(uint64_t handle);
+  // Sets where new handles start (the file layer, after a load that moved
+  // objects about); handles in use are still skipped.
+  void SetHandleSeed(uint64_t seed) { next_handle_ = seed == 0 ? 1 : seed; }
+
+  // What the file layer keeps of the whole drawing to write it back.
+  std::any file_data;
 
   // While loading, locked layers accept changes.
   class LoadScope {

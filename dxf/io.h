@@ -1,0 +1,56 @@
+// Opening and saving drawings: what every command uses.
+//
+//   auto doc = dxf::LoadDrawing("site.dxf");        // DxfError, FileError
+//   ... change *doc through the host interface ...
+//   dxf::SaveDrawing(*doc, "site.dxf");              // atomic replace
+//
+// Commands that change a drawing follow one rule: they take -o OUT and
+// otherwise replace the input; a command that fails leaves the input byte
+// for byte as it was. EditDrawing implements it:
+//
+//   dxf::EditDrawing(input, args.Option("output"), [&](MemDocument& doc) {
+//     ... may throw: then nothing is written ...
+//   });
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "memhost/document.h"
+
+namespace kestrana::dxf {
+
+// A file that cannot be read or written (missing, no permission, disk full).
+class FileError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct LoadOptions {
+  memhost::Options host;                            // object-ID policy
+  std::shared_ptr<memhost::MemApplication> app;     // null: a new one
+};
+
+// Reads the drawing at `path`. FileError when the file cannot be read;
+// DxfError ("PATH: line N: ...") when it is not a drawing kestrana reads.
+std::unique_ptr<memhost::MemDocument> LoadDrawing(const std::string& path,
+                                                  const LoadOptions& options = {});
+
+// Writes `doc` to `path` atomically: a temporary file in the same folder,
+// flushed to disk, then renamed over `path` (keeping its permissions).
+void SaveDrawing(memhost::MemDocument& doc, const std::string& path);
+
+// Writes `bytes` to `path` the same atomic way.
+void WriteFileAtomically(const std::string& path, const std::string& bytes);
+
+// Loads `input`, runs `change`, then saves to `output` when given, else
+// over `input`. When loading, `change` or writing fails nothing is written
+// and the error propagates.
+void EditDrawing(const std::string& input, const std::optional<std::string>& output,
+                 const std::function<void(memhost::MemDocument&)>& change,
+                 const LoadOptions& options = {});
+
+}  // namespace kestrana::dxf

@@ -1,0 +1,31 @@
+// Table records and block markers: layers, text styles, block records, and
+// the BLOCK and ENDBLK entities around a block's contents.
+#pragma once
+
+#include <cstdint>
+
+#include "dxf/shape.h"
+#include "dxf/text_codec.h"
+#include "memhost/document.h"
+
+namespace kestrana::dxf {
+
+void ReadLayerRecord(const Shape& shape, memhost::MemLayer& layer,
+                     const TextCodec& codec);
+void ReadStyleRecord(const Shape& shape, memhost::MemTextStyle& style,
+                     const TextCodec& codec);
+
+// Fingerprints of the state each record writes.
+uint64_t LayerHash(const memhost::MemLayer& layer);
+uint64_t StyleHash(const memhost::MemTextStyle& style);
+// Covers the block record and the BLOCK entity.
+uint64_t BlockHash(const memhost::MemBlock& block);
+
+// The groups each record writes (WriteSpec::groups and xdata).
+void LayerSpec(memhost::MemLayer& layer, const Shape* original, WriteSpec& spec);
+void StyleSpec(memhost::MemTextStyle& style, WriteSpec& spec);
+void BlockRecordSpec(memhost::MemBlock& block, WriteSpec& spec);
+void BlockBeginSpec(memhost::MemBlock& block, bool paper_space, WriteSpec& spec);
+void BlockEndSpec(bool paper_space, WriteSpec& spec);
+
+}  // namespace kestrana::dxf

@@ -1,0 +1,193 @@
+#include "dxf/tags.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+namespace kestrana::dxf {
+
+namespace {
+
+std::string_view Trim(std::string_view s) {
+  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
+  while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
+  return s;
+}
+
+// Enough of a value to show in a message, without control bytes.
+std::string Shown(std::string_view s) {
+  std::string out;
+  for (char c : s.substr(0, 40))
+    out += (static_cast<unsigned char>(c) < 0x20) ? '?' : c;
+  if (s.size() > 40) out += "...";
+  return out;
+}
+
+}  // namespace
+
+DxfError::DxfError(size_t line, const std::string& message)
+    : std::runtime_error(line == 0 ? message
+                                   : "line " + std::to_string(line) + ": " + message),
+      line_(line) {}
+
+DxfError DxfError::InFile(const std::string& path) const {
+  return DxfError(path + ": " + what(), line_);
+}
+
+Tokenizer::Tokenizer(std::string_view text, size_t base_offset, uint32_t first_line)
+    : text_(text), base_(base_offset), line_(first_line) {}
+
+std::string_view Tokenizer::ReadLine() {
+  const char* start = text_.data() + pos_;
+  size_t left = text_.size() - pos_;
+  const void* nl = std::memchr(start, '\n', left);
+  size_t length = nl ? static_cast<const char*>(nl) - start : left;
+  if (length > kMaxLineLength)
+    throw DxfError(line_, "the line is " + std::to_string(length) +
+                              " bytes long; a DXF line holds one group code or "
+                              "one value (at most " +
+                              std::to_string(kMaxLineLength) + " bytes)");
+  pos_ += nl ? length + 1 : length;
+  ++line_;
+  std::string_view line(start, length);
+  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+  return line;
+}
+
+bool Tokenizer::Next(Tag& tag) {
+  if (pos_ >= text_.size()) return false;
+  tag.offset = base_ + pos_;
+  tag.line = line_;
+  std::string_view code_text = Trim(ReadLine());
+  int code = 0;
+  const char* first = code_text.data();
+  const char* last = first + code_text.size();
+  if (first != last && *first == '+') ++first;
+  auto [ptr, ec] = std::from_chars(first, last, code);
+  if (code_text.empty() || ec != std::errc() || ptr != last)
+    throw DxfError(tag.line, "expected a group code (a whole number), found '" +
+                                 Shown(code_text) + "'");
+  if (pos_ >= text_.size())
+    throw DxfError(tag.line, "the file ends after group code " +
+                                 std::to_string(code) +
+                                 "; the value line that belongs to it is missing");
+  tag.code = code;
+  tag.value = ReadLine();
+  return true;
+}
+
+ValueType TypeOfCode(int code) {
+  if (code == 5 || code == 105 || (code >= 320 && code <= 369) ||
+      (code >= 390 && code <= 399) || (code >= 480 && code <= 481) || code == 1005)
+    return ValueType::kHandle;
+  if ((code >= 10 && code <= 59) || (code >= 110 && code <= 149) ||
+      (code >= 210 && code <= 239) || (code >= 460 && code <= 469) ||
+      (code >= 1010 && code <= 1059))
+    return ValueType::kReal;
+  if ((code >= 60 && code <= 99) || (code >= 160 && code <= 179) ||
+      (code >= 270 && code <= 299) || (code >= 370 && code <= 389) ||
+      (code >= 400 && code <= 409) || (code >= 420 && code <= 429) ||
+      (code >= 440 && code <= 459) || (code >= 1060 && code <= 1071))
+    return ValueType::kInt;
+  return ValueType::kText;
+}
+
+bool ParseReal(std::string_view text, double& out) {
+  text = Trim(text);
+  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  if (text.empty()) return false;
+  auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), out);
+  return ec == std::errc() && ptr == text.data() + text.size() && std::isfinite(out);
+}
+
+bool ParseInt(std::string_view text, int64_t& out) {
+  text = Trim(text);
+  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  if (text.empty()) return false;
+  auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), out);
+  return ec == std::errc() && ptr == text.data() + text.size();
+}
+
+bool ParseHandle(std::string_view text, uint64_t& out) {
+  text = Trim(text);
+  // Handles stay below 2^60 so that new ones can always follow.
+  if (text.empty() || text.size() > 15) return false;
+  auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), out, 16);
+  return ec == std::errc() && ptr == text.data() + text.size();
+}
+
+double RealValue(const Tag& tag) {
+  double v = 0;
+  if (!ParseReal(tag.value, v))
+    throw DxfError(tag.line + 1, "group code " + std::to_string(tag.code) +
+                                     " expects a real number, found '" +
+                                     Shown(tag.value) + "'");
+  return v;
+}
+
+int64_t IntValue(const Tag& tag) {
+  int64_t v = 0;
+  if (!ParseInt(tag.value, v))
+    throw DxfError(tag.line + 1, "group code " + std::to_string(tag.code) +
+                                     " expects a whole number, found '" +
+                                     Shown(tag.value) + "'");
+  return v;
+}
+
+uint64_t HandleValue(const Tag& tag) {
+  uint64_t v = 0;
+  if (!ParseHandle(tag.value, v))
+    throw DxfError(tag.line + 1, "group code " + std::to_string(tag.code) +
+                                     " expects a handle (hexadecimal), found '" +
+                                     Shown(tag.value) + "'");
+  return v;
+}
+
+std::string FormatReal(double value) {
+  if (value == 0) value = 0;  // no "-0.0"
+  char buf[32];
+  auto [ptr, ec] = std::to_chars(buf, buf + sizeof buf, value);
+  std::string s(buf, ptr);
+  if (s.find_first_of(".en") == std::string::npos) s += ".0";
+  return s;
+}
+
+std::string FormatHandle(uint64_t handle) {
+  char buf[24];
+  auto [ptr, ec] = std::to_chars(buf, buf + sizeof buf, handle, 16);
+  std::string s(buf, ptr);
+  for (char& c : s)
+    if (c >= 'a' && c <= 'f') c = static_cast<char>(c - 32);
+  return s;
+}
+
+void TagWriter::Code(int code) {
+  char buf[16];
+  auto [ptr, ec] = std::to_chars(buf, buf + sizeof buf, code);
+  size_t n = ptr - buf;
+  if (n < 3) out_.append(3 - n, ' ');
+  out_.append(buf, n);
+  out_.append(eol_);
+}
+
+void TagWriter::Text(int code, std::string_view value) {
+  Code(code);
+  out_.append(value);
+  out_.append(eol_);
+}
+
+void TagWriter::Real(int code, double value) { Text(code, FormatReal(value)); }
+
+void TagWriter::Int(int code, int64_t value) { Text(code, std::to_string(value)); }
+
+void TagWriter::Handle(int code, uint64_t handle) {
+  Text(code, FormatHandle(handle));
+}
+
+void TagWriter::Point(int code, double x, double y, double z) {
+  Real(code, x);
+  Real(code + 10, y);
+  Real(code + 20, z);
+}
+
+}  // namespace kestrana::dxf

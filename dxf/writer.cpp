@@ -1,0 +1,467 @@
+#include "dxf/writer.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "dxf/image.h"
+#include "dxf/kinds.h"
+#include "dxf/reader.h"
+#include "dxf/records.h"
+#include "dxf/shape.h"
+#include "dxf/template.h"
+
+namespace kestrana::dxf {
+
+using memhost::MemBlock;
+using memhost::MemDocument;
+using memhost::MemEntity;
+using memhost::MemObject;
+
+namespace {
+
+bool SameNoCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    char x = a[i], y = b[i];
+    if (x >= 'a' && x <= 'z') x = static_cast<char>(x - 32);
+    if (y >= 'a' && y <= 'z') y = static_cast<char>(y - 32);
+    if (x != y) return false;
+  }
+  return true;
+}
+
+bool IsPaperLayout(const MemBlock& b) {
+  return b.name_.size() >= 12 && SameNoCase(std::string_view(b.name_).substr(0, 12),
+                                            "*Paper_Space");
+}
+
+class Writer {
+ public:
+  Writer(MemDocument& doc, FileImage& img) : doc_(doc), img_(img), w_(out_, img.eol) {}
+  std::string Run();
+
+ private:
+  uint64_t NewHandle();
+  void Prepare();
+  void Header(const SectionImage& s);
+  void Tables(const SectionImage& s);
+  void Table(const TableImage& t);
+  void Blocks(const SectionImage& s);
+  void Entities();
+  void WriteEntity(MemEntity& e, uint64_t owner, bool paper);
+  // Writes an object from its record: as read while `hash` still matches.
+  template <class Fill>
+  void WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
+                     uint64_t owner, Fill fill);
+  bool LoadOriginal(const Span& span, Shape& shape, int handle_code = 5) const;
+  void Raw(const Span& s) { w_.Raw(img_.Bytes(s)); }
+
+  MemDocument& doc_;
+  FileImage& img_;
+  std::string out_;
+  TagWriter w_;
+};
+
+uint64_t Writer::NewHandle() {
+  uint64_t h = doc_.NextHandle();
+  doc_.ReserveHandle(h);
+  return h;
+}
+
+bool Writer::LoadOriginal(const Span& span, Shape& shape, int handle_code) const {
+  if (span.Empty()) return false;
+  Tokenizer tok(img_.Bytes(span), span.begin);
+  Tag first, next;
+  if (!tok.Next(first)) return false;
+  shape.file = img_.buffer;
+  if (ReadObject(tok, first, shape, next)) shape.end_offset = next.offset;
+  shape.Build(handle_code);
+  return true;
+}
+
+// Handles for what the file layer adds around the objects of the model.
+void Writer::Prepare() {
+  for (MemBlock* b : doc_.BlockList()) {
+    if (RecordOf(*b) == nullptr) b->file_data = ObjectRecord{};
+    ObjectRecord& r = *RecordOf(*b);
+    if (r.begin_handle == 0) r.begin_handle = NewHandle();
+    if (r.end_handle == 0 && r.end_span.Empty()) r.end_handle = NewHandle();
+    for (MemEntity* e : b->MemEntities()) {
+      std::vector<MemEntity*> parts{e};
+      auto* ref = dynamic_cast<memhost::MemBlockReference*>(e);
+      if (ref != nullptr)
+        for (auto* a : ref->Attributes()) parts.push_back(a);
+      for (MemEntity* part : parts) {
+        ObjectRecord* pr = RecordOf(*part);
+        if (pr != nullptr && pr->read && pr->handle != part->HandleValue()) {
+          // A copy (or an entity the file gave no handle): its own handle,
+          // its own SEQEND.
+          pr->copied = true;
+          pr->hash = 0;
+          pr->end_span = {};
+          pr->end_handle = 0;
+          pr->handle = part->HandleValue();
+        }
+      }
+      if (ref != nullptr && ref->HasAttributes()) {
+        if (RecordOf(*ref) == nullptr) ref->file_data = ObjectRecord{};
+        ObjectRecord& rr = *RecordOf(*ref);
+        if (rr.end_span.Empty() && rr.end_handle == 0) rr.end_handle = NewHandle();
+      }
+    }
+  }
+  // Every application named in extended data gets its APPID entry, and the
+  // tables the model needs exist.
+  SectionImage* tables = nullptr;
+  for (auto& s : img_.sections)
+    if (s.kind == SectionImage::Kind::kTables) tables = &s;
+  if (tables == nullptr) return;
+  for (const char* name : {"LAYER", "STYLE", "APPID", "BLOCK_RECORD"}) {
+    bool found = false;
+    for (const auto& t : tables->tables) found = found || t.name == name;
+    if (!found) {
+      TableImage t;
+      t.name = name;
+      t.handle = NewHandle();
+      tables->tables.push_back(std::move(t));
+    }
+  }
+  for (auto& t : tables->tables) {
+    if (t.name != "APPID") continue;
+    for (const std::string& app : doc_.RegisteredApps()) {
+      bool found = false;
+      for (const auto& item : t.items) found = found || SameNoCase(item.name, app);
+      if (found) continue;
+      TableItem item;
+      item.handle = NewHandle();
+      item.name = app;
+      t.items.push_back(std::move(item));
+    }
+  }
+}
+
+std::string Writer::Run() {
+  Prepare();
+  out_.reserve(img_.buffer.size() + img_.buffer.size() / 8 + 4096);
+  for (const SectionImage& s : img_.sections) {
+    switch (s.kind) {
+      case SectionImage::Kind::kRaw: Raw(s.span); break;
+      case SectionImage::Kind::kHeader: Header(s); break;
+      case SectionImage::Kind::kTables: Tables(s); break;
+      case SectionImage::Kind::kBlocks: Blocks(s); break;
+      case SectionImage::Kind::kEntities:
+        Raw(s.head);
+        Entities();
+        Raw(s.tail);
+        break;
+    }
+  }
+  if (img_.trailer.Empty()) w_.Text(0, "EOF");
+  else Raw(img_.trailer);
+  return std::move(out_);
+}
+
+// ----------------------------------------------------------------- header
+
+void Writer::Header(const SectionImage& s) {
+  Raw(s.head);
+  const TextCodec& codec = img_.codec;
+  uint64_t seed = doc_.HandleSeed();
+  std::string clayer = doc_.ActiveLayer().Name();
+  std::string style = doc_.ActiveTextStyle().Name();
+  auto point = [&](const char* name) {
+    host::SysVar v = doc_.GetVariable(name);
+    const auto* p = std::get_if<host::Point3>(&v);
+    return p ? *p : host::Point3{};
+  };
+  host::Point3 xdir = point("UCSXDIR"), ydir = point("UCSYDIR");
+  bool wrote_seed = false, wrote_layer = false, wrote_style = false,
+       wrote_x = false, wrote_y = false;
+  auto write_point = [&](const char* name, const host::Point3& p) {
+    w_.Text(9, name);
+    w_.Point(10, p.x, p.y, p.z);
+  };
+  for (const HeaderVar& var : s.vars) {
+    if (var.name == "$HANDSEED") {
+      wrote_seed = true;
+      Shape shape;
+      uint64_t old = 0;
+      Tokenizer tok(img_.Bytes(var.span), var.span.begin);
+      Tag t;
+      while (tok.Next(t))
+        if (t.code == 5) ParseHandle(t.value, old);
+      if (old == seed) {
+        Raw(var.span);
+      } else {
+        w_.Text(9, "$HANDSEED");
+        w_.Handle(5, seed);
+      }
+    } else if (var.name == "$CLAYER") {
+      wrote_layer = true;
+      if (clayer == img_.clayer) Raw(var.span);
+      else w_.Text(9, "$CLAYER"), w_.Text(8, codec.Encode(clayer));
+    } else if (var.name == "$TEXTSTYLE") {
+      wrote_style = true;
+      if (style == img_.textstyle) Raw(var.span);
+      else w_.Text(9, "$TEXTSTYLE"), w_.Text(7, codec.Encode(style));
+    } else if (var.name == "$UCSXDIR") {
+      wrote_x = true;
+      if (xdir == img_.ucsxdir) Raw(var.span);
+      else write_point("$UCSXDIR", xdir);
+    } else if (var.name == "$UCSYDIR") {
+      wrote_y = true;
+      if (ydir == img_.ucsydir) Raw(var.span);
+      else write_point("$UCSYDIR", ydir);
+    } else {
+      Raw(var.span);
+    }
+  }
+  if (!wrote_seed) w_.Text(9, "$HANDSEED"), w_.Handle(5, seed);
+  if (!wrote_layer && clayer != "0")
+    w_.Text(9, "$CLAYER"), w_.Text(8, codec.Encode(clayer));
+  if (!wrote_style && style != "Standard")
+    w_.Text(9, "$TEXTSTYLE"), w_.Text(7, codec.Encode(style));
+  if (!wrote_x && !(xdir == host::Point3{1, 0, 0})) write_point("$UCSXDIR", xdir);
+  if (!wrote_y && !(ydir == host::Point3{0, 1, 0})) write_point("$UCSYDIR", ydir);
+  Raw(s.tail);
+}
+
+// ----------------------------------------------------------------- tables
+
+template <class Fill>
+void Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
+                           uint64_t owner, Fill fill) {
+  ObjectRecord* r = RecordOf(obj);
+  if (r != nullptr && r->read && !r->copied && r->hash == hash) {
+    Raw(r->span);
+    return;
+  }
+  Shape original;
+  bool has = r != nullptr && r->read && LoadOriginal(r->span, original);
+  WriteSpec spec;
+  spec.type = type;
+  spec.handle = obj.HandleValue();
+  spec.owner = owner;
+  spec.original = has ? &original : nullptr;
+  spec.fresh_head = has && r->copied;
+  fill(spec, spec.original);
+  WriteObject(spec, w_, img_.codec);
+}
+
+void Writer::Tables(const SectionImage& s) {
+  Raw(s.head);
+  for (const TableImage& t : s.tables) Table(t);
+  Raw(s.tail);
+}
+
+void Writer::Table(const TableImage& t) {
+  bool modelled = t.name == "LAYER" || t.name == "STYLE" || t.name == "APPID" ||
+                  t.name == "BLOCK_RECORD";
+  if (!modelled) {
+    Raw({t.head.begin, t.tail.end});
+    return;
+  }
+  std::string body;
+  std::swap(body, out_);  // entries first, to count them for the head
+  size_t count = 0;
+  std::unordered_set<uint64_t> listed;
+  for (const TableItem& item : t.items) {
+    if (item.raw) {
+      Raw(item.span);
+      ++count;
+      continue;
+    }
+    listed.insert(item.handle);
+    if (t.name == "APPID") {
+      WriteSpec spec;
+      spec.type = "APPID";
+      spec.handle = item.handle;
+      spec.owner = t.handle;
+      spec.groups.emplace_back("AcDbSymbolTableRecord");
+      FieldGroup& g = spec.groups.emplace_back("AcDbRegAppTableRecord");
+      g.Text(2, item.name);
+      g.Int(70, 0);
+      WriteObject(spec, w_, img_.codec);
+      ++count;
+      continue;
+    }
+    MemObject* obj = doc_.FindByHandle(item.handle);
+    if (obj == nullptr || obj->IsErased()) continue;
+    if (auto* l = dynamic_cast<memhost::MemLayer*>(obj)) {
+      WriteRecorded(*l, LayerHash(*l), "LAYER", t.handle,
+                    [&](WriteSpec& spec, const Shape* o) { LayerSpec(*l, o, spec); });
+    } else if (auto* st = dynamic_cast<memhost::MemTextStyle*>(obj)) {
+      WriteRecorded(*st, StyleHash(*st), "STYLE", t.handle,
+                    [&](WriteSpec& spec, const Shape*) { StyleSpec(*st, spec); });
+    } else if (auto* b = dynamic_cast<MemBlock*>(obj)) {
+      WriteRecorded(*b, BlockHash(*b), "BLOCK_RECORD", t.handle,
+                    [&](WriteSpec& spec, const Shape*) { BlockRecordSpec(*b, spec); });
+    } else {
+      continue;
+    }
+    ++count;
+  }
+  // Objects the logic added.
+  if (t.name == "LAYER") {
+    for (auto* l : doc_.LayerList())
+      if (!listed.count(l->HandleValue())) {
+        WriteRecorded(*l, LayerHash(*l), "LAYER", t.handle,
+                      [&](WriteSpec& spec, const Shape* o) { LayerSpec(*l, o, spec); });
+        ++count;
+      }
+  } else if (t.name == "STYLE") {
+    for (auto* st : doc_.TextStyleList())
+      if (!listed.count(st->HandleValue())) {
+        WriteRecorded(*st, StyleHash(*st), "STYLE", t.handle,
+                      [&](WriteSpec& spec, const Shape*) { StyleSpec(*st, spec); });
+        ++count;
+      }
+  } else if (t.name == "BLOCK_RECORD") {
+    for (auto* b : doc_.BlockList())
+      if (!listed.count(b->HandleValue())) {
+        WriteRecorded(*b, BlockHash(*b), "BLOCK_RECORD", t.handle,
+                      [&](WriteSpec& spec, const Shape*) { BlockRecordSpec(*b, spec); });
+        ++count;
+      }
+  }
+  std::swap(body, out_);
+
+  if (t.head.Empty()) {
+    w_.Text(0, "TABLE");
+    w_.Text(2, t.name);
+    w_.Handle(5, t.handle);
+    w_.Text(330, "0");
+    w_.Text(100, "AcDbSymbolTable");
+    w_.Int(70, static_cast<int64_t>(count));
+  } else if (count == t.count_read) {
+    Raw(t.head);
+  } else {
+    // The entry count changed: the head again with the new count.
+    Shape head;
+    LoadOriginal(t.head, head);
+    bool done = false;
+    for (size_t i = 0; i < head.tags.size(); ++i) {
+      if (!done && head.tags[i].code == 70) {
+        w_.Int(70, static_cast<int64_t>(count));
+        done = true;
+      } else {
+        w_.Raw(head.TagBytes(i));
+      }
+    }
+  }
+  out_ += body;
+  if (t.tail.Empty()) w_.Text(0, "ENDTAB");
+  else Raw(t.tail);
+}
+
+// ----------------------------------------------------------------- blocks
+
+void Writer::Blocks(const SectionImage& s) {
+  Raw(s.head);
+  std::vector<MemBlock*> order;
+  std::unordered_set<MemBlock*> seen;
+  for (uint64_t h : s.blocks) {
+    auto* b = dynamic_cast<MemBlock*>(doc_.FindByHandle(h));
+    if (b != nullptr && !b->IsErased() && seen.insert(b).second) order.push_back(b);
+  }
+  for (MemBlock* b : doc_.BlockList())
+    if (seen.insert(b).second) order.push_back(b);
+
+  for (MemBlock* b : order) {
+    ObjectRecord& r = *RecordOf(*b);
+    bool paper = IsPaperLayout(*b);
+    uint64_t hash = BlockHash(*b);
+    if (!r.begin_span.Empty() && r.hash == hash) {
+      Raw(r.begin_span);
+    } else {
+      Shape original;
+      bool has = LoadOriginal(r.begin_span, original);
+      WriteSpec spec;
+      spec.handle = r.begin_handle;
+      spec.owner = b->HandleValue();
+      spec.original = has ? &original : nullptr;
+      BlockBeginSpec(*b, paper, spec);
+      WriteObject(spec, w_, img_.codec);
+    }
+    // Entities of model space and the active paper space live in ENTITIES.
+    if (b != &doc_.ModelSpaceBlock() && b != &doc_.PaperSpaceBlock())
+      for (MemEntity* e : b->MemEntities()) WriteEntity(*e, b->HandleValue(), paper);
+    if (!r.end_span.Empty()) {
+      Raw(r.end_span);
+    } else {
+      WriteSpec spec;
+      spec.handle = r.end_handle;
+      spec.owner = b->HandleValue();
+      BlockEndSpec(paper, spec);
+      WriteObject(spec, w_, img_.codec);
+    }
+  }
+  Raw(s.tail);
+}
+
+void Writer::Entities() {
+  std::vector<MemEntity*> model = doc_.ModelSpaceBlock().MemEntities();
+  std::vector<MemEntity*> paper = doc_.PaperSpaceBlock().MemEntities();
+  uint64_t model_handle = doc_.ModelSpaceBlock().HandleValue();
+  uint64_t paper_handle = doc_.PaperSpaceBlock().HandleValue();
+  // Both spaces in the order they were read (new entities last).
+  size_t i = 0, j = 0;
+  while (i < model.size() || j < paper.size()) {
+    if (j == paper.size() ||
+        (i < model.size() && model[i]->Sequence() < paper[j]->Sequence())) {
+      WriteEntity(*model[i++], model_handle, false);
+    } else {
+      WriteEntity(*paper[j++], paper_handle, true);
+    }
+  }
+}
+
+void Writer::WriteEntity(MemEntity& e, uint64_t owner, bool paper) {
+  ObjectRecord* r = RecordOf(e);
+  host::Entity& he = e.AsHostEntity();
+  WriteRecorded(e, EntityHash(e), he.EntityName(), owner,
+                [&](WriteSpec& spec, const Shape* original) {
+                  WriteContext ctx{doc_, img_.codec, original, paper};
+                  EntitySpec(e, ctx, spec);
+                });
+  auto* ref = dynamic_cast<memhost::MemBlockReference*>(&e);
+  if (ref == nullptr) {
+    if (r != nullptr && !r->end_span.Empty()) Raw(r->end_span);  // vertices
+    return;
+  }
+  if (!ref->HasAttributes()) return;
+  for (auto* a : ref->Attributes())
+    if (!a->IsErased()) WriteEntity(*a, e.HandleValue(), paper);
+  r = RecordOf(e);
+  if (r != nullptr && !r->end_span.Empty()) {
+    Raw(r->end_span);
+    return;
+  }
+  WriteSpec spec;
+  spec.type = "SEQEND";
+  spec.handle = r ? r->end_handle : NewHandle();
+  spec.owner = e.HandleValue();
+  FieldGroup& g = spec.groups.emplace_back("AcDbEntity");
+  if (paper) g.Int(67, 1);
+  g.Text(8, e.LayerName());
+  WriteObject(spec, w_, img_.codec);
+}
+
+}  // namespace
+
+std::string WriteDxf(MemDocument& doc) {
+  if (ImageOf(doc) == nullptr) {
+    ReadDxf(doc, NewDrawingTemplate(doc));
+    // The template has the defaults' state but not their extended data:
+    // they are written from their state.
+    for (MemBlock* b : doc.BlockList())
+      if (ObjectRecord* r = RecordOf(*b)) r->hash = 0;
+    for (auto* l : doc.LayerList())
+      if (ObjectRecord* r = RecordOf(*l)) r->hash = 0;
+    for (auto* s : doc.TextStyleList())
+      if (ObjectRecord* r = RecordOf(*s)) r->hash = 0;
+  }
+  return Writer(doc, *ImageOf(doc)).Run();
+}
+
+}  // namespace kestrana::dxf

@@ -1,0 +1,133 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "dxf/tags.h"
+#include "dxf/text_codec.h"
+
+namespace kestrana::dxf {
+namespace {
+
+std::vector<Tag> Tokens(std::string_view text) {
+  Tokenizer tok(text);
+  std::vector<Tag> out;
+  Tag t;
+  while (tok.Next(t)) out.push_back(t);
+  return out;
+}
+
+std::string ErrorOf(std::string_view text) {
+  try {
+    Tokens(text);
+  } catch (const DxfError& e) {
+    return e.what();
+  }
+  return "no error";
+}
+
+TEST(Tokenizer, SplitsTagsWithLineNumbersOffsetsAndBothLineEndings) {
+  std::string text = "  0\r\nSECTION\r\n  2\r\nHEADER\r\n999\r\n  spaced value \r\n";
+  auto tags = Tokens(text);
+  ASSERT_EQ(tags.size(), 3u);
+  EXPECT_EQ(tags[0].code, 0);
+  EXPECT_EQ(tags[0].value, "SECTION");
+  EXPECT_EQ(tags[1].line, 3u);
+  EXPECT_EQ(tags[1].offset, text.find("  2"));
+  // Values keep their blanks; only the line ending goes.
+  EXPECT_EQ(tags[2].value, "  spaced value ");
+  EXPECT_EQ(tags[2].line, 5u);
+
+  auto lf = Tokens("0\nEOF");  // the last line may lack its ending
+  ASSERT_EQ(lf.size(), 1u);
+  EXPECT_EQ(lf[0].value, "EOF");
+}
+
+TEST(Tokenizer, NamesTheLineOfEveryMalformedTag) {
+  EXPECT_EQ(ErrorOf("0\nSECTION\nabc\nx\n"),
+            "line 3: expected a group code (a whole number), found 'abc'");
+  EXPECT_EQ(ErrorOf("0\nSECTION\n\nx\n"),
+            "line 3: expected a group code (a whole number), found ''");
+  EXPECT_EQ(ErrorOf("0\nSECTION\n2\n"),
+            "line 3: the file ends after group code 2; the value line that "
+            "belongs to it is missing");
+  std::string huge = "0\nSECTION\n1\n" + std::string(kMaxLineLength + 1, 'x') + "\n";
+  std::string error = ErrorOf(huge);
+  EXPECT_EQ(error.rfind("line 4: the line is 1048577 bytes long", 0), 0u) << error;
+}
+
+TEST(Values, ParseStrictlyAndNameTheValueLine) {
+  Tag t;
+  t.code = 10;
+  t.line = 7;
+  t.value = " 1.5e3 ";
+  EXPECT_EQ(RealValue(t), 1500.0);
+  t.value = "+.25";
+  EXPECT_EQ(RealValue(t), 0.25);
+  t.value = "1,5";
+  try {
+    RealValue(t);
+    FAIL() << "1,5 was accepted";
+  } catch (const DxfError& e) {
+    EXPECT_STREQ(e.what(), "line 8: group code 10 expects a real number, found '1,5'");
+    EXPECT_EQ(e.line(), 8u);
+  }
+  t.value = "nan";
+  EXPECT_THROW(RealValue(t), DxfError);
+  t.code = 70;
+  t.value = "3.0";
+  EXPECT_THROW(IntValue(t), DxfError);
+  t.value = "-12";
+  EXPECT_EQ(IntValue(t), -12);
+  t.code = 5;
+  t.value = "1fA";
+  EXPECT_EQ(HandleValue(t), 0x1FAu);
+  t.value = "G1";
+  EXPECT_THROW(HandleValue(t), DxfError);
+  t.value = "1234567890ABCDEF";  // beyond what new handles can follow
+  EXPECT_THROW(HandleValue(t), DxfError);
+}
+
+TEST(Values, RealsWriteInTheirShortestExactForm) {
+  for (double v : {0.1, 1.0 / 3.0, 1e-300, 123456789.125, -2.5, 1e20, 6.283185307179586}) {
+    double back = 0;
+    ASSERT_TRUE(ParseReal(FormatReal(v), back)) << FormatReal(v);
+    EXPECT_EQ(back, v);
+  }
+  EXPECT_EQ(FormatReal(3), "3.0");
+  EXPECT_EQ(FormatReal(-0.0), "0.0");
+  EXPECT_EQ(FormatReal(0.1), "0.1");
+  EXPECT_EQ(FormatHandle(0xAB12), "AB12");
+}
+
+TEST(TagWriter, AlignsGroupCodesLikeTheFilesItReads) {
+  std::string out;
+  TagWriter w(out, "\r\n");
+  w.Text(0, "LINE");
+  w.Int(370, -3);
+  w.Handle(1005, 0x2F);
+  w.Point(10, 1, 2, 0);
+  EXPECT_EQ(out, "  0\r\nLINE\r\n370\r\n-3\r\n1005\r\n2F\r\n 10\r\n1.0\r\n 20\r\n2.0\r\n 30\r\n0.0\r\n");
+}
+
+TEST(TextCodec, OlderFilesUseTheCodePageAndEscapesNewerOnesUtf8) {
+  TextCodec old = TextCodec::For("AC1015", "ANSI_1252");
+  EXPECT_FALSE(old.Utf8());
+  // ß and € exist in Windows-1252, Ж and 水 need escapes.
+  std::string text = "Straße €5 Ж水";
+  std::string encoded = old.Encode(text);
+  EXPECT_EQ(encoded, "Stra\xDF" "e \x80" "5 \\U+0416\\U+6C34");
+  EXPECT_EQ(old.Decode(encoded), text);
+  EXPECT_EQ(old.Decode("a\\u+00e9b"), "a\xC3\xA9" "b");  // é, lower-case escape
+  EXPECT_EQ(old.Decode("\\U+12"), "\\U+12");          // too short: kept
+
+  TextCodec modern = TextCodec::For("AC1024", "ANSI_1252");
+  EXPECT_TRUE(modern.Utf8());
+  EXPECT_EQ(modern.Encode(text), text);
+  EXPECT_EQ(modern.Decode("\\U+0416"), "\\U+0416");
+  EXPECT_TRUE(IsUtf8Version("AC1021"));
+  EXPECT_FALSE(IsUtf8Version("AC1018"));
+}
+
+}  // namespace
+}  // namespace kestrana::dxf
