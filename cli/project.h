@@ -1,7 +1,10 @@
-// Project commands as library functions: starting a project, adding and
-// listing networks, and the check every command on a project makes first.
+// Project commands: `kestrana new`, `kestrana network add`, `kestrana network
+// list`. Each is a function on a drawing file (options in, result out) built
+// on a function on an open document, and every command that works on a
+// project opens it through RequireProject first.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,17 +20,16 @@ namespace kestrana::cli {
 // newer version, with the system's messages.
 void RequireProject(host::Document& document);
 
-struct NewProjectOptions {
-  std::string units = "Metric";  // "Metric" or "US"
-};
-core::ProjectMarkers NewProject(host::Document& document,
-                                const NewProjectOptions& options);
+// --- On an open document ---------------------------------------------------
 
-struct AddNetworkOptions {
-  std::string name;
-  std::string type;  // "Gravity" or "Pressure"
-};
-void AddNetwork(host::Document& document, const AddNetworkOptions& options);
+// UsageError for units other than "Metric" and "US"; CommandError when the
+// drawing already holds a project.
+core::ProjectMarkers NewProject(host::Document& document,
+                                const std::string& units);
+// UsageError for another type or an empty name; CommandError for a name
+// with a banned character, a name in use, or no project.
+void AddNetwork(host::Document& document, const std::string& name,
+                const std::string& type);
 
 struct NetworkInfo {
   std::string name;
@@ -39,5 +41,33 @@ struct NetworkInfo {
 std::vector<NetworkInfo> ListNetworks(host::Document& document);
 std::string NetworksJson(const std::vector<NetworkInfo>& networks);
 std::string NetworksTable(const std::vector<NetworkInfo>& networks);
+
+// --- On drawing files ------------------------------------------------------
+
+struct NewOptions {
+  std::string drawing;                // read when it exists
+  std::optional<std::string> output;  // else the drawing is written
+  std::string units = "Metric";
+};
+struct NewResult {
+  std::string written;
+  bool new_drawing = false;  // the drawing did not exist and was made
+  core::ProjectMarkers markers;
+};
+NewResult New(const NewOptions& options);
+
+struct NetworkAddOptions {
+  std::string drawing;
+  std::optional<std::string> output;
+  std::string name;
+  std::string type;
+};
+// The file written.
+std::string NetworkAdd(const NetworkAddOptions& options);
+
+struct NetworkListOptions {
+  std::string drawing;
+};
+std::vector<NetworkInfo> NetworkList(const NetworkListOptions& options);
 
 }  // namespace kestrana::cli

@@ -37,31 +37,27 @@ TEST(RequireProject, RefusesMissingAndNewerProjects) {
 
 TEST(NewProject, OnceOnly) {
   memhost::MemDocument doc;
-  EXPECT_THROW(NewProject(doc, {"Imperial"}), UsageError);
-  NewProject(doc, {"US"});
+  EXPECT_THROW(NewProject(doc, "Imperial"), UsageError);
+  NewProject(doc, "US");
   EXPECT_EQ(core::General::GetModelUnits(doc), "US");
-  EXPECT_EQ(ErrorOf([&] { NewProject(doc, {}); }),
+  EXPECT_EQ(ErrorOf([&] { NewProject(doc, "Metric"); }),
             "This drawing already contains a Kestrana project!");
   EXPECT_EQ(core::General::GetModelUnits(doc), "US");
 }
 
 TEST(AddNetwork, ChecksNameTypeAndProject) {
   memhost::MemDocument bare;
-  EXPECT_EQ(ErrorOf([&] {
-              AddNetwork(bare, {"Sewer", "Gravity"});
-            }),
+  EXPECT_EQ(ErrorOf([&] { AddNetwork(bare, "Sewer", "Gravity"); }),
             "This drawing does not contain a Kestrana project!");
   auto doc = test::NewProjectDocument();
-  EXPECT_THROW(AddNetwork(*doc, {"Sewer", "gravity"}), UsageError);
-  EXPECT_THROW(AddNetwork(*doc, {"", "Gravity"}), UsageError);
-  EXPECT_NE(ErrorOf([&] { AddNetwork(*doc, {"A;B", "Gravity"}); }), "");
-  EXPECT_NE(ErrorOf([&] { AddNetwork(*doc, {"A=B", "Gravity"}); }), "");
-  AddNetwork(*doc, {"Sewer A", "Gravity"});
-  EXPECT_EQ(ErrorOf([&] {
-              AddNetwork(*doc, {"Sewer A", "Pressure"});
-            }),
+  EXPECT_THROW(AddNetwork(*doc, "Sewer", "gravity"), UsageError);
+  EXPECT_THROW(AddNetwork(*doc, "", "Gravity"), UsageError);
+  EXPECT_NE(ErrorOf([&] { AddNetwork(*doc, "A;B", "Gravity"); }), "");
+  EXPECT_NE(ErrorOf([&] { AddNetwork(*doc, "A=B", "Gravity"); }), "");
+  AddNetwork(*doc, "Sewer A", "Gravity");
+  EXPECT_EQ(ErrorOf([&] { AddNetwork(*doc, "Sewer A", "Pressure"); }),
             "A network named \"Sewer A\" already exists");
-  AddNetwork(*doc, {"sewer a", "Pressure"});
+  AddNetwork(*doc, "sewer a", "Pressure");
   EXPECT_EQ(core::General::GetNetworkNames(*doc),
             (std::vector<std::string>{"Sewer A", "sewer a"}));
 }
@@ -70,8 +66,8 @@ TEST(ListNetworks, CountsElementsPerNetwork) {
   auto doc = test::NewProjectDocument();
   EXPECT_TRUE(ListNetworks(*doc).empty());
   EXPECT_EQ(NetworksJson({}), "[]\n");
-  AddNetwork(*doc, {"S", "Gravity"});
-  AddNetwork(*doc, {"Water 1", "Pressure"});
+  AddNetwork(*doc, "S", "Gravity");
+  AddNetwork(*doc, "Water 1", "Pressure");
   core::General::CreateStandardBlock(*doc, "Node");
   for (int i = 0; i < 2; ++i) {
     host::Entity& pipe =
