@@ -25,6 +25,22 @@ void RequireProject(host::Document& document) {
     throw CommandError(core::NewerProjectMessage(version));
 }
 
+std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
+    const std::string& path) {
+  std::unique_ptr<memhost::MemDocument> document = dxf::LoadDrawing(path);
+  RequireProject(*document);
+  return document;
+}
+
+void EditProjectDrawing(
+    const std::string& input, const std::optional<std::string>& output,
+    const std::function<void(memhost::MemDocument&)>& change) {
+  dxf::EditDrawing(input, output, [&](memhost::MemDocument& document) {
+    RequireProject(document);
+    change(document);
+  });
+}
+
 core::ProjectMarkers NewProject(host::Document& document,
                                 const std::string& units) {
   if (units != core::kMetric && units != core::kUS)
@@ -43,14 +59,12 @@ void AddNetwork(host::Document& document, const std::string& name,
     throw CommandError("The network name \"" + name +
                        "\" contains a character that names cannot hold "
                        "(: ; \" / \\ > < * | ? , =)");
-  RequireProject(document);
   if (General::CheckNetworkExists(document, name))
     throw CommandError("A network named \"" + name + "\" already exists");
   General::CreateNetworkDefintion(document, name, type);
 }
 
 std::vector<NetworkInfo> ListNetworks(host::Document& document) {
-  RequireProject(document);
   core::TextTable table = General::GetNetworkDefinitions(document);
   std::vector<NetworkInfo> networks;
   for (int row = 0; row < table.Rows(); ++row) {
@@ -110,15 +124,15 @@ NewResult New(const NewOptions& options) {
 }
 
 std::string NetworkAdd(const NetworkAddOptions& options) {
-  dxf::EditDrawing(options.drawing, options.output,
-                   [&](memhost::MemDocument& document) {
-                     AddNetwork(document, options.name, options.type);
-                   });
+  EditProjectDrawing(options.drawing, options.output,
+                     [&](memhost::MemDocument& document) {
+                       AddNetwork(document, options.name, options.type);
+                     });
   return options.output.value_or(options.drawing);
 }
 
 std::vector<NetworkInfo> NetworkList(const NetworkListOptions& options) {
-  return ListNetworks(*dxf::LoadDrawing(options.drawing));
+  return ListNetworks(*OpenProjectDrawing(options.drawing));
 }
 
 namespace {

@@ -4,11 +4,14 @@
 // project opens it through RequireProject first.
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "core/project_setup.h"
+#include "memhost/document.h"
 
 namespace kestrana::host {
 class Document;
@@ -20,6 +23,18 @@ namespace kestrana::cli {
 // newer version, with the system's messages.
 void RequireProject(host::Document& document);
 
+// How every command opens a drawing whose project it works on: load, then
+// RequireProject. Object IDs stored in records are renewed here too once
+// their renewal exists.
+std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
+    const std::string& path);
+// The same for commands that change the drawing: `change` runs on the
+// checked project, then the result replaces `input` or goes to `output`;
+// nothing is written when anything fails.
+void EditProjectDrawing(
+    const std::string& input, const std::optional<std::string>& output,
+    const std::function<void(memhost::MemDocument&)>& change);
+
 // --- On an open document ---------------------------------------------------
 
 // UsageError for units other than "Metric" and "US"; CommandError when the
@@ -27,7 +42,7 @@ void RequireProject(host::Document& document);
 core::ProjectMarkers NewProject(host::Document& document,
                                 const std::string& units);
 // UsageError for another type or an empty name; CommandError for a name
-// with a banned character, a name in use, or no project.
+// with a banned character or a name in use.
 void AddNetwork(host::Document& document, const std::string& name,
                 const std::string& type);
 

@@ -45,10 +45,7 @@ TEST(NewProject, OnceOnly) {
   EXPECT_EQ(core::General::GetModelUnits(doc), "US");
 }
 
-TEST(AddNetwork, ChecksNameTypeAndProject) {
-  memhost::MemDocument bare;
-  EXPECT_EQ(ErrorOf([&] { AddNetwork(bare, "Sewer", "Gravity"); }),
-            "This drawing does not contain a Kestrana project!");
+TEST(AddNetwork, ChecksNameAndType) {
   auto doc = test::NewProjectDocument();
   EXPECT_THROW(AddNetwork(*doc, "Sewer", "gravity"), UsageError);
   EXPECT_THROW(AddNetwork(*doc, "", "Gravity"), UsageError);
