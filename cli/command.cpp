@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ostream>
 
+#include "cli/session.h"
 #include "host/types.h"
 
 namespace kestrana::cli {
@@ -76,19 +77,25 @@ int Main(const std::vector<std::string>& args, Io& io) {
     return 0;
   }
   try {
-    return command->run(rest, io);
+    int code = command->run(rest, io);
+    PrintShownMessages(io.err);
+    return code;
   } catch (const UsageError& e) {
+    PrintShownMessages(io.err, e.what());
     io.err << "kestrana " << command->name << ": " << e.what() << "\n\n"
            << command->usage;
     return 2;
   } catch (const CommandError& e) {
+    PrintShownMessages(io.err, e.what());
     io.err << "kestrana " << command->name << ": " << e.what() << '\n';
     return 1;
   } catch (const host::HostError& e) {
+    PrintShownMessages(io.err, e.what());
     io.err << "kestrana " << command->name << ": drawing error: " << e.what()
            << '\n';
     return 1;
   } catch (const std::exception& e) {
+    PrintShownMessages(io.err, e.what());
     io.err << "kestrana " << command->name << ": " << e.what() << '\n';
     return 1;
   }

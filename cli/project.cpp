@@ -5,6 +5,7 @@
 
 #include "cli/command.h"
 #include "cli/info.h"
+#include "cli/session.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -27,7 +28,7 @@ void RequireProject(host::Document& document) {
 
 std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
     const std::string& path) {
-  std::unique_ptr<memhost::MemDocument> document = dxf::LoadDrawing(path);
+  std::unique_ptr<memhost::MemDocument> document = dxf::LoadDrawing(path, CommandLoadOptions());
   RequireProject(*document);
   return document;
 }
@@ -35,10 +36,13 @@ std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
 void EditProjectDrawing(
     const std::string& input, const std::optional<std::string>& output,
     const std::function<void(memhost::MemDocument&)>& change) {
-  dxf::EditDrawing(input, output, [&](memhost::MemDocument& document) {
-    RequireProject(document);
-    change(document);
-  });
+  dxf::EditDrawing(
+      input, output,
+      [&](memhost::MemDocument& document) {
+        RequireProject(document);
+        change(document);
+      },
+      CommandLoadOptions());
 }
 
 core::ProjectMarkers NewProject(host::Document& document,
