@@ -60,4 +60,13 @@ host::Filter EntitiesToConvertFilter() {
           Item(kEntityType, "LINE"), Item(kGrouping, "or>")};
 }
 
+host::Filter BlockInsertsFilter(const std::vector<std::string>& block_names) {
+  host::Filter filter{Item(code::kAppName, kAppName),
+                      Item(kEntityType, "INSERT"), Item(kGrouping, "<OR")};
+  for (const std::string& name : block_names)
+    filter.push_back(Item(kBlockName, name));
+  filter.push_back(Item(kGrouping, "OR>"));
+  return filter;
+}
+
 }  // namespace kestrana::core

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/types.h"
 
@@ -27,5 +28,9 @@ host::Filter AllPipesFilter();
 host::Filter ElementsOfKindFilter(bool pipes);
 // What may be converted into pipes: polylines and lines.
 host::Filter EntitiesToConvertFilter();
+// Inserts of any of the given blocks that carry a "Kestrana" record:
+// 1001 "Kestrana"; 0 "INSERT"; -4 "<OR"; 2 <name>...; -4 "OR>". The names
+// are taken as patterns ("Kestrana_Profile_*").
+host::Filter BlockInsertsFilter(const std::vector<std::string>& block_names);
 
 }  // namespace kestrana::core
