@@ -58,40 +58,49 @@ std::string DescribePipe(const host::Object& pipe, const core::Record& record) {
   return "pipe " + pieces[2] + " of network " + pieces[1];
 }
 
-struct OtherPipe {
-  host::Entity* entity;
-  size_t network;  // position in the network sets
-};
-
 class Search {
  public:
   Search(host::Document& document,
          const std::vector<host::SelectionSet*>& network_sets)
       : units_(General::GetModelUnits(document)), sets_(network_sets) {
-    for (size_t n = 0; n < sets_.size(); ++n)
-      for (host::Entity* entity : sets_[n]->Entities())
-        others_.push_back({entity, n});
+    for (host::SelectionSet* set : sets_)
+      networks_.push_back({set->Entities(), std::nullopt});
   }
 
+  // One index per network, so that a pipe never meets the candidates of its
+  // own network.
   void UseIndex() {
-    std::vector<host::Box2> boxes;
-    boxes.reserve(others_.size());
-    for (const OtherPipe& other : others_)
-      boxes.push_back(SearchBox(*other.entity));
-    index_.emplace(boxes);
+    for (Network& network : networks_) {
+      std::vector<host::Box2> boxes;
+      boxes.reserve(network.pipes.size());
+      for (host::Entity* pipe : network.pipes)
+        boxes.push_back(SearchBox(*pipe));
+      network.index.emplace(boxes);
+    }
+    indexed_ = true;
   }
 
   void Run(host::SelectionSet& pipes) {
-    std::vector<char> other_network(sets_.size());
+    std::vector<uint32_t> candidates;
     for (host::Entity* pipe : pipes.Entities()) {
       core::Record record = ReadPipeRecord(*pipe);
       const std::string network = General::EntityNetworkFromCombined(
           record.Text(PipeField::kCombinedLabel));
-      for (size_t n = 0; n < sets_.size(); ++n)
-        other_network[n] = sets_[n]->Name() != network;
-      for (uint32_t candidate : Candidates(*pipe)) {
-        const OtherPipe& other = others_[candidate];
-        if (other_network[other.network]) TryPair(*pipe, record, *other.entity);
+      const host::Box2 box = indexed_ ? SearchBox(*pipe) : host::Box2{};
+      for (size_t n = 0; n < sets_.size(); ++n) {
+        if (sets_[n]->Name() == network) continue;
+        Network& other = networks_[n];
+        candidates.clear();
+        if (other.index) {
+          other.index->Query(box, candidates);
+          // The plain order: the network's pipes in set order.
+          std::sort(candidates.begin(), candidates.end());
+        } else {
+          candidates.resize(other.pipes.size());
+          std::iota(candidates.begin(), candidates.end(), 0u);
+        }
+        for (uint32_t candidate : candidates)
+          TryPair(*pipe, record, *other.pipes[candidate]);
       }
     }
   }
@@ -102,18 +111,10 @@ class Search {
   }
 
  private:
-  // The other pipes to try, in the order of the network sets.
-  const std::vector<uint32_t>& Candidates(const host::Entity& pipe) {
-    candidates_.clear();
-    if (!index_) {
-      candidates_.resize(others_.size());
-      std::iota(candidates_.begin(), candidates_.end(), 0u);
-      return candidates_;
-    }
-    index_->Query(SearchBox(pipe), candidates_);
-    std::sort(candidates_.begin(), candidates_.end());
-    return candidates_;
-  }
+  struct Network {
+    std::vector<host::Entity*> pipes;
+    std::optional<PlanIndex> index;
+  };
 
   void TryPair(host::Entity& pipe, const core::Record& record,
                host::Entity& other) {
@@ -144,9 +145,8 @@ class Search {
 
   const std::string units_;
   const std::vector<host::SelectionSet*>& sets_;
-  std::vector<OtherPipe> others_;
-  std::optional<PlanIndex> index_;
-  std::vector<uint32_t> candidates_;
+  std::vector<Network> networks_;
+  bool indexed_ = false;
   std::unordered_set<std::string> pairs_;
   std::vector<types::CrossPoint> result_;
 };

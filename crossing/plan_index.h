@@ -1,4 +1,4 @@
-// A packed R-tree over plan boxes (sort-tile-recursive), built once and
+// A packed R-tree over plan boxes (Hilbert order), built once and
 // queried many times: the crossing search asks it which pipes may touch a
 // pipe instead of trying every pipe of the drawing.
 #pragma once
@@ -27,6 +27,7 @@ class PlanIndex {
     double min_x, min_y, max_x, max_y;
     // An item for a leaf entry; the position of the first child otherwise.
     uint32_t ref;
+    uint32_t children;  // of an internal entry
   };
   static constexpr size_t kNodeSize = 16;
 
