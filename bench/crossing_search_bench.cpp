@@ -223,18 +223,22 @@ int main(int argc, char** argv) {
     rows.push_back({n, indexed, tree, geos_tree});
   }
 
-  // Growth from one size to the next as an exponent of n, beside what
-  // n log n gives over the same step.
-  Print("\nfrom, to, indexed exponent, R-tree exponent, n log n exponent\n");
-  for (size_t i = 1; i < rows.size(); ++i) {
-    const double n0 = rows[i - 1].n, n1 = rows[i].n;
+  // Growth from one size to the next, and over the whole range, as an
+  // exponent of n, beside what n log n gives over the same step.
+  Print(
+      "\nfrom, to, indexed exponent, R-tree exponent, GEOS exponent, "
+      "n log n exponent\n");
+  auto growth = [&](const Row& from, const Row& to) {
+    const double n0 = from.n, n1 = to.n;
     auto exponent = [&](double t0, double t1) {
       return std::log(t1 / t0) / std::log(n1 / n0);
     };
-    Print("%d, %d, %.2f, %.2f, %.2f\n", rows[i - 1].n, rows[i].n,
-          exponent(rows[i - 1].indexed, rows[i].indexed),
-          exponent(rows[i - 1].tree, rows[i].tree),
+    Print("%d, %d, %.2f, %.2f, %.2f, %.2f\n", from.n, to.n,
+          exponent(from.indexed, to.indexed), exponent(from.tree, to.tree),
+          exponent(from.geos, to.geos),
           exponent(n0 * std::log(n0), n1 * std::log(n1)));
-  }
+  };
+  for (size_t i = 1; i < rows.size(); ++i) growth(rows[i - 1], rows[i]);
+  if (rows.size() > 2) growth(rows.front(), rows.back());
   return 0;
 }
