@@ -93,7 +93,10 @@ std::string PipeValue(const core::Record& pipe, const PipeFacts& f,
       return General::BuildSectionSizeString(pipe);
     case PipeItem::kSlope: {
       if (f.length == 0)
-        throw std::domain_error("a pipe of zero length has no slope");
+        throw std::domain_error(
+            "pipe " +
+            General::EntityLabelFromCombined(pipe.Text(PipeField::kCombinedLabel)) +
+            " has zero length, so it has no slope");
       // Written positive whatever the flow direction.
       double slope = std::abs(f.start_invert - f.end_invert) / f.length;
       return General::BuildSlopeString(slope, format(row, col::kPrecision),
