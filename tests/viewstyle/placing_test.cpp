@@ -117,6 +117,19 @@ TEST_F(Placing, ArrowsFollowTheStyle) {
   EXPECT_NE(PipeArrow(*w1_), nullptr);
 }
 
+TEST_F(Placing, ASingleLineIsPlacedAboveThePipe) {
+  ShowOnly({ItemField(ElementKind::kGravityPipe, PipeItem::kLabel)});
+  Apply("Sewer");
+  // The definition keeps a lone gravity pipe line below the pipe; placed,
+  // it stands one pitch above.
+  std::vector<host::AttributeReference*> lines =
+      PipeAnnotation(*p1_)->GetAttributes();
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_EQ(lines[0]->TextString(), "P-1");
+  EXPECT_NEAR(lines[0]->TextAlignmentPoint().x, 25, 1e-9);
+  EXPECT_NEAR(lines[0]->TextAlignmentPoint().y, 3, 1e-9);
+}
+
 TEST_F(Placing, AKindShowingNothingGetsABareUnlinkedReference) {
   ShowOnly({ItemField(ElementKind::kGravityPipe, PipeItem::kLabel)});
   Apply("Sewer");
