@@ -19,7 +19,8 @@ using core::General;
 using viewstyle::ViewStyle;
 
 // The annotations and arrows now linked to the network's elements.
-AppliedNetwork CountLinked(host::Document& document, const std::string& network) {
+AppliedNetwork CountLinked(host::Document& document,
+                           const std::string& network) {
   AppliedNetwork applied{network};
   for (host::Entity* entity :
        General::GetNetworkSet(document, network, 0).Entities()) {
@@ -32,8 +33,8 @@ AppliedNetwork CountLinked(host::Document& document, const std::string& network)
 
 }  // namespace
 
-std::vector<AppliedNetwork> ApplyStyle(host::Document& document,
-                                       const std::optional<std::string>& network) {
+std::vector<AppliedNetwork> ApplyStyle(
+    host::Document& document, const std::optional<std::string>& network) {
   const std::string active = viewstyle::StyleField::Read(document).active;
   viewstyle::ViewStyleSettings settings =
       ViewStyle::GetActiveViewStyleSettingsArray(document);
@@ -77,11 +78,11 @@ std::vector<AppliedNetwork> ApplyStyle(host::Document& document,
 StyleApplyResult StyleApply(const StyleApplyOptions& options) {
   StyleApplyResult result;
   result.written = options.output.value_or(options.drawing);
-  EditProjectDrawing(options.drawing, options.output,
-                     [&](memhost::MemDocument& document) {
-                       result.networks = ApplyStyle(document, options.network);
-                       result.style = viewstyle::StyleField::Read(document).active;
-                     });
+  EditProjectDrawing(
+      options.drawing, options.output, [&](memhost::MemDocument& document) {
+        result.networks = ApplyStyle(document, options.network);
+        result.style = viewstyle::StyleField::Read(document).active;
+      });
   return result;
 }
 
@@ -90,9 +91,9 @@ namespace {
 int RunStyleApply(const std::vector<std::string>& args, Io& io) {
   Args a(args, {}, {"network", "output"});
   a.ExpectPositionals(1);
-  StyleApplyResult result = StyleApply(
-      {a.Positional(0, "the drawing (DRAWING.dxf)"), a.Option("output"),
-       a.Option("network")});
+  StyleApplyResult result =
+      StyleApply({a.Positional(0, "the drawing (DRAWING.dxf)"),
+                  a.Option("output"), a.Option("network")});
   if (result.networks.empty()) io.out << "The project has no networks.\n";
   for (const AppliedNetwork& n : result.networks)
     io.out << "applied view style \"" << result.style << "\" to \"" << n.network

@@ -64,10 +64,9 @@ namespace {
 int RunStyleCreate(const std::vector<std::string>& args, Io& io) {
   Args a(args, {}, {"from", "output"});
   a.ExpectPositionals(2);
-  StyleCreateOptions options{a.Positional(0, "the drawing (DRAWING.dxf)"),
-                             a.Option("output"),
-                             a.Positional(1, "the view style name"),
-                             a.Required("from")};
+  StyleCreateOptions options{
+      a.Positional(0, "the drawing (DRAWING.dxf)"), a.Option("output"),
+      a.Positional(1, "the view style name"), a.Required("from")};
   std::string written = StyleCreate(options);
   io.out << "created view style \"" << options.name << "\" in " << written
          << "\n";

@@ -33,9 +33,9 @@ viewstyle::ViewStyleSettings FindStyle(host::Document& document,
   std::string names;
   for (const viewstyle::ViewStyleSettings& s : styles)
     names += (names.empty() ? "" : ", ") + viewstyle::StyleNameOf(s);
-  throw CommandError("There is no view style named \"" + name +
-                     "\" (the drawing has: " +
-                     (names.empty() ? "none" : names) + ")");
+  throw CommandError(
+      "There is no view style named \"" + name +
+      "\" (the drawing has: " + (names.empty() ? "none" : names) + ")");
 }
 
 std::string StylesTable(const std::vector<StyleSummary>& styles) {

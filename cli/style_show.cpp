@@ -39,7 +39,8 @@ std::string ItemJson(const viewstyle::ItemInfo& item, const std::string& text) {
     out << ", \"precision\": " << s.precision
         << ", \"decimals\": " << s.decimals;
   if (item.form == ItemForm::kSlope)
-    out << ", \"notation\": " << JsonString(viewstyle::NotationName(s.notation));
+    out << ", \"notation\": "
+        << JsonString(viewstyle::NotationName(s.notation));
   return out.str() + "}";
 }
 

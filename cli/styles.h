@@ -50,12 +50,13 @@ struct AppliedNetwork {
   std::string network;
   int annotations = 0;
   int arrows = 0;
-  friend bool operator==(const AppliedNetwork&, const AppliedNetwork&) = default;
+  friend bool operator==(const AppliedNetwork&,
+                         const AppliedNetwork&) = default;
 };
 // Rebuilds the attribute blocks for the active style and redraws the
 // annotations of one network or of all; hidden networks stay hidden.
-std::vector<AppliedNetwork> ApplyStyle(host::Document& document,
-                                       const std::optional<std::string>& network);
+std::vector<AppliedNetwork> ApplyStyle(
+    host::Document& document, const std::optional<std::string>& network);
 
 // Shows or hides a network's elements, annotations and arrows.
 void SetNetworkShown(host::Document& document, const std::string& network,

@@ -174,8 +174,8 @@ void Library::UpdateMaterialUsage(host::Document& document,
 
 TextTable Library::GetSizesArray(host::Document& document,
                                  std::string_view section_shape) {
-  std::string units = core::ReadProjectRecord(document).Text(
-      core::ProjectField::kModelUnits);
+  std::string units =
+      core::ReadProjectRecord(document).Text(core::ProjectField::kModelUnits);
   Marker marker = ReadMarker(document, core::ProjectField::kSizesLibrary);
   std::optional<SizeListFields> list = SizeList(units, section_shape);
   if (!list) return TextTable(0, sizes_column::kColumns);
@@ -208,8 +208,8 @@ void Library::UpdateSizeUsage(host::Document& document,
                 ar_size_change(row, size_change_column::kKey),
                 ar_size_change(row, size_change_column::kChange));
   }
-  std::string units = core::ReadProjectRecord(document).Text(
-      core::ProjectField::kModelUnits);
+  std::string units =
+      core::ReadProjectRecord(document).Text(core::ProjectField::kModelUnits);
   const bool metric = units == core::kMetric;
   Marker marker = ReadMarker(document, core::ProjectField::kSizesLibrary);
   const SizeListFields circular_list =

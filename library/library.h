@@ -86,8 +86,8 @@ class Library {
   // One use less for every pipe of a network about to be erased.
   static void UpdateMaterialLibraryForDeleteNetwork(
       host::Document& document, host::SelectionSet& network_set);
-  static void UpdateSizeLibraryForDeleteNetwork(host::Document& document,
-                                                host::SelectionSet& network_set);
+  static void UpdateSizeLibraryForDeleteNetwork(
+      host::Document& document, host::SelectionSet& network_set);
 
   // Adds the two markers with the default libraries and names them in the
   // project record (fields 5 and 6); a new project's set-up calls it.

@@ -16,8 +16,8 @@ std::string ZeroCounts(const Entries& entries) {
   return core::JoinEntries(Entries(entries.size(), "0"));
 }
 
-const Entries kMaterials = {"PVC",      "PE",             "Ductile Iron",
-                            "Concrete", "Vitrified Clay", "Steel"};
+const Entries kMaterials = {
+    "PVC", "PE", "Ductile Iron", "Concrete", "Vitrified Clay", "Steel"};
 // Millimetres.
 const Entries kMetricCircular = {
     "100", "150", "200", "250",  "300",  "350",  "400",  "450",  "500", "600",

@@ -64,11 +64,11 @@ inline constexpr std::array<int16_t, kMaterialLibraryRecordLength - 1>
     kMaterialLibraryRecordCodes = {core::code::kText, core::code::kText,
                                    core::code::kText, core::code::kText};
 inline constexpr std::array<int16_t, kSizeLibraryRecordLength - 1>
-    kSizeLibraryRecordCodes = {
-        core::code::kText, core::code::kText, core::code::kText,
-        core::code::kText, core::code::kText, core::code::kText,
-        core::code::kText, core::code::kText, core::code::kText,
-        core::code::kText};
+    kSizeLibraryRecordCodes = {core::code::kText, core::code::kText,
+                               core::code::kText, core::code::kText,
+                               core::code::kText, core::code::kText,
+                               core::code::kText, core::code::kText,
+                               core::code::kText, core::code::kText};
 
 // What a new project starts with: the usual materials, and circular and box
 // sizes of both unit systems, every count 0.

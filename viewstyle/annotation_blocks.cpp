@@ -36,8 +36,8 @@ bool Shown(const core::TextTable& format, int row) {
 }
 
 double TextHeight(const core::TextTable& format) {
-  return core::NumericValue(format(static_cast<int>(ViewStyleField::kTextHeight),
-                                   col::kShow));
+  return core::NumericValue(
+      format(static_cast<int>(ViewStyleField::kTextHeight), col::kShow));
 }
 
 // A value rounded to the item's places and written with its pattern.
@@ -64,8 +64,8 @@ struct PipeFacts {
 PipeFacts ReadPipeFacts(host::Document& document, host::Entity& entity,
                         const core::Record& pipe, bool metric) {
   auto ground = [&](PipeField node_link) {
-    return General::GetGroundLevelAtNode(
-        document, LinkedObjectId(pipe.Text(node_link)));
+    return General::GetGroundLevelAtNode(document,
+                                         LinkedObjectId(pipe.Text(node_link)));
   };
   return {host::As<host::LwPolyline>(entity).Length(),
           pipe.Number(PipeField::kStartInvert),
@@ -93,10 +93,10 @@ std::string PipeValue(const core::Record& pipe, const PipeFacts& f,
       return General::BuildSectionSizeString(pipe);
     case PipeItem::kSlope: {
       if (f.length == 0)
-        throw std::domain_error(
-            "pipe " +
-            General::EntityLabelFromCombined(pipe.Text(PipeField::kCombinedLabel)) +
-            " has zero length, so it has no slope");
+        throw std::domain_error("pipe " +
+                                General::EntityLabelFromCombined(
+                                    pipe.Text(PipeField::kCombinedLabel)) +
+                                " has zero length, so it has no slope");
       // Written positive whatever the flow direction.
       double slope = std::abs(f.start_invert - f.end_invert) / f.length;
       return General::BuildSlopeString(slope, format(row, col::kPrecision),
@@ -157,7 +157,8 @@ AnnotationCounts ViewStyle::GetNumberOfAnnotationStrings(
     const core::TextTable& ar_annotation_format) {
   double sums[kElementKinds.size()] = {};
   for (const ItemInfo& item : Items()) {
-    double show = core::NumericValue(ar_annotation_format(item.field, col::kShow));
+    double show =
+        core::NumericValue(ar_annotation_format(item.field, col::kShow));
     if (item.form == ItemForm::kFlag) continue;  // arrows are no lines
     // Coordinates are two lines, easting and northing.
     if (item.form == ItemForm::kCoordinates) show = show == 1 ? 2 : 0;
@@ -186,11 +187,13 @@ void ViewStyle::DefineAttributeBlocks(host::Document& document,
 }
 
 void ViewStyle::InitializeAttributeBlocks(
-    host::Document& document, const AnnotationCounts& ar_count_attribute_strings,
+    host::Document& document,
+    const AnnotationCounts& ar_count_attribute_strings,
     const core::TextTable& ar_anno_format) {
   host::Blocks& blocks = document.GetBlocks();
   std::vector<const char*> names;
-  for (ElementKind kind : kElementKinds) names.push_back(AttributeBlockName(kind));
+  for (ElementKind kind : kElementKinds)
+    names.push_back(AttributeBlockName(kind));
   names.push_back(kDirectionArrowBlock);
   for (const char* name : names)
     if (host::Block* block = blocks.Find(name))
@@ -218,8 +221,8 @@ void ViewStyle::InitializeAttributeBlocks(
   host::Block& arrow = blocks.Item(kDirectionArrowBlock);
   const double along = kArrowHalfLength * height;
   const double across = kArrowHalfWidth * height;
-  host::LwPolyline& triangle = arrow.AddLightWeightPolyline(
-      {-along, -across, -along, across, along, 0});
+  host::LwPolyline& triangle =
+      arrow.AddLightWeightPolyline({-along, -across, -along, across, along, 0});
   triangle.SetClosed(true);
   triangle.SetLayer(kLayerZero);
   host::Hatch& fill = arrow.AddHatch(1, "SOLID", true);

@@ -57,8 +57,9 @@ struct Element {
 // records alike.
 Element ReadElement(const host::Entity& entity) {
   core::Record record = core::Record::ReadRequired(entity);
-  std::string type =
-      record.Has(PipeField::kElementType) ? record.Text(PipeField::kElementType) : "";
+  std::string type = record.Has(PipeField::kElementType)
+                         ? record.Text(PipeField::kElementType)
+                         : "";
   std::optional<ElementKind> kind = KindOfElementType(type);
   if (!kind)
     throw std::invalid_argument("object " + std::to_string(entity.ObjectID()) +
@@ -91,7 +92,8 @@ void WriteOwnRecord(host::Entity& reference, const char* type,
   record.SetText(AnnotationField::kCombinedLabel,
                  ";" + std::string(network) + ";" + label + type);
   record.SetText(AnnotationField::kElementType, type);
-  record.SetText(AnnotationField::kElementLabelRef, core::ReferenceEntry(label));
+  record.SetText(AnnotationField::kElementLabelRef,
+                 core::ReferenceEntry(label));
   record.SetText(AnnotationField::kElementOIDRef,
                  core::ReferenceEntry(core::IdText(element_id)));
   record.Write(reference);
@@ -120,8 +122,8 @@ void PlaceAttributes(host::BlockReference& reference,
     attribute.SetAlignment(host::TextAlignment::kMiddleCenter);
     const double y = offsets[i];
     const double z = attribute.TextAlignmentPoint().z;
-    attribute.SetTextAlignmentPoint({anchor.x - std::sin(theta) * y,
-                                     anchor.y + std::cos(theta) * y, z});
+    attribute.SetTextAlignmentPoint(
+        {anchor.x - std::sin(theta) * y, anchor.y + std::cos(theta) * y, z});
     attribute.SetRotation(theta);
     attribute.Update();
   }
@@ -150,9 +152,8 @@ void Insert(host::Document& document, host::Entity& entity,
   const AnnoAnchor anchor =
       ViewStyle::GetAnnoXYTheta(entity, AnchorKind(element.kind), correction);
   host::Block& model = document.ModelSpace();
-  host::BlockReference& annotation =
-      model.InsertBlock({anchor.x, anchor.y, 0},
-                        AttributeBlockName(element.kind), 1, 1, 1, 0);
+  host::BlockReference& annotation = model.InsertBlock(
+      {anchor.x, anchor.y, 0}, AttributeBlockName(element.kind), 1, 1, 1, 0);
   if (annotation_layer) annotation.SetLayer(*annotation_layer);
 
   // An element that shows nothing gets a bare reference, unlinked.
@@ -176,19 +177,18 @@ void Insert(host::Document& document, host::Entity& entity,
     WriteOwnRecord(arrow, kArrow, net_name, element.label, entity.ObjectID());
     element.record.SetText(*links.arrow_label,
                            core::ReferenceEntry(element.label + kArrow));
-    element.record.SetText(*links.arrow_id,
-                           core::ReferenceEntry(core::IdText(arrow.ObjectID())));
+    element.record.SetText(
+        *links.arrow_id, core::ReferenceEntry(core::IdText(arrow.ObjectID())));
   }
   element.record.Write(entity);
 }
 
 }  // namespace
 
-void ViewStyle::InsertAnnotations(host::Document& document, host::Entity& entity,
-                                  const std::vector<std::string>& ar_anno_strings,
-                                  std::string_view net_name,
-                                  double correction_angle_for_cs,
-                                  const core::TextTable& ar_anno_format) {
+void ViewStyle::InsertAnnotations(
+    host::Document& document, host::Entity& entity,
+    const std::vector<std::string>& ar_anno_strings, std::string_view net_name,
+    double correction_angle_for_cs, const core::TextTable& ar_anno_format) {
   Insert(document, entity, ar_anno_strings, net_name, correction_angle_for_cs,
          ar_anno_format, std::nullopt);
 }
@@ -239,9 +239,9 @@ void ViewStyle::ApplyAnnotationsToNetwork(host::Document& document,
   General::RestoreLayerStatus(document, status);
 }
 
-void ViewStyle::UpdateAnnotationsAfterEditing(host::Document& document,
-                                              std::string_view changed_oids_string,
-                                              bool update_location) {
+void ViewStyle::UpdateAnnotationsAfterEditing(
+    host::Document& document, std::string_view changed_oids_string,
+    bool update_location) {
   core::TextTable format =
       GetAnnotationFormatArray(GetActiveViewStyleSettingsArray(document));
   const double correction = General::GetCorrectionAngleForCS(document);

@@ -12,8 +12,8 @@ namespace kestrana::viewstyle {
 // Both records have this layout; field 2 tells them apart.
 enum class AnnotationField : int {
   kApplicationName = 0,
-  kCombinedLabel = 1,  // ";<network>;<element label>Annotation" (or "Arrow")
-  kElementType = 2,    // "Annotation" or "Arrow"
+  kCombinedLabel = 1,    // ";<network>;<element label>Annotation" (or "Arrow")
+  kElementType = 2,      // "Annotation" or "Arrow"
   kElementLabelRef = 3,  // ";RelatedTo<element label>"
   kElementOIDRef = 4,    // ";RelatedTo<element ID>"
 };

@@ -23,8 +23,8 @@ StyleField StyleField::Parse(std::string_view field) {
 }
 
 StyleField StyleField::Read(host::Document& document) {
-  return Parse(core::ReadProjectRecord(document).Text(
-      core::ProjectField::kViewStyles));
+  return Parse(
+      core::ReadProjectRecord(document).Text(core::ProjectField::kViewStyles));
 }
 
 std::string StyleField::Format() const {
@@ -54,8 +54,8 @@ std::vector<ViewStyleSettings> ReadViewStyles(host::Document& document) {
   return styles;
 }
 
-std::optional<size_t> FindViewStyle(const std::vector<ViewStyleSettings>& styles,
-                                    std::string_view name) {
+std::optional<size_t> FindViewStyle(
+    const std::vector<ViewStyleSettings>& styles, std::string_view name) {
   for (size_t i = 0; i < styles.size(); ++i)
     if (StyleNameOf(styles[i]) == name) return i;
   return std::nullopt;
@@ -65,8 +65,9 @@ namespace {
 
 // The network's position in the project record's list of names.
 size_t NetworkPosition(host::Document& document, std::string_view network) {
-  std::vector<std::string> names = core::ListEntries(
-      core::ReadProjectRecord(document).Text(core::ProjectField::kNetworkNames));
+  std::vector<std::string> names =
+      core::ListEntries(core::ReadProjectRecord(document).Text(
+          core::ProjectField::kNetworkNames));
   for (size_t k = 0; k < names.size(); ++k)
     if (names[k] == network) return k;
   throw std::invalid_argument("there is no network named \"" +
@@ -93,8 +94,7 @@ void SetNetworkVisibility(host::Document& document, std::string_view network,
   visibility[k] = visible ? kVisible : kInvisible;
   ViewStyle::ChangeNetworkVisibility(document, network,
                                      visible ? kShow : kHide);
-  ViewStyle::UpdateMoSpaceXdataForViewStyle(document, field.active,
-                                            visibility);
+  ViewStyle::UpdateMoSpaceXdataForViewStyle(document, field.active, visibility);
 }
 
 }  // namespace kestrana::viewstyle

@@ -26,7 +26,7 @@ inline constexpr char kStandardViewStyleName[] = "Standard";
 // Project-record field 1, taken apart.
 struct StyleField {
   std::string active;
-  std::string visibility;  // one "1" or "0" per network
+  std::string visibility;            // one "1" or "0" per network
   std::vector<std::string> markers;  // object IDs as stored
 
   static StyleField Parse(std::string_view field);
@@ -44,8 +44,8 @@ ViewStyleSettings ReadMarkerSettings(host::Document& document,
 // Every stored style, validated, in the order field 1 lists them.
 std::vector<ViewStyleSettings> ReadViewStyles(host::Document& document);
 // The position of the style named `name`, or nullopt.
-std::optional<size_t> FindViewStyle(const std::vector<ViewStyleSettings>& styles,
-                                    std::string_view name);
+std::optional<size_t> FindViewStyle(
+    const std::vector<ViewStyleSettings>& styles, std::string_view name);
 
 // Whether the visibility text shows the network (a network without a
 // character is shown); std::invalid_argument for an unknown network.

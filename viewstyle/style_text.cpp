@@ -138,17 +138,18 @@ std::string ParseItemValue(const ItemInfo& item, std::string_view value,
     const Token& v = tokens[i + 1];
     if (text_key) {
       if (!v.quoted)
-        throw StyleTextError(line, "the " + key + " of " + title +
-                                       " is a quoted text");
+        throw StyleTextError(
+            line, "the " + key + " of " + title + " is a quoted text");
       if (v.text.find(';') != std::string::npos)
-        throw StyleTextError(line, "the " + key + " of " + title +
-                                       " cannot hold \";\"");
+        throw StyleTextError(
+            line, "the " + key + " of " + title + " cannot hold \";\"");
       (key == kPrefixKey ? settings.prefix : settings.suffix) = v.text;
     } else if (digit_key) {
       if (v.quoted || !IsDigits(v.text))
-        throw StyleTextError(line, "the " + key + " of " + title +
-                                       " is a whole number from 0 to 15, not \"" +
-                                       v.text + "\"");
+        throw StyleTextError(
+            line, "the " + key + " of " + title +
+                      " is a whole number from 0 to 15, not \"" + v.text +
+                      "\"");
       (key == kPrecisionKey ? settings.precision : settings.decimals) = v.text;
     } else {
       std::optional<int> notation;
@@ -173,9 +174,8 @@ std::string ParseItemValue(const ItemInfo& item, std::string_view value,
 }  // namespace
 
 StyleTextError::StyleTextError(int line, const std::string& message)
-    : std::runtime_error(line > 0 ? "line " + std::to_string(line) + ": " +
-                                        message
-                                  : message),
+    : std::runtime_error(
+          line > 0 ? "line " + std::to_string(line) + ": " + message : message),
       line_(line) {}
 
 ItemSettings ReadItem(const ItemInfo& item, std::string_view text) {
@@ -217,7 +217,8 @@ std::string ItemText(const ItemInfo& item, const ItemSettings& settings) {
   std::string text = settings.show ? kShown : kHidden;
   if (item.form == ItemForm::kCoordinates)
     return text + ";" + settings.precision + ";" + settings.decimals;
-  if (HasTexts(item.form)) text += ";" + settings.prefix + ";" + settings.suffix;
+  if (HasTexts(item.form))
+    text += ";" + settings.prefix + ";" + settings.suffix;
   if (item.form == ItemForm::kNumber || item.form == ItemForm::kSlope)
     text += ";" + settings.precision + ";" + settings.decimals;
   if (item.form == ItemForm::kSlope) text += ";" + settings.notation;
@@ -235,10 +236,9 @@ std::string WriteStyleText(const ViewStyleSettings& style) {
   const std::string& height = style.at(Index(F::kTextHeight));
   std::optional<double> value = core::ParseNumber(height);
   if (!value || *value <= 0)
-    throw StyleTextError(0, "the text height \"" + height +
-                                "\" is not a positive number");
-  out << kTextStyleKey << " = " << Quote(style.at(Index(F::kTextStyle)))
-      << "\n"
+    throw StyleTextError(
+        0, "the text height \"" + height + "\" is not a positive number");
+  out << kTextStyleKey << " = " << Quote(style.at(Index(F::kTextStyle))) << "\n"
       << kTextHeightKey << " = " << height << "\n";
   std::optional<ElementKind> section;
   for (const ItemInfo& item : Items()) {
@@ -294,8 +294,8 @@ ViewStyleSettings ReadStyleText(std::string_view text, std::string_view name) {
     }
     size_t equals = line.find('=');
     if (equals == std::string::npos)
-      throw StyleTextError(line_number, "expected \"item = settings\", not \"" +
-                                            line + "\"");
+      throw StyleTextError(
+          line_number, "expected \"item = settings\", not \"" + line + "\"");
     const std::string key = Trim(line.substr(0, equals));
     const std::string value = Trim(line.substr(equals + 1));
     int field = -1;
@@ -303,10 +303,10 @@ ViewStyleSettings ReadStyleText(std::string_view text, std::string_view name) {
       if (key == kTextStyleKey) field = Index(F::kTextStyle);
       if (key == kTextHeightKey) field = Index(F::kTextHeight);
       if (field < 0)
-        throw StyleTextError(
-            line_number, "unknown item \"" + key +
-                             "\"; before the first section come only " +
-                             kTextStyleKey + " and " + kTextHeightKey);
+        throw StyleTextError(line_number,
+                             "unknown item \"" + key +
+                                 "\"; before the first section come only " +
+                                 kTextStyleKey + " and " + kTextHeightKey);
     } else {
       const ElementKind kind = kElementKinds[section];
       for (const ItemInfo& item : Items())
@@ -329,8 +329,10 @@ ViewStyleSettings ReadStyleText(std::string_view text, std::string_view name) {
     } else if (field == Index(F::kTextHeight)) {
       std::optional<double> height = core::ParseNumber(value);
       if (!height || *height <= 0)
-        throw StyleTextError(line_number, "the text height is a positive "
-                                          "number, not \"" + value + "\"");
+        throw StyleTextError(line_number,
+                             "the text height is a positive "
+                             "number, not \"" +
+                                 value + "\"");
       style[field] = value;
     } else {
       style[field] = ParseItemValue(ItemOfField(field), value, line_number);
@@ -338,9 +340,10 @@ ViewStyleSettings ReadStyleText(std::string_view text, std::string_view name) {
   }
   for (int field : {Index(F::kTextStyle), Index(F::kTextHeight)})
     if (!given.count(field))
-      throw StyleTextError(0, std::string("the style file lacks its ") +
-                                  (field == Index(F::kTextStyle) ? kTextStyleKey
-                                                                 : kTextHeightKey));
+      throw StyleTextError(
+          0,
+          std::string("the style file lacks its ") +
+              (field == Index(F::kTextStyle) ? kTextStyleKey : kTextHeightKey));
   for (const ItemInfo& item : Items())
     if (!given.count(item.field))
       throw StyleTextError(0, "the style file lacks " + ItemTitle(item) +

@@ -143,9 +143,9 @@ class ViewStyle {
                                             double correction_angle_for_cs);
   // Refreshes the annotations of the elements of an object-ID list; with
   // `update_location` they are placed anew as well.
-  static void UpdateAnnotationsAfterEditing(host::Document& document,
-                                            std::string_view changed_oids_string,
-                                            bool update_location);
+  static void UpdateAnnotationsAfterEditing(
+      host::Document& document, std::string_view changed_oids_string,
+      bool update_location);
   static void UpdateAnnotationsAttributeBlock(
       host::Document& document, host::Entity& entity,
       const std::vector<std::string>& ar_anno_strings,

@@ -32,8 +32,8 @@ std::vector<ItemInfo> BuildItems() {
     int field = FirstItemField(p.kind);
     auto add = [&](const std::string& name, ItemForm form,
                    const std::string& box) {
-      items.push_back({field++, p.kind, name, form,
-                       "chk_" + box + p.box_suffix});
+      items.push_back(
+          {field++, p.kind, name, form, "chk_" + box + p.box_suffix});
     };
     add("label", M::kText, "Label");
     add("length", M::kNumber, "Length");
@@ -143,10 +143,9 @@ int PieceCount(ItemForm form) {
 const std::vector<ItemInfo>& Items() {
   static const std::vector<ItemInfo> items = [] {
     std::vector<ItemInfo> built = BuildItems();
-    std::sort(built.begin(), built.end(),
-              [](const ItemInfo& a, const ItemInfo& b) {
-                return a.field < b.field;
-              });
+    std::sort(
+        built.begin(), built.end(),
+        [](const ItemInfo& a, const ItemInfo& b) { return a.field < b.field; });
     return built;
   }();
   return items;
@@ -185,7 +184,8 @@ ViewStyleSettings StandardViewStyle(bool metric, std::string_view name) {
   s[Index(F::kElementType)] = kViewStylePoint;
   s[Index(F::kTextStyle)] = "Standard";
   s[Index(F::kTextHeight)] = metric ? "2" : "6";
-  for (ElementKind kind : {ElementKind::kGravityPipe, ElementKind::kPressurePipe}) {
+  for (ElementKind kind :
+       {ElementKind::kGravityPipe, ElementKind::kPressurePipe}) {
     const bool gravity = kind == ElementKind::kGravityPipe;
     const std::string start = gravity ? "US " : "Start ";
     const std::string end = gravity ? "DS " : "End ";
@@ -208,11 +208,13 @@ ViewStyleSettings StandardViewStyle(bool metric, std::string_view name) {
     set(PipeItem::kEndDepth, number("0", end + "Depth=", unit));
     set(PipeItem::kArrow, gravity ? kShown : kHidden);
   }
-  for (ElementKind kind : {ElementKind::kGravityNode, ElementKind::kPressureNode}) {
+  for (ElementKind kind :
+       {ElementKind::kGravityNode, ElementKind::kPressureNode}) {
     const bool gravity = kind == ElementKind::kGravityNode;
     s[ItemField(kind, NodeItem::kLabel)] = "1;;";
     s[ItemField(kind, NodeItem::kGround)] = number("1", "GL=", "");
-    s[ItemField(kind, NodeItem::kSump)] = number(gravity ? "1" : "0", "IL=", "");
+    s[ItemField(kind, NodeItem::kSump)] =
+        number(gravity ? "1" : "0", "IL=", "");
     s[ItemField(kind, NodeItem::kDepth)] = number("0", "D=", unit);
     s[CoordinatesField(kind)] = kCoordinatesDefault;
   }

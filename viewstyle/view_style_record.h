@@ -66,7 +66,12 @@ inline constexpr int kPipeTextItems = 13;
 enum class NodeItem : int { kLabel = 0, kGround = 1, kSump = 2, kDepth = 3 };
 inline constexpr int kNodeTextItems = 4;
 
-enum class ElementKind { kGravityPipe, kPressurePipe, kGravityNode, kPressureNode };
+enum class ElementKind {
+  kGravityPipe,
+  kPressurePipe,
+  kGravityNode,
+  kPressureNode
+};
 inline constexpr std::array<ElementKind, 4> kElementKinds = {
     ElementKind::kGravityPipe, ElementKind::kPressurePipe,
     ElementKind::kGravityNode, ElementKind::kPressureNode};

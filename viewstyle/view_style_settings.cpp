@@ -106,8 +106,9 @@ core::TextTable ViewStyle::GetAnnotationFormatArray(
         set(col::kSuffix, Piece(p, item_piece::kSuffix));
         if (item.form == ItemForm::kNumber) {
           set(col::kPrecision, Piece(p, item_piece::kPrecision));
-          set(col::kPattern, GetDecimalsString(Piece(p, item_piece::kPrecision),
-                                               Piece(p, item_piece::kDecimals)));
+          set(col::kPattern,
+              GetDecimalsString(Piece(p, item_piece::kPrecision),
+                                Piece(p, item_piece::kDecimals)));
         } else if (item.form == ItemForm::kSlope) {
           set(col::kPrecision, Piece(p, item_piece::kPrecision));
           set(col::kDecimals, Piece(p, item_piece::kDecimals));
@@ -175,9 +176,9 @@ host::ObjectId ViewStyle::CreateViewStyle(
   host::XRecord record = XRecordOf(ar_parameters);
   host::ObjectId id = core::AddMarkerPoint(document, record).ObjectID();
   core::Record project = core::ReadProjectRecord(document);
-  project.SetText(core::ProjectField::kViewStyles,
-                  project.Text(core::ProjectField::kViewStyles) +
-                      core::IdListEntry(id));
+  project.SetText(
+      core::ProjectField::kViewStyles,
+      project.Text(core::ProjectField::kViewStyles) + core::IdListEntry(id));
   core::WriteProjectRecord(document, project);
   return id;
 }
@@ -188,8 +189,8 @@ void ViewStyle::UpdateViewStylePoints(
     int count_view_styles) {
   StyleField field = StyleField::Read(document);
   for (const std::string& marker : field.markers)
-    host::As<host::Entity>(document.ObjectIdToObject(
-                               core::ToInt32(core::NumericValue(marker))))
+    host::As<host::Entity>(
+        document.ObjectIdToObject(core::ToInt32(core::NumericValue(marker))))
         .Delete();
   field.markers.clear();
   WriteStyleField(document, field);

@@ -28,11 +28,11 @@ using core::General;
 class StyleCommands : public ::testing::Test {
  protected:
   void SetUp() override {
-    dir_ = fs::temp_directory_path() /
-           ("kestrana_style_" +
-            std::string(::testing::UnitTest::GetInstance()
-                            ->current_test_info()
-                            ->name()));
+    dir_ =
+        fs::temp_directory_path() /
+        ("kestrana_style_" +
+         std::string(
+             ::testing::UnitTest::GetInstance()->current_test_info()->name()));
     fs::remove_all(dir_);
     fs::create_directories(dir_);
     site_ = Path("site.dxf");
@@ -131,7 +131,8 @@ TEST_F(StyleCommands, ApplyDrawsOneAnnotationPerElementAndKeepsLocks) {
             "arrows\n"
             "applied view style \"Standard\" to \"Water\": 3 annotations, 0 "
             "arrows\n"
-            "wrote " + site_ + "\n");
+            "wrote " +
+                site_ + "\n");
   ASSERT_EQ(Run({"style", "apply", site_}), 0) << err_.str();
   ASSERT_EQ(Run({"style", "apply", site_, "--network", "Sewer"}), 0);
   auto doc = dxf::LoadDrawing(site_);
@@ -233,8 +234,8 @@ TEST_F(StyleCommands, BadStyleFilesAndNamesLeaveTheDrawingAlone) {
             "[gravity nodes]; sections are [gravity pipe], [pressure pipe], "
             "[gravity node] and [pressure node]\n");
   text = good;
-  text.erase(text.find("sump = "), text.find('\n', text.find("sump = ")) -
-                                       text.find("sump = ") + 1);
+  text.erase(text.find("sump = "),
+             text.find('\n', text.find("sump = ")) - text.find("sump = ") + 1);
   Write(file, text);
   EXPECT_NE(Refused({"style", "create", site_, "X", "--from", file})
                 .find("lacks the gravity node sump item"),
@@ -303,16 +304,22 @@ TEST_F(StyleCommands, HiddenNetworksStayHiddenWhenRedrawn) {
 
 TEST_F(StyleCommands, EveryCommandExplainsItself) {
   for (std::vector<std::string> command :
-       {std::vector<std::string>{"style", "list"}, {"style", "show"},
-        {"style", "create"}, {"style", "export"}, {"style", "activate"},
-        {"style", "apply"}, {"network", "show"}, {"network", "hide"},
-        {"library", "materials"}, {"library", "sizes"}}) {
+       {std::vector<std::string>{"style", "list"},
+        {"style", "show"},
+        {"style", "create"},
+        {"style", "export"},
+        {"style", "activate"},
+        {"style", "apply"},
+        {"network", "show"},
+        {"network", "hide"},
+        {"library", "materials"},
+        {"library", "sizes"}}) {
     command.push_back("--help");
     EXPECT_EQ(Run(command), 0);
-    EXPECT_EQ(out_.str().rfind("Usage: kestrana " + command[0] + " " +
-                                   command[1] + " DRAWING",
-                               0),
-              0u)
+    EXPECT_EQ(
+        out_.str().rfind(
+            "Usage: kestrana " + command[0] + " " + command[1] + " DRAWING", 0),
+        0u)
         << out_.str();
   }
 }

@@ -31,7 +31,8 @@ std::vector<V> Rows(const TextTable& table) {
   std::vector<V> rows;
   for (int r = 0; r < table.Rows(); ++r) {
     rows.emplace_back();
-    for (int c = 0; c < table.Columns(); ++c) rows.back().push_back(table(r, c));
+    for (int c = 0; c < table.Columns(); ++c)
+      rows.back().push_back(table(r, c));
   }
   return rows;
 }
@@ -42,8 +43,8 @@ class LibraryTest : public ::testing::Test {
 
   core::Record Marker(core::ProjectField field) {
     core::Record project = core::ReadProjectRecord(*doc_);
-    return core::Record::ReadRequired(doc_->ObjectIdToObject(
-        *core::ParseObjectId(project.Text(field))));
+    return core::Record::ReadRequired(
+        doc_->ObjectIdToObject(*core::ParseObjectId(project.Text(field))));
   }
   void WriteMarker(core::ProjectField field, const core::Record& record) {
     core::Record project = core::ReadProjectRecord(*doc_);
@@ -88,10 +89,14 @@ TEST_F(LibraryTest, MaterialChangesCountKnownNamesAndAppendNewOnes) {
   // An edit that keeps the material nets to nothing; a count may go
   // negative and entries stay; names compare case-sensitively; a new name
   // met twice in one update is one entry.
-  Library::UpdateMaterialUsage(
-      *doc_, Library::GetMaterialsArray(*doc_),
-      Table({{"PVC", "-1"}, {"PVC", "1"}, {"Steel", "-3"}, {"pvc", "1"},
-             {"Clay", "1"}, {"Clay", "1"}, {"Brick", "abc"}}));
+  Library::UpdateMaterialUsage(*doc_, Library::GetMaterialsArray(*doc_),
+                               Table({{"PVC", "-1"},
+                                      {"PVC", "1"},
+                                      {"Steel", "-3"},
+                                      {"pvc", "1"},
+                                      {"Clay", "1"},
+                                      {"Clay", "1"},
+                                      {"Brick", "abc"}}));
   record = Marker(core::ProjectField::kMaterialsLibrary);
   EXPECT_EQ(record.Text(MaterialLibraryField::kNames),
             "PVC;Concrete;Steel;pvc;Clay;Brick;");
@@ -116,12 +121,12 @@ TEST_F(LibraryTest, SizesAreShownWithAreasAndSortedByArea) {
 }
 
 TEST_F(LibraryTest, SortKeepsTheOrderOfEqualAreas) {
-  TextTable sorted = Library::SortSizesArray(
-      Table({{"c", "0", "9"}, {"a", "1", "4"}, {"b", "2", "4"}, {"d", "3", "1"}}));
-  EXPECT_EQ(Rows(sorted), (std::vector<V>{{"d", "3", "1"},
-                                          {"a", "1", "4"},
-                                          {"b", "2", "4"},
-                                          {"c", "0", "9"}}));
+  TextTable sorted = Library::SortSizesArray(Table(
+      {{"c", "0", "9"}, {"a", "1", "4"}, {"b", "2", "4"}, {"d", "3", "1"}}));
+  EXPECT_EQ(
+      Rows(sorted),
+      (std::vector<V>{
+          {"d", "3", "1"}, {"a", "1", "4"}, {"b", "2", "4"}, {"c", "0", "9"}}));
 }
 
 TEST_F(LibraryTest, SizeChangesGoToTheListsOfTheProjectUnits) {
@@ -139,7 +144,8 @@ TEST_F(LibraryTest, SizeChangesGoToTheListsOfTheProjectUnits) {
   // The tables came sorted by area, and are written back in that order.
   EXPECT_EQ(SizeText(SizeLibraryField::kMetricCircular), "200;300;250;");
   EXPECT_EQ(SizeText(SizeLibraryField::kMetricCircularCounts), "3;0;1;");
-  EXPECT_EQ(SizeText(SizeLibraryField::kMetricBox), "600x600;1200x800;700x500;");
+  EXPECT_EQ(SizeText(SizeLibraryField::kMetricBox),
+            "600x600;1200x800;700x500;");
   EXPECT_EQ(SizeText(SizeLibraryField::kMetricBoxCounts), "2;1;1;");
   EXPECT_EQ(SizeText(SizeLibraryField::kUsCircular), us_circular);
   EXPECT_EQ(SizeText(SizeLibraryField::kUsCircularCounts), us_counts);
@@ -166,8 +172,10 @@ TEST_F(LibraryTest, DeletingANetworkTakesItsPipesOff) {
   sewer.AddPipeWithNodes("P-1", {0, 0, 10, 0});
   sewer.AddPipeWithNodes("P-2", {0, 5, 10, 5}, {.span = 300});
   sewer.AddPipeWithNodes("P-3", {0, 9, 10, 9},
-                         {.shape = "SectionShape_Box", .span = 1200,
-                          .rise = 800, .material = "Concrete"});
+                         {.shape = "SectionShape_Box",
+                          .span = 1200,
+                          .rise = 800,
+                          .material = "Concrete"});
   storm.AddPipeWithNodes("P-1", {0, 20, 10, 20}, {.material = "Steel"});
 
   host::SelectionSet& set = core::General::GetNetworkSet(*doc_, "Sewer", 0);
@@ -234,7 +242,8 @@ TEST(NewProjectLibraries, EveryEntryWithZeroUseInEveryList) {
     TextTable circular = Library::GetSizesArray(*doc, kCircular);
     bool listed = false;
     for (int r = 0; r < circular.Rows(); ++r) {
-      listed |= circular(r, 0) == (std::string(units) == "Metric" ? "200" : "8");
+      listed |=
+          circular(r, 0) == (std::string(units) == "Metric" ? "200" : "8");
       if (r > 0) {
         EXPECT_LE(core::NumericValue(circular(r - 1, 2)),
                   core::NumericValue(circular(r, 2)));

@@ -39,8 +39,8 @@ NetworkElements::NetworkElements(host::Document& document, std::string network)
 host::BlockReference& NetworkElements::AddNode(const std::string& label,
                                                double x, double y,
                                                double ground, double sump) {
-  host::BlockReference& node =
-      document_.ModelSpace().InsertBlock({x, y, 0}, core::kNodeBlock, 1, 1, 1, 0);
+  host::BlockReference& node = document_.ModelSpace().InsertBlock(
+      {x, y, 0}, core::kNodeBlock, 1, 1, 1, 0);
   node.SetLayer(Layer());
   core::Record record = core::Record::WithCodes(core::kNodeRecordCodes);
   record.SetText(NodeField::kCombinedLabel,
@@ -70,7 +70,8 @@ host::LwPolyline& NetworkElements::AddPipe(const std::string& label,
   record.SetText(PipeField::kSectionShape,
                  data.shape.value_or(core::kSectionShapeCircular));
   record.SetReal(PipeField::kSpan, data.span.value_or(size));
-  record.SetReal(PipeField::kRise, data.rise.value_or(data.span.value_or(size)));
+  record.SetReal(PipeField::kRise,
+                 data.rise.value_or(data.span.value_or(size)));
   record.SetInt16(PipeField::kNumCells,
                   static_cast<int16_t>(data.cells.value_or(1)));
   record.SetReal(PipeField::kStartInvert, data.start_invert);
@@ -81,7 +82,8 @@ host::LwPolyline& NetworkElements::AddPipe(const std::string& label,
     return General::EntityLabelFromCombined(
         core::Record::ReadRequired(node).Text(NodeField::kCombinedLabel));
   };
-  record.SetText(PipeField::kStartNodeLabel, core::ReferenceEntry(label_of(start)));
+  record.SetText(PipeField::kStartNodeLabel,
+                 core::ReferenceEntry(label_of(start)));
   record.SetText(PipeField::kEndNodeLabel, core::ReferenceEntry(label_of(end)));
   record.SetText(PipeField::kStartNodeOID,
                  core::ReferenceEntry(core::IdText(start.ObjectID())));
@@ -94,8 +96,9 @@ host::LwPolyline& NetworkElements::AddPipe(const std::string& label,
     core::Record node_record = core::Record::ReadRequired(node);
     node_record.SetText(labels,
                         node_record.Text(labels) + core::ReferenceEntry(label));
-    node_record.SetText(ids, node_record.Text(ids) +
-                                 core::ReferenceEntry(core::IdText(pipe.ObjectID())));
+    node_record.SetText(
+        ids, node_record.Text(ids) +
+                 core::ReferenceEntry(core::IdText(pipe.ObjectID())));
     node_record.Write(node);
   };
   link(start, NodeField::kPipesAtStartLabels, NodeField::kPipesAtStartOID);

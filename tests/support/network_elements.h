@@ -21,7 +21,8 @@ std::unique_ptr<memhost::MemDocument> NewFullProjectDocument(
 // What a pipe gets besides its geometry; unset values take the initial
 // record values (circular, 200 mm or 8 in, one cell, inverts 0, "PVC").
 struct PipeData {
-  std::optional<std::string> shape = std::nullopt;  // "SectionShape_Circular" or "_Box"
+  std::optional<std::string> shape =
+      std::nullopt;  // "SectionShape_Circular" or "_Box"
   std::optional<double> span = std::nullopt;
   std::optional<double> rise = std::nullopt;
   std::optional<int> cells = std::nullopt;

@@ -77,7 +77,8 @@ TEST_P(PipeDirections, LabelsReadUprightAcrossThePipe) {
   const double expected[] = {2 * s, s, -s};
   std::vector<host::AttributeReference*> lines = annotation->GetAttributes();
   ASSERT_EQ(lines.size(), 3u);
-  EXPECT_EQ(Texts(*annotation), (std::vector<std::string>{"P-1", "%%c200", "S=0.50%"}));
+  EXPECT_EQ(Texts(*annotation),
+            (std::vector<std::string>{"P-1", "%%c200", "S=0.50%"}));
   for (size_t i = 0; i < lines.size(); ++i) {
     const host::AttributeReference& line = *lines[i];
     const double theta = line.Rotation();
@@ -143,7 +144,8 @@ TEST_F(StyledProject, AnchorLiesHalfWayAlongThePolyline) {
   EXPECT_NEAR(anchor.text_rotation, kPi / 2, 1e-9);
   EXPECT_NEAR(anchor.arrow_rotation, kPi / 2, 1e-9);
   // A middle exactly at a vertex belongs to the segment that ends there.
-  host::LwPolyline& bent = sewer_->AddPipeWithNodes("P-3", {0, 0, 10, 0, 10, -10});
+  host::LwPolyline& bent =
+      sewer_->AddPipeWithNodes("P-3", {0, 0, 10, 0, 10, -10});
   anchor = ViewStyle::GetAnnoXYTheta(bent, "Pipe", 0);
   EXPECT_NEAR(anchor.x, 10, 1e-12);
   EXPECT_NEAR(anchor.y, 0, 1e-12);
@@ -161,14 +163,14 @@ TEST_F(StyledProject, NodeLinesStackAlongTheUserYAxis) {
   const double correction = core::General::GetCorrectionAngleForCS(*doc_);
   ASSERT_NEAR(correction, kPi / 2, 1e-9);
   const ElementKind kind = ElementKind::kGravityNode;
-  ShowOnly({ItemField(kind, NodeItem::kLabel), ItemField(kind, NodeItem::kGround),
-            CoordinatesField(kind)});
+  ShowOnly({ItemField(kind, NodeItem::kLabel),
+            ItemField(kind, NodeItem::kGround), CoordinatesField(kind)});
   host::BlockReference& node = sewer_->AddNode("MH-4", 20, 30, 55);
   Apply("Sewer", correction);
   host::BlockReference* annotation = NodeAnnotation(node);
   ASSERT_NE(annotation, nullptr);
-  EXPECT_EQ(Texts(*annotation),
-            (std::vector<std::string>{"MH-4", "GL=55.00", "E 20.00", "N 30.00"}));
+  EXPECT_EQ(Texts(*annotation), (std::vector<std::string>{
+                                    "MH-4", "GL=55.00", "E 20.00", "N 30.00"}));
   std::vector<host::AttributeReference*> lines = annotation->GetAttributes();
   for (int i = 0; i < 4; ++i) {
     host::Point3 p = lines[i]->TextAlignmentPoint();

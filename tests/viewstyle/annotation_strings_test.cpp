@@ -28,11 +28,12 @@ TEST_F(AnnotationStrings, GravityPipeShowsEveryItemInRowOrder) {
   SetItem(6, "1;L=; m;1;0");
   SetItem(9, "1;;;");
   SetItem(11, "1;DS IL=;;3;0");
-  host::LwPolyline& pipe = sewer_->AddPipeWithNodes(
-      "P-7", {0, 0, 30, 40},
-      {.span = 300, .start_invert = 98, .end_invert = 97.75,
-       .material = "Concrete"},
-      100, 99.5);
+  host::LwPolyline& pipe = sewer_->AddPipeWithNodes("P-7", {0, 0, 30, 40},
+                                                    {.span = 300,
+                                                     .start_invert = 98,
+                                                     .end_invert = 97.75,
+                                                     .material = "Concrete"},
+                                                    100, 99.5);
   EXPECT_EQ(Strings(pipe),
             (V{"P-7", "L=50.0 m", "%%c300", "S=0.50%", "Concrete",
                "US IL=98.00", "DS IL=97.750", "US GL=100.00", "DS GL=99.50",
@@ -69,18 +70,21 @@ TEST_F(AnnotationStrings, RiseInLevelUnitsFollowsUnitsAndShape) {
   // 12 inches is one foot; a box rise is stored in feet already.
   host::LwPolyline& circular = sewer_->AddPipeWithNodes(
       "C", {0, 0, 10, 0}, {.span = 12, .start_invert = 90}, 95);
-  host::LwPolyline& box = sewer_->AddPipeWithNodes(
-      "B", {0, 5, 10, 5},
-      {.shape = "SectionShape_Box", .span = 4, .rise = 3, .cells = 2,
-       .start_invert = 90},
-      95);
+  host::LwPolyline& box = sewer_->AddPipeWithNodes("B", {0, 5, 10, 5},
+                                                   {.shape = "SectionShape_Box",
+                                                    .span = 4,
+                                                    .rise = 3,
+                                                    .cells = 2,
+                                                    .start_invert = 90},
+                                                   95);
   EXPECT_EQ(Strings(circular), (V{"%%c12", "4.00"}));
   EXPECT_EQ(Strings(box), (V{"2 (4X3)", "2.00"}));
 }
 
 TEST_F(AnnotationStrings, NodesShowLevelsThenCoordinates) {
   const ElementKind kind = ElementKind::kGravityNode;
-  ShowOnly({ItemField(kind, NodeItem::kLabel), ItemField(kind, NodeItem::kGround),
+  ShowOnly({ItemField(kind, NodeItem::kLabel),
+            ItemField(kind, NodeItem::kGround),
             ItemField(kind, NodeItem::kSump), ItemField(kind, NodeItem::kDepth),
             CoordinatesField(kind)});
   // Rounded to one place, then written with two decimals.

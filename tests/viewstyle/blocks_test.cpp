@@ -40,7 +40,8 @@ using L = std::vector<double>;
 
 TEST_F(Blocks, PipeLinesLeaveAGapForThePipe) {
   std::vector<int> shown = FirstPipeItems(ElementKind::kGravityPipe, 3);
-  for (int f : FirstPipeItems(ElementKind::kPressurePipe, 3)) shown.push_back(f);
+  for (int f : FirstPipeItems(ElementKind::kPressurePipe, 3))
+    shown.push_back(f);
   ShowOnly(shown);
   Define();
   EXPECT_EQ(Lines(kGravityPipeAttributeBlock), (L{2, 1, -1}));
@@ -48,7 +49,8 @@ TEST_F(Blocks, PipeLinesLeaveAGapForThePipe) {
 
   // Five lines: gravity pipes round 2.5 to even, pressure pipes up.
   shown = FirstPipeItems(ElementKind::kGravityPipe, 5);
-  for (int f : FirstPipeItems(ElementKind::kPressurePipe, 5)) shown.push_back(f);
+  for (int f : FirstPipeItems(ElementKind::kPressurePipe, 5))
+    shown.push_back(f);
   ShowOnly(shown);
   Define();
   EXPECT_EQ(Lines(kGravityPipeAttributeBlock), (L{2, 1, -1, -2, -3}));
@@ -63,8 +65,8 @@ TEST_F(Blocks, PipeLinesLeaveAGapForThePipe) {
 
 TEST_F(Blocks, NodeLinesStandAboveThePoint) {
   const ElementKind kind = ElementKind::kGravityNode;
-  ShowOnly({ItemField(kind, NodeItem::kLabel), ItemField(kind, NodeItem::kGround),
-            CoordinatesField(kind)});
+  ShowOnly({ItemField(kind, NodeItem::kLabel),
+            ItemField(kind, NodeItem::kGround), CoordinatesField(kind)});
   SetItem(4, "2.5");
   Define();
   EXPECT_EQ(Lines(kGravityNodeAttributeBlock), (L{4, 3, 2, 1}));

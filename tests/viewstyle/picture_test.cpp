@@ -97,7 +97,8 @@ TEST_F(AnnotationPicture, PipeLinesReadLeftToRightAboveAndBelowThePipe) {
   ASSERT_FALSE(shapes.empty());
   std::vector<double> path = Numbers(shapes.front()->Attr("d"));
   double min_x = 1e9;
-  for (size_t i = 0; i + 1 < path.size(); i += 2) min_x = std::min(min_x, path[i]);
+  for (size_t i = 0; i + 1 < path.size(); i += 2)
+    min_x = std::min(min_x, path[i]);
   EXPECT_NEAR(min_x, 20 - 0.75 * 2, 1e-6);  // tip at the left
 }
 

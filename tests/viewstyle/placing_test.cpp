@@ -35,9 +35,11 @@ TEST_F(Placing, ElementsAndAnnotationsNameEachOther) {
   host::BlockReference* annotation = PipeAnnotation(*p1_);
   host::BlockReference* arrow = PipeArrow(*p1_);
   ASSERT_TRUE(annotation && arrow);
-  EXPECT_EQ(pipe.Text(PipeField::kAnnotationLabelRef), ";RelatedToP-1Annotation");
+  EXPECT_EQ(pipe.Text(PipeField::kAnnotationLabelRef),
+            ";RelatedToP-1Annotation");
   EXPECT_EQ(pipe.Text(PipeField::kArrowLabelRef), ";RelatedToP-1Arrow");
-  EXPECT_EQ(pipe.Text(PipeField::kAnnotationOIDRef), ";RelatedTo" + Id(*annotation));
+  EXPECT_EQ(pipe.Text(PipeField::kAnnotationOIDRef),
+            ";RelatedTo" + Id(*annotation));
   EXPECT_EQ(pipe.Text(PipeField::kArrowOIDRef), ";RelatedTo" + Id(*arrow));
   EXPECT_EQ(annotation->Name(), kGravityPipeAttributeBlock);
   EXPECT_EQ(annotation->Layer(), "Sewer - Annotation");
@@ -60,7 +62,8 @@ TEST_F(Placing, ElementsAndAnnotationsNameEachOther) {
   core::Record node = RecordOf(*mh2_);
   host::BlockReference* node_annotation = NodeAnnotation(*mh2_);
   ASSERT_NE(node_annotation, nullptr);
-  EXPECT_EQ(node.Text(NodeField::kAnnotationLabelRef), ";RelatedToMH-2Annotation");
+  EXPECT_EQ(node.Text(NodeField::kAnnotationLabelRef),
+            ";RelatedToMH-2Annotation");
   EXPECT_EQ(node_annotation->Name(), kGravityNodeAttributeBlock);
   EXPECT_EQ(RecordOf(*node_annotation).Text(AnnotationField::kElementOIDRef),
             ";RelatedTo" + Id(*mh2_));
@@ -84,17 +87,18 @@ TEST_F(Placing, ApplyingAgainLeavesOneAnnotationPerElement) {
   EXPECT_EQ(CountInserts(kPressurePipeAttributeBlock), 1);
   EXPECT_EQ(CountInserts(kPressureNodeAttributeBlock), 2);
   EXPECT_THROW(doc_->ObjectIdToObject(first_id), host::HostError);
-  EXPECT_EQ(RecordOf(*PipeAnnotation(*p1_)).Text(AnnotationField::kElementOIDRef),
-            ";RelatedTo" + Id(*p1_));
+  EXPECT_EQ(
+      RecordOf(*PipeAnnotation(*p1_)).Text(AnnotationField::kElementOIDRef),
+      ";RelatedTo" + Id(*p1_));
   // Every annotation in the drawing is linked from its element.
   for (host::Entity* e : doc_->ModelSpace().Entities()) {
     std::optional<core::Record> r = core::Record::Read(*e);
     if (!r || r->Text(AnnotationField::kElementType) != kAnnotation) continue;
-    auto& owner = doc_->ObjectIdToObject(
-        *core::ParseObjectId(r->Text(AnnotationField::kElementOIDRef).substr(10)));
+    auto& owner = doc_->ObjectIdToObject(*core::ParseObjectId(
+        r->Text(AnnotationField::kElementOIDRef).substr(10)));
     core::Record element = RecordOf(owner);
-    const bool pipe = element.Text(PipeField::kElementType).find("Pipe") !=
-                      std::string::npos;
+    const bool pipe =
+        element.Text(PipeField::kElementType).find("Pipe") != std::string::npos;
     EXPECT_EQ(element.Text(pipe ? core::Field(PipeField::kAnnotationOIDRef)
                                 : core::Field(NodeField::kAnnotationOIDRef)),
               ";RelatedTo" + Id(*e));
@@ -109,7 +113,8 @@ TEST_F(Placing, ArrowsFollowTheStyle) {
   EXPECT_EQ(CountInserts(kDirectionArrowBlock), 0);
   SetItem(ArrowField(ElementKind::kGravityPipe), "1");
   Apply("Sewer");
-  EXPECT_EQ(RecordOf(*p1_).Text(PipeField::kArrowLabelRef), ";RelatedToP-1Arrow");
+  EXPECT_EQ(RecordOf(*p1_).Text(PipeField::kArrowLabelRef),
+            ";RelatedToP-1Arrow");
   ASSERT_NE(PipeArrow(*p1_), nullptr);
   EXPECT_EQ(CountInserts(kDirectionArrowBlock), 1);
   SetItem(ArrowField(ElementKind::kPressurePipe), "1");
@@ -139,7 +144,8 @@ TEST_F(Placing, AKindShowingNothingGetsABareUnlinkedReference) {
   EXPECT_EQ(CountInserts(kGravityNodeAttributeBlock), 2);
   for (host::Entity* e : doc_->ModelSpace().Entities()) {
     if (e->Kind() == host::EntityKind::kBlockReference &&
-        host::As<host::BlockReference>(*e).Name() == kGravityNodeAttributeBlock) {
+        host::As<host::BlockReference>(*e).Name() ==
+            kGravityNodeAttributeBlock) {
       EXPECT_FALSE(core::Record::Read(*e).has_value());
     }
   }
@@ -160,7 +166,8 @@ TEST_F(Placing, LayersAreOpenedAndPutBack) {
 TEST_F(Placing, NewElementsAreAnnotatedWithTheActiveStyle) {
   SetItem(6, "1;L=; m;1;0");
   StoreStyle();
-  host::LwPolyline& pipe = sewer_->AddPipe("P-2", {50, 0, 50, 30}, *mh2_, *mh1_);
+  host::LwPolyline& pipe =
+      sewer_->AddPipe("P-2", {50, 0, 50, 30}, *mh2_, *mh1_);
   doc_->SetActiveLayer(doc_->GetLayers().Item("0"));
   ViewStyle::InsertAnnotationsForNewEntity(*doc_, pipe, 0);
   host::BlockReference* annotation = PipeAnnotation(pipe);
@@ -175,9 +182,9 @@ TEST_F(Placing, NewElementsAreAnnotatedWithTheActiveStyle) {
   EXPECT_EQ(Texts(*PipeAnnotation(third)), (V{"a", "b", "", ""}));
   host::Point& marker = doc_->ModelSpace().AddPoint({});
   marker.SetXData({{1001, "Kestrana"}, {1000, "x"}, {1000, "ViewStylePoint"}});
-  EXPECT_THROW(ViewStyle::InsertAnnotations(*doc_, marker, {"a"}, "Sewer", 0,
-                                            Format()),
-               std::invalid_argument);
+  EXPECT_THROW(
+      ViewStyle::InsertAnnotations(*doc_, marker, {"a"}, "Sewer", 0, Format()),
+      std::invalid_argument);
 }
 
 TEST_F(Placing, RefreshingTextsOnlyOrTextsAndPlaces) {
@@ -221,7 +228,8 @@ TEST_F(Placing, RefreshingTextsOnlyOrTextsAndPlaces) {
   record.Write(*mh1_);
   ViewStyle::UpdateAnnotationsAfterEditing(
       *doc_, Id(*mh1_) + ";" + Id(*w1_) + ";", false);
-  EXPECT_EQ(Texts(*NodeAnnotation(*mh1_)), (V{"MH-1", "GL=102.25", "IL=99.00"}));
+  EXPECT_EQ(Texts(*NodeAnnotation(*mh1_)),
+            (V{"MH-1", "GL=102.25", "IL=99.00"}));
   ViewStyle::UpdateAnnotationsAfterEditing(*doc_, "", true);
 }
 
@@ -240,7 +248,8 @@ TEST_F(Placing, NetworkVisibilityHidesElementsAndAnnotations) {
   Apply("Water");
   auto visible = [&](const std::string& network) {
     std::vector<bool> states;
-    for (host::Entity* e : core::General::GetNetworkSet(*doc_, network, 0).Entities())
+    for (host::Entity* e :
+         core::General::GetNetworkSet(*doc_, network, 0).Entities())
       states.push_back(e->Visible());
     return states;
   };
@@ -261,7 +270,8 @@ TEST_F(Placing, NetworkVisibilityHidesElementsAndAnnotations) {
   SetNetworkVisibility(*doc_, "Sewer", true);
   EXPECT_EQ(StyleField::Read(*doc_).visibility, "10");
   EXPECT_EQ(visible("Sewer"), std::vector<bool>(sewer_objects, true));
-  EXPECT_THROW(SetNetworkVisibility(*doc_, "Storm", true), std::invalid_argument);
+  EXPECT_THROW(SetNetworkVisibility(*doc_, "Storm", true),
+               std::invalid_argument);
   EXPECT_EQ(StyleField::Read(*doc_).active, "Standard");
 }
 

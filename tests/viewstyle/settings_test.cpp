@@ -111,7 +111,8 @@ class StoredStyles : public StyledProject {
 };
 
 TEST_F(StoredStyles, TheActiveStyleIsTheMarkerCarryingItsName) {
-  ViewStyleSettings standard = ViewStyle::GetActiveViewStyleSettingsArray(*doc_);
+  ViewStyleSettings standard =
+      ViewStyle::GetActiveViewStyleSettingsArray(*doc_);
   EXPECT_EQ(standard, StandardViewStyle(true));
   ViewStyleSettings main = StandardViewStyle(true, "Main");
   main[4] = "3.5";
@@ -162,7 +163,8 @@ TEST_F(StoredStyles, CreateUpdateAndActivateKeepField1InStep) {
 
   ViewStyle::UpdateMoSpaceXdataForViewStyle(*doc_, "Plan", "10");
   field = StyleField::Read(*doc_);
-  EXPECT_EQ(Field1(), "Plan;10;" + field.markers[0] + ";" + field.markers[1] + ";");
+  EXPECT_EQ(Field1(),
+            "Plan;10;" + field.markers[0] + ";" + field.markers[1] + ";");
   EXPECT_EQ(StyleNameOf(ViewStyle::GetActiveViewStyleSettingsArray(*doc_)),
             "Plan");
 
@@ -179,7 +181,8 @@ class Dialog : public ::testing::Test {
  protected:
   void SetUp() override {
     memhost::MemComboBox& styles = form_.AddComboBox("cmb_TextStyle");
-    for (const char* name : {"Standard", "Romans", "Arial"}) styles.AddItem(name);
+    for (const char* name : {"Standard", "Romans", "Arial"})
+      styles.AddItem(name);
     form_.AddComboBox("cmb_StyleName");
     form_.AddTextBox("txt_TextHeight");
     form_.AddCommandButton("cmd_DeleteStyle");

@@ -40,7 +40,8 @@ TEST(StyleText, WritesEveryItemAndReadsItBack) {
   style[42] = "1;3;1";
   const std::string text = WriteStyleText(style);
   EXPECT_EQ(ReadStyleText(text, "Print"), style);
-  EXPECT_NE(text.find("text style = \"Romans \\\"bold\\\"\"\n"), std::string::npos);
+  EXPECT_NE(text.find("text style = \"Romans \\\"bold\\\"\"\n"),
+            std::string::npos);
   EXPECT_NE(text.find("\n[gravity pipe]\nlabel = show prefix \"P: \" suffix "
                       "\" \\\\ \"\n"),
             std::string::npos)
@@ -95,30 +96,36 @@ TEST(StyleText, ErrorsNameTheLineAndTheItem) {
             "the style file lacks its text height");
   EXPECT_EQ(ErrorOf(Edited("label = ", "label = show\nlabel = hide")),
             "line 6: \"label\" was given on line 5");
-  EXPECT_EQ(ErrorOf(Edited("slope = ", "slope = show precision 2 decimals 0 "
-                                       "notation permille")),
+  EXPECT_EQ(ErrorOf(Edited("slope = ",
+                           "slope = show precision 2 decimals 0 "
+                           "notation permille")),
             "line 8: the notation of the gravity pipe slope item is decimal, "
             "percent or ratio, not \"permille\"");
   EXPECT_EQ(ErrorOf(Edited("slope = ", "slope = show precision 2 decimals 0")),
             "line 8: the gravity pipe slope item needs its notation");
-  EXPECT_EQ(ErrorOf(Edited("length = ", "length = hide precision 16 decimals 0")),
-            "line 6: the precision of the gravity pipe length item is a whole "
-            "number from 0 to 15, not \"16\"");
-  EXPECT_EQ(ErrorOf(Edited("length = ", "length = hide precision two decimals 0")),
-            "line 6: the precision of the gravity pipe length item is a whole "
-            "number from 0 to 15, not \"two\"");
-  EXPECT_EQ(ErrorOf(Edited("label = ", "label = show prefix \"a;b\"")),
-            "line 5: the prefix of the gravity pipe label item cannot hold \";\"");
+  EXPECT_EQ(
+      ErrorOf(Edited("length = ", "length = hide precision 16 decimals 0")),
+      "line 6: the precision of the gravity pipe length item is a whole "
+      "number from 0 to 15, not \"16\"");
+  EXPECT_EQ(
+      ErrorOf(Edited("length = ", "length = hide precision two decimals 0")),
+      "line 6: the precision of the gravity pipe length item is a whole "
+      "number from 0 to 15, not \"two\"");
+  EXPECT_EQ(
+      ErrorOf(Edited("label = ", "label = show prefix \"a;b\"")),
+      "line 5: the prefix of the gravity pipe label item cannot hold \";\"");
   EXPECT_EQ(ErrorOf(Edited("label = ", "label = show prefix \"open")),
             "line 5: a quoted text is not closed");
-  EXPECT_EQ(ErrorOf(Edited("label = ", "label = show prefix L=")),
-            "line 5: the prefix of the gravity pipe label item is a quoted text");
+  EXPECT_EQ(
+      ErrorOf(Edited("label = ", "label = show prefix L=")),
+      "line 5: the prefix of the gravity pipe label item is a quoted text");
   EXPECT_EQ(ErrorOf(Edited("label = ", "label = show precision 2")),
             "line 5: the gravity pipe label item has no precision");
   EXPECT_EQ(ErrorOf(Edited("label = ", "label = visible")),
             "line 5: the gravity pipe label item starts with show or hide");
-  EXPECT_EQ(ErrorOf(Edited("label = ", "label = show colour 3")),
-            "line 5: unknown setting \"colour\" in the gravity pipe label item");
+  EXPECT_EQ(
+      ErrorOf(Edited("label = ", "label = show colour 3")),
+      "line 5: unknown setting \"colour\" in the gravity pipe label item");
   EXPECT_EQ(ErrorOf(Edited("label = ", "label = show suffix")),
             "line 5: suffix has no value in the gravity pipe label item");
   EXPECT_EQ(ErrorOf(Edited("arrow = ", "arrow = show prefix \"x\"")),

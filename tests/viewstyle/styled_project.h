@@ -71,7 +71,8 @@ class StyledProject : public ::testing::Test {
   }
   // The block reference a link field names, or nullptr when it is empty.
   host::BlockReference* Linked(const host::Object& element, core::Field field) {
-    std::vector<std::string> ids = core::ReferenceValues(RecordOf(element).Text(field));
+    std::vector<std::string> ids =
+        core::ReferenceValues(RecordOf(element).Text(field));
     if (ids.empty()) return nullptr;
     return &host::As<host::BlockReference>(
         doc_->ObjectIdToObject(*core::ParseObjectId(ids[0])));
