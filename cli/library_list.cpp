@@ -13,6 +13,8 @@ namespace kestrana::cli {
 namespace {
 
 using library::Library;
+namespace materials_column = library::materials_column;
+namespace sizes_column = library::sizes_column;
 
 // Columns padded to their widest cell; the header is the first row.
 std::string Table(const std::vector<std::vector<std::string>>& rows) {
@@ -42,14 +44,17 @@ std::string MaterialsListing(host::Document& document, bool json) {
   if (json) {
     out << "[";
     for (int r = 0; r < materials.Rows(); ++r)
-      out << (r ? ",\n " : "") << "{\"name\": " << JsonString(materials(r, 0))
-          << ", \"count\": " << JsonString(materials(r, 1)) << "}";
+      out << (r ? ",\n " : "")
+          << "{\"name\": " << JsonString(materials(r, materials_column::kName))
+          << ", \"count\": "
+          << JsonString(materials(r, materials_column::kCount)) << "}";
     out << "]\n";
     return out.str();
   }
   std::vector<std::vector<std::string>> rows = {{"MATERIAL", "PIPES"}};
   for (int r = 0; r < materials.Rows(); ++r)
-    rows.push_back({materials(r, 0), materials(r, 1)});
+    rows.push_back({materials(r, materials_column::kName),
+                    materials(r, materials_column::kCount)});
   return Table(rows);
 }
 
@@ -70,11 +75,14 @@ std::string SizesListing(host::Document& document,
   for (const std::string& s : shapes) {
     core::TextTable sizes = Library::GetSizesArray(document, s);
     for (int r = 0; r < sizes.Rows(); ++r) {
-      rows.push_back({s, sizes(r, 0), sizes(r, 1), sizes(r, 2)});
+      const std::string& size = sizes(r, sizes_column::kSize);
+      const std::string& count = sizes(r, sizes_column::kCount);
+      const std::string& area = sizes(r, sizes_column::kArea);
+      rows.push_back({s, size, count, area});
       out << (first ? "" : ",\n ") << "{\"shape\": " << JsonString(s)
-          << ", \"size\": " << JsonString(sizes(r, 0))
-          << ", \"count\": " << JsonString(sizes(r, 1))
-          << ", \"area\": " << JsonString(sizes(r, 2)) << "}";
+          << ", \"size\": " << JsonString(size)
+          << ", \"count\": " << JsonString(count)
+          << ", \"area\": " << JsonString(area) << "}";
       first = false;
     }
   }

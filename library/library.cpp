@@ -87,13 +87,16 @@ std::string BoxKey(const std::string& shown) {
          GeneralText(NumericValue(rise));
 }
 
-// The rows of a materials or sizes table as library entries; box sizes are
-// turned back into keys.
+// The rows of a materials or sizes table (name or size, then count) as
+// library entries; box sizes are turned back into keys.
+static_assert(materials_column::kName == sizes_column::kSize &&
+              materials_column::kCount == sizes_column::kCount);
 Entries EntriesOfTable(const TextTable& table, bool box_sizes) {
   Entries entries;
   for (int row = 0; row < table.Rows(); ++row) {
-    std::string name = table(row, 0);
-    entries.push_back({box_sizes ? BoxKey(name) : name, table(row, 1)});
+    std::string name = table(row, materials_column::kName);
+    entries.push_back({box_sizes ? BoxKey(name) : name,
+                       table(row, materials_column::kCount)});
   }
   return entries;
 }

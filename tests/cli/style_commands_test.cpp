@@ -145,7 +145,8 @@ TEST_F(StyleCommands, ApplyDrawsOneAnnotationPerElementAndKeepsLocks) {
     core::Record record = core::Record::ReadRequired(*pipe);
     host::Object& annotation = doc->ObjectIdToObject(*core::ParseObjectId(
         record.Text(core::PipeField::kAnnotationOIDRef).substr(10)));
-    EXPECT_EQ(core::Record::ReadRequired(annotation).Text(4),
+    EXPECT_EQ(core::Record::ReadRequired(annotation)
+                  .Text(viewstyle::AnnotationField::kElementOIDRef),
               ";RelatedTo" + core::IdText(pipe->ObjectID()));
   }
 
