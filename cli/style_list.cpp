@@ -3,8 +3,10 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/info.h"
 #include "cli/project.h"
 #include "cli/styles.h"
+#include "core/project_record.h"
 #include "viewstyle/project_styles.h"
 
 namespace kestrana::cli {
@@ -85,6 +87,27 @@ int RunStyleList(const std::vector<std::string>& args, Io& io) {
   io.out << (a.Flag("json") ? StylesJson(styles) : StylesTable(styles));
   return 0;
 }
+
+// `kestrana info` names the styles too; a damaged list is reported, not
+// raised, since info is how one looks at damaged drawings.
+InfoSectionRegistrar view_styles_info([](memhost::MemDocument& document)
+                                          -> std::optional<InfoSection> {
+  if (!core::FindProjectRecord(document)) return std::nullopt;
+  InfoSection section{"view styles", {}};
+  try {
+    std::vector<StyleSummary> styles = ListStyles(document);
+    std::string names;
+    for (const StyleSummary& s : styles)
+      names += (names.empty() ? "" : ", ") + s.name;
+    section.fields.push_back(
+        {"active", viewstyle::StyleField::Read(document).active});
+    section.fields.push_back({"count", std::to_string(styles.size()), true});
+    if (!styles.empty()) section.fields.push_back({"names", names});
+  } catch (const std::exception& e) {
+    section.fields.push_back({"error", e.what()});
+  }
+  return section;
+});
 
 Registrar style_list_command(
     {"style list", "the view styles of a project",

@@ -35,11 +35,6 @@ bool Shown(const core::TextTable& format, int row) {
   return format(row, col::kShow) == kShown;
 }
 
-double TextHeight(const core::TextTable& format) {
-  return core::NumericValue(
-      format(static_cast<int>(ViewStyleField::kTextHeight), col::kShow));
-}
-
 // A value rounded to the item's places and written with its pattern.
 std::string FormatValue(double value, const std::string& precision,
                         const std::string& pattern) {
@@ -201,7 +196,7 @@ void ViewStyle::InitializeAttributeBlocks(
   for (const char* name : names)
     if (!blocks.Find(name)) blocks.Add({0, 0, 0}, name);
 
-  const double height = TextHeight(ar_anno_format);
+  const double height = StyleTextHeight(ar_anno_format);
   const double pitch = LinePitch(height);
   for (ElementKind kind : kElementKinds) {
     int count = ar_count_attribute_strings[static_cast<int>(kind)];

@@ -5,6 +5,7 @@
 #include "core/names.h"
 #include "core/text.h"
 #include "viewstyle/annotation_record.h"
+#include "viewstyle/view_style.h"
 
 namespace kestrana::viewstyle {
 
@@ -53,6 +54,11 @@ std::vector<double> LineOffsets(int count, int middle, double pitch) {
 }
 
 double LinePitch(double text_height) { return kPitchPerHeight * text_height; }
+
+double StyleTextHeight(const core::TextTable& format) {
+  return core::NumericValue(format(
+      static_cast<int>(ViewStyleField::kTextHeight), format_column::kShow));
+}
 
 host::ObjectId LinkedObjectId(std::string_view link) {
   std::string_view id =

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/text_table.h"
 #include "host/types.h"
 #include "viewstyle/view_style_record.h"
 
@@ -27,6 +28,9 @@ std::vector<double> LineOffsets(int count, int middle, double pitch);
 
 // The line pitch for a text height: one and a half heights.
 double LinePitch(double text_height);
+
+// The text height of an annotation format array.
+double StyleTextHeight(const core::TextTable& format);
 
 // The object named by a link field (";RelatedTo<ID>"): the text after the
 // first ten characters, read as a number.

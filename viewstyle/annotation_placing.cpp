@@ -74,11 +74,6 @@ const char* AnchorKind(ElementKind kind) {
   return IsPipe(kind) ? core::kPipeKind : core::kNodeKind;
 }
 
-double StyleTextHeight(const core::TextTable& format) {
-  return core::NumericValue(
-      format(static_cast<int>(ViewStyleField::kTextHeight), col::kShow));
-}
-
 bool ShowsArrow(ElementKind kind, const core::TextTable& format) {
   return IsPipe(kind) &&
          core::NumericValue(format(ArrowField(kind), col::kShow)) == 1;

@@ -11,13 +11,21 @@
 
 namespace kestrana::viewstyle {
 
+namespace {
+// Pieces of field 1.
+constexpr size_t kActivePiece = 0;
+constexpr size_t kVisibilityPiece = 1;
+constexpr size_t kFirstMarkerPiece = 2;
+}  // namespace
+
 StyleField StyleField::Parse(std::string_view field) {
   std::vector<std::string> pieces = core::Split(field);
   StyleField parsed;
-  parsed.active = pieces[0];
-  if (pieces.size() > 1) parsed.visibility = pieces[1];
+  parsed.active = pieces[kActivePiece];
+  if (pieces.size() > kVisibilityPiece)
+    parsed.visibility = pieces[kVisibilityPiece];
   // The last piece is the empty text after the final ";".
-  for (size_t k = 2; k + 1 < pieces.size(); ++k)
+  for (size_t k = kFirstMarkerPiece; k + 1 < pieces.size(); ++k)
     parsed.markers.push_back(pieces[k]);
   return parsed;
 }

@@ -29,12 +29,14 @@ host::XRecord XRecordOf(const ViewStyleSettings& settings) {
   if (settings.size() < static_cast<size_t>(kViewStyleRecordLength))
     throw std::out_of_range("a view style has 43 settings, not " +
                             std::to_string(settings.size()));
-  if (settings[0] != core::kAppName)
+  const std::string& app = settings[Index(F::kApplicationName)];
+  if (app != core::kAppName)
     throw std::invalid_argument("a view style record starts with \"" +
                                 std::string(core::kAppName) + "\", not \"" +
-                                settings[0] + "\"");
-  host::XRecord record{{core::code::kAppName, host::XValue(settings[0])}};
-  for (int i = 1; i < kViewStyleRecordLength; ++i)
+                                app + "\"");
+  // Every field after the application name is a text.
+  host::XRecord record{{core::code::kAppName, host::XValue(app)}};
+  for (int i = Index(F::kStyleName); i < kViewStyleRecordLength; ++i)
     record.push_back({core::code::kText, host::XValue(settings[i])});
   return record;
 }
