@@ -97,6 +97,12 @@ TEST_F(StyleCommands, NewProjectsHoldTheStandardStyleAndLibraries) {
   EXPECT_EQ(out_.str(),
             "[{\"name\": \"Standard\", \"active\": true, \"text style\": "
             "\"Standard\", \"text height\": \"2\"}]\n");
+  EXPECT_EQ(Run({"info", site_}), 0);
+  EXPECT_NE(out_.str().find(
+                "view styles:\n  active: Standard\n  count: 1\n  names: "
+                "Standard\n"),
+            std::string::npos)
+      << out_.str();
   EXPECT_EQ(Run({"library", "materials", site_}), 0);
   EXPECT_EQ(out_.str().rfind("MATERIAL        PIPES\nPVC             0\n", 0),
             0u)
