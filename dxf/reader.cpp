@@ -47,11 +47,7 @@ class Reader {
         tok_(img_.buffer),
         ctx_{doc, img_.codec, {}} {
     shape_.file = img_.buffer;
-    // Objects every document starts with give way to the file's handles.
-    movable_.insert(&doc_.ModelSpaceBlock());
-    movable_.insert(&doc_.PaperSpaceBlock());
-    for (auto* l : doc_.LayerList()) movable_.insert(l);
-    for (auto* s : doc_.TextStyleList()) movable_.insert(s);
+    initial_seed_ = doc_.HandleSeed();
   }
 
   void Run();
@@ -74,6 +70,8 @@ class Reader {
   void ReadEntities(MemBlock* owner, std::string_view stop);
   void ReadEntity(MemBlock* owner);
   void ClaimHandle(uint64_t handle, uint32_t line);
+  // ClaimHandle for something kept outside the model.
+  void ReserveRaw(uint64_t handle, uint32_t line);
   void Claim(MemObject& obj, uint64_t handle, uint32_t line);
   void Finish();
 
@@ -85,10 +83,13 @@ class Reader {
   Tag tag_;
   bool at_end_ = false;
   Shape shape_;
-  // Where each handle was met, to name both lines of a duplicate.
-  std::unordered_map<uint64_t, uint32_t> handle_lines_;
-  std::unordered_set<MemObject*> movable_;
-  std::unordered_set<MemObject*> from_file_;
+  // Where each handle of something kept outside the model was met, to
+  // name both lines of a duplicate; objects of the model know their line.
+  std::unordered_map<uint64_t, uint32_t> raw_lines_;
+  // Objects the file gave no handle; they may move aside for later ones.
+  std::vector<MemObject*> unhandled_;
+  uint64_t max_handle_ = 0;
+  uint64_t initial_seed_ = 0;
   uint32_t section_line_ = 0;
   std::string section_name_;
   uint64_t file_seed_ = 0;
@@ -122,28 +123,40 @@ void Reader::ReadShape(int handle_code) {
   tag_ = next;
 }
 
+// Objects read from the file with a handle of their own.
+bool FromFile(MemObject& obj) {
+  const ObjectRecord* r = RecordOf(obj);
+  return r != nullptr && r->read && r->handle != 0;
+}
+
 void Reader::ClaimHandle(uint64_t handle, uint32_t line) {
-  auto [it, inserted] = handle_lines_.emplace(handle, line);
-  if (!inserted)
+  auto duplicate = [&](uint32_t first) {
     throw DxfError(line, "handle " + FormatHandle(handle) +
                              " is already used by the object at line " +
-                             std::to_string(it->second));
+                             std::to_string(first));
+  };
+  if (auto it = raw_lines_.find(handle); it != raw_lines_.end()) duplicate(it->second);
   if (MemObject* holder = doc_.FindByHandle(handle)) {
+    if (FromFile(*holder)) duplicate(RecordOf(*holder)->line);
     // Objects the file did not give this handle (defaults, layers made for
     // entities on undeclared layers, ...) move aside.
-    if (from_file_.count(holder) && !movable_.count(holder))
-      throw DxfError(line, "handle " + FormatHandle(handle) + " is used twice");
     doc_.Rehandle(*holder, doc_.NextHandle());
   }
+  max_handle_ = std::max(max_handle_, handle);
+}
+
+void Reader::ReserveRaw(uint64_t handle, uint32_t line) {
+  if (handle == 0) return;
+  ClaimHandle(handle, line);
+  raw_lines_.emplace(handle, line);
+  doc_.ReserveHandle(handle);
 }
 
 void Reader::Claim(MemObject& obj, uint64_t handle, uint32_t line) {
   if (handle != 0) {
     ClaimHandle(handle, line);
     doc_.Rehandle(obj, handle);
-    movable_.erase(&obj);
   }
-  from_file_.insert(&obj);
 }
 
 void Reader::Run() {
@@ -304,10 +317,7 @@ void Reader::ReadRawSection(SectionImage& section) {
     if (tag_.value == "SECTION" || tag_.value == "EOF")
       Unexpected(("0 ENDSEC to close the " + section.name + " section").c_str());
     ReadShape();
-    if (shape_.handle != 0) {
-      ClaimHandle(shape_.handle, shape_.Line());
-      doc_.ReserveHandle(shape_.handle);
-    }
+    ReserveRaw(shape_.handle, shape_.Line());
   }
 }
 
@@ -334,10 +344,7 @@ void Reader::ReadTable(SectionImage& section) {
   }
   if (table.name.empty())
     throw DxfError(line, "the table has no name (expected 2 and a table name after 0 TABLE)");
-  if (table.handle != 0) {
-    ClaimHandle(table.handle, line);
-    doc_.ReserveHandle(table.handle);
-  }
+  ReserveRaw(table.handle, line);
   table.head = {begin, tag_.offset};
   while (!(tag_.code == 0 && tag_.value == "ENDTAB")) {
     if (tag_.code == 0 && (tag_.value == "ENDSEC" || tag_.value == "TABLE" ||
@@ -374,7 +381,7 @@ void Reader::ReadTableEntry(TableImage& table) {
   item.name = name;
   MemObject* obj = nullptr;
   auto check_twice = [&](MemObject* existing) {
-    if (existing != nullptr && from_file_.count(existing))
+    if (existing != nullptr && RecordOf(*existing) != nullptr && RecordOf(*existing)->read)
       throw DxfError(shape_.Line(), "the " + table.name + " entry " + Quoted(name) +
                                         " is defined twice");
   };
@@ -403,10 +410,7 @@ void Reader::ReadTableEntry(TableImage& table) {
       block->is_layout_ = true;
     obj = block;
   } else {
-    if (shape_.handle != 0) {
-      ClaimHandle(shape_.handle, shape_.Line());
-      doc_.ReserveHandle(shape_.handle);
-    }
+    ReserveRaw(shape_.handle, shape_.Line());
     if (table.name == "APPID" && !name.empty()) doc_.RegisterApp(name);
     item.raw = true;
     table.items.push_back(std::move(item));
@@ -451,10 +455,7 @@ void Reader::ReadBlocks(SectionImage& section) {
     if (shape_.owner != 0)
       block = dynamic_cast<MemBlock*>(doc_.FindByHandle(shape_.owner));
     if (block == nullptr) block = doc_.FindBlock(name);
-    if (block == nullptr) {
-      block = &doc_.AddBlock(name, origin);
-      movable_.insert(block);
-    }
+    if (block == nullptr) block = &doc_.AddBlock(name, origin);
     ObjectRecord* record = RecordOf(*block);
     if (record == nullptr) {
       block->file_data = ObjectRecord{};
@@ -462,10 +463,7 @@ void Reader::ReadBlocks(SectionImage& section) {
     }
     if (!record->begin_span.Empty())
       throw DxfError(line, "the block " + Quoted(name) + " is defined twice");
-    if (begin_handle != 0) {
-      ClaimHandle(begin_handle, line);
-      doc_.ReserveHandle(begin_handle);
-    }
+    ReserveRaw(begin_handle, line);
     block->origin_ = origin;
     block->is_xref_ = (flags & 4) != 0;
     if (StartsWithNoCase(name, "*Paper_Space") || StartsWithNoCase(name, "*Model_Space"))
@@ -478,16 +476,12 @@ void Reader::ReadBlocks(SectionImage& section) {
                      .c_str());
     size_t end_begin = tag_.offset;
     ReadShape();
-    if (shape_.handle != 0) {
-      ClaimHandle(shape_.handle, shape_.Line());
-      doc_.ReserveHandle(shape_.handle);
-    }
+    ReserveRaw(shape_.handle, shape_.Line());
     record = RecordOf(*block);
     record->begin_span = begin_span;
     record->begin_handle = begin_handle;
     record->end_span = {end_begin, shape_.end_offset};
     record->end_handle = shape_.handle;
-    from_file_.insert(block);
   }
 }
 
@@ -520,7 +514,7 @@ void Reader::ReadEntity(MemBlock* owner) {
   uint32_t line = shape_.Line();
   if (handle != 0) ClaimHandle(handle, line);
   MemEntity& e = block->AddNew(std::move(entity), handle);
-  if (handle == 0) movable_.insert(&e);
+  if (handle == 0) unhandled_.push_back(&e);
   ApplyXData(shape_, e, img_.codec);
   ObjectRecord record;
   record.span = {begin, shape_.end_offset};
@@ -528,15 +522,10 @@ void Reader::ReadEntity(MemBlock* owner) {
   record.line = line;
   // Without a handle in the file it is written with its new one.
   record.handle = handle;
-  from_file_.insert(&e);
+  e.file_data = record;
 
   auto* insert = dynamic_cast<memhost::MemBlockReference*>(&e);
-  auto reserve_shape_handle = [&]() {
-    if (shape_.handle != 0) {
-      ClaimHandle(shape_.handle, shape_.Line());
-      doc_.ReserveHandle(shape_.handle);
-    }
-  };
+  auto reserve_shape_handle = [&]() { ReserveRaw(shape_.handle, shape_.Line()); };
   if (insert != nullptr) {
     // Attributes join their reference; the SEQEND is kept with it.
     while (tag_.code == 0 && tag_.value == "ATTRIB") {
@@ -548,7 +537,7 @@ void Reader::ReadEntity(MemBlock* owner) {
           static_cast<memhost::MemAttributeReference*>(a.release()));
       if (shape_.handle != 0) ClaimHandle(shape_.handle, shape_.Line());
       auto& adopted = insert->AdoptAttribute(std::move(attr), shape_.handle);
-      if (shape_.handle == 0) movable_.insert(&adopted);
+      if (shape_.handle == 0) unhandled_.push_back(&adopted);
       ApplyXData(shape_, adopted, img_.codec);
       ObjectRecord attr_record;
       attr_record.span = {attr_begin, shape_.end_offset};
@@ -556,14 +545,13 @@ void Reader::ReadEntity(MemBlock* owner) {
       attr_record.line = shape_.Line();
       attr_record.handle = shape_.handle;
       adopted.file_data = attr_record;
-      from_file_.insert(&adopted);
     }
     if (tag_.code == 0 && tag_.value == "SEQEND") {
       size_t seq_begin = tag_.offset;
       ReadShape();
       reserve_shape_handle();
-      record.end_span = {seq_begin, shape_.end_offset};
-      record.end_handle = shape_.handle;
+      RecordOf(e)->end_span = {seq_begin, shape_.end_offset};
+      RecordOf(e)->end_handle = shape_.handle;
     }
   } else if (type == "POLYLINE") {
     // Vertices and the SEQEND stay with the polyline, as read.
@@ -574,9 +562,8 @@ void Reader::ReadEntity(MemBlock* owner) {
       reserve_shape_handle();
       if (seqend) break;
     }
-    if (follow_begin < tag_.offset) record.end_span = {follow_begin, tag_.offset};
+    if (follow_begin < tag_.offset) RecordOf(e)->end_span = {follow_begin, tag_.offset};
   }
-  e.file_data = record;
 }
 
 // ------------------------------------------------------------------ finish
@@ -591,13 +578,11 @@ void Reader::Finish() {
   }
   // New handles follow every handle in use and the file's seed; objects
   // moved aside while loading do not count.
-  uint64_t seed = file_seed_;
-  for (const auto& [handle, line] : handle_lines_) seed = std::max(seed, handle + 1);
-  for (MemObject* obj : movable_) seed = std::max(seed, obj->HandleValue() + 1);
-  for (MemObject* obj : doc_.LayerList())
-    if (!from_file_.count(obj)) seed = std::max(seed, obj->HandleValue() + 1);
-  for (MemObject* obj : doc_.TextStyleList())
-    if (!from_file_.count(obj)) seed = std::max(seed, obj->HandleValue() + 1);
+  uint64_t seed = std::max({file_seed_, max_handle_ + 1, initial_seed_});
+  for (MemObject* obj : unhandled_) seed = std::max(seed, obj->HandleValue() + 1);
+  for (MemObject* obj : doc_.LayerList()) seed = std::max(seed, obj->HandleValue() + 1);
+  for (MemObject* obj : doc_.TextStyleList()) seed = std::max(seed, obj->HandleValue() + 1);
+  for (MemObject* obj : doc_.BlockList()) seed = std::max(seed, obj->HandleValue() + 1);
   doc_.SetHandleSeed(seed);
 
   for (auto& pending : ctx_.pending_sources) {

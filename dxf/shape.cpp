@@ -136,22 +136,41 @@ std::vector<host::XRecord> ParseXData(const Shape& shape, const TextCodec& codec
 
 // ----------------------------------------------------------------- hasher
 
+namespace {
+// One 64-bit word into the state: multiply and fold.
+inline uint64_t Mix(uint64_t h, uint64_t word) {
+  h ^= word;
+  h *= 0x9E3779B97F4A7C15ull;
+  return h ^ (h >> 29);
+}
+}  // namespace
+
 void Hasher::Bytes(const void* data, size_t size) {
   const auto* p = static_cast<const unsigned char*>(data);
-  for (size_t i = 0; i < size; ++i) {
-    h_ ^= p[i];
-    h_ *= 1099511628211ull;
+  uint64_t h = h_;
+  while (size >= 8) {
+    uint64_t word;
+    std::memcpy(&word, p, 8);
+    h = Mix(h, word);
+    p += 8;
+    size -= 8;
   }
+  if (size > 0) {
+    uint64_t word = 0;
+    std::memcpy(&word, p, size);
+    h = Mix(h, word ^ (uint64_t{size} << 56));
+  }
+  h_ = h;
 }
 
 void Hasher::Add(double v) {
   if (v == 0) v = 0;
   uint64_t bits;
   std::memcpy(&bits, &v, sizeof bits);
-  Bytes(&bits, sizeof bits);
+  h_ = Mix(h_, bits);
 }
 
-void Hasher::Add(int64_t v) { Bytes(&v, sizeof v); }
+void Hasher::Add(int64_t v) { h_ = Mix(h_, static_cast<uint64_t>(v)); }
 
 void Hasher::Add(std::string_view s) {
   Add(static_cast<int64_t>(s.size()));

@@ -56,7 +56,7 @@ bool ReadObject(Tokenizer& tok, const Tag& first, Shape& shape, Tag& next);
 // Extended data of a shape, by application in order.
 std::vector<host::XRecord> ParseXData(const Shape& shape, const TextCodec& codec);
 
-// 64-bit FNV-1a over the values of an object's state.
+// A 64-bit fingerprint of the values of an object's state.
 class Hasher {
  public:
   void Bytes(const void* data, size_t size);

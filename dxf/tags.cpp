@@ -39,34 +39,47 @@ Tokenizer::Tokenizer(std::string_view text, size_t base_offset, uint32_t first_l
 
 std::string_view Tokenizer::ReadLine() {
   const char* start = text_.data() + pos_;
-  size_t left = text_.size() - pos_;
-  const void* nl = std::memchr(start, '\n', left);
-  size_t length = nl ? static_cast<const char*>(nl) - start : left;
+  const char* end = text_.data() + text_.size();
+  // Lines are mostly a few bytes long: a plain scan beats a library call.
+  const char* p = start;
+  while (p != end && *p != '\n') ++p;
+  size_t length = static_cast<size_t>(p - start);
   if (length > kMaxLineLength)
     throw DxfError(line_, "the line is " + std::to_string(length) +
                               " bytes long; a DXF line holds one group code or "
                               "one value (at most " +
                               std::to_string(kMaxLineLength) + " bytes)");
-  pos_ += nl ? length + 1 : length;
+  pos_ += p == end ? length : length + 1;
   ++line_;
-  std::string_view line(start, length);
-  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-  return line;
+  if (length > 0 && start[length - 1] == '\r') --length;
+  return std::string_view(start, length);
 }
 
 bool Tokenizer::Next(Tag& tag) {
   if (pos_ >= text_.size()) return false;
   tag.offset = base_ + pos_;
   tag.line = line_;
-  std::string_view code_text = Trim(ReadLine());
+  std::string_view code_text = ReadLine();
+  // The usual form: blanks, then digits.
+  size_t i = 0;
+  while (i < code_text.size() && code_text[i] == ' ') ++i;
   int code = 0;
-  const char* first = code_text.data();
-  const char* last = first + code_text.size();
-  if (first != last && *first == '+') ++first;
-  auto [ptr, ec] = std::from_chars(first, last, code);
-  if (code_text.empty() || ec != std::errc() || ptr != last)
-    throw DxfError(tag.line, "expected a group code (a whole number), found '" +
-                                 Shown(code_text) + "'");
+  size_t digits = 0;
+  while (i < code_text.size() && code_text[i] >= '0' && code_text[i] <= '9' && digits < 6) {
+    code = code * 10 + (code_text[i++] - '0');
+    ++digits;
+  }
+  if (digits == 0 || i != code_text.size()) {
+    // Anything else: signs, tabs, trailing blanks, or not a number at all.
+    code_text = Trim(code_text);
+    const char* first = code_text.data();
+    const char* last = first + code_text.size();
+    if (first != last && *first == '+') ++first;
+    auto [ptr, ec] = std::from_chars(first, last, code);
+    if (code_text.empty() || ec != std::errc() || ptr != last)
+      throw DxfError(tag.line, "expected a group code (a whole number), found '" +
+                                   Shown(code_text) + "'");
+  }
   if (pos_ >= text_.size())
     throw DxfError(tag.line, "the file ends after group code " +
                                  std::to_string(code) +
