@@ -38,6 +38,7 @@ struct ObjectRecord {
   // its original's record and is written from it under its own handle.
   uint64_t handle = 0;
   bool copied = false;
+  uint64_t owner = 0;  // 330 as read (0: none)
 };
 
 struct HeaderVar {

@@ -19,8 +19,6 @@ using memhost::MemObject;
 
 namespace {
 
-constexpr double kDegree = 3.14159265358979323846 / 180.0;
-
 bool StartsWithNoCase(std::string_view s, std::string_view prefix) {
   if (s.size() < prefix.size()) return false;
   for (size_t i = 0; i < prefix.size(); ++i) {
@@ -421,7 +419,8 @@ void Reader::ReadTableEntry(TableImage& table) {
   record.span = span;
   record.read = true;
   record.line = shape_.Line();
-  record.handle = obj->HandleValue();
+  record.handle = shape_.handle;
+  record.owner = shape_.owner;
   obj->file_data = record;
   item.handle = obj->HandleValue();
   table.items.push_back(std::move(item));
@@ -522,6 +521,7 @@ void Reader::ReadEntity(MemBlock* owner) {
   record.line = line;
   // Without a handle in the file it is written with its new one.
   record.handle = handle;
+  record.owner = shape_.owner;
   e.file_data = record;
 
   auto* insert = dynamic_cast<memhost::MemBlockReference*>(&e);
@@ -544,6 +544,7 @@ void Reader::ReadEntity(MemBlock* owner) {
       attr_record.read = true;
       attr_record.line = shape_.Line();
       attr_record.handle = shape_.handle;
+      attr_record.owner = shape_.owner;
       adopted.file_data = attr_record;
     }
     if (tag_.code == 0 && tag_.value == "SEQEND") {

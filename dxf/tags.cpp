@@ -51,7 +51,8 @@ std::string_view Tokenizer::ReadLine() {
                               std::to_string(kMaxLineLength) + " bytes)");
   pos_ += p == end ? length : length + 1;
   ++line_;
-  if (length > 0 && start[length - 1] == '\r') --length;
+  // CR of CRLF; stray ones before it are not part of any value either.
+  while (length > 0 && start[length - 1] == '\r') --length;
   return std::string_view(start, length);
 }
 

@@ -50,8 +50,9 @@ class Writer {
   void Entities();
   void WriteEntity(MemEntity& e, uint64_t owner, bool paper);
   // Writes an object from its record: as read while `hash` still matches.
+  // Returns true when the object went out as read.
   template <class Fill>
-  void WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
+  bool WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
                      uint64_t owner, Fill fill);
   bool LoadOriginal(const Span& span, Shape& shape, int handle_code = 5) const;
   void Raw(const Span& s) { w_.Raw(img_.Bytes(s)); }
@@ -84,7 +85,7 @@ void Writer::Prepare() {
   for (MemBlock* b : doc_.BlockList()) {
     if (RecordOf(*b) == nullptr) b->file_data = ObjectRecord{};
     ObjectRecord& r = *RecordOf(*b);
-    if (r.begin_handle == 0) r.begin_handle = NewHandle();
+    if (r.begin_handle == 0 && r.begin_span.Empty()) r.begin_handle = NewHandle();
     if (r.end_handle == 0 && r.end_span.Empty()) r.end_handle = NewHandle();
     for (MemEntity* e : b->MemEntities()) {
       std::vector<MemEntity*> parts{e};
@@ -229,12 +230,16 @@ void Writer::Header(const SectionImage& s) {
 // ----------------------------------------------------------------- tables
 
 template <class Fill>
-void Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
+bool Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
                            uint64_t owner, Fill fill) {
   ObjectRecord* r = RecordOf(obj);
-  if (r != nullptr && r->read && !r->copied && r->hash == hash) {
+  // A copy, an object the file gave no handle, or one that now lives under
+  // another owner gets a head of its own.
+  bool fresh = r != nullptr && (r->copied || r->handle != obj.HandleValue() ||
+                                (r->owner != 0 && r->owner != owner));
+  if (r != nullptr && r->read && !fresh && r->hash == hash) {
     Raw(r->span);
-    return;
+    return true;
   }
   Shape original;
   bool has = r != nullptr && r->read && LoadOriginal(r->span, original);
@@ -243,9 +248,10 @@ void Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
   spec.handle = obj.HandleValue();
   spec.owner = owner;
   spec.original = has ? &original : nullptr;
-  spec.fresh_head = has && r->copied;
+  spec.fresh_head = has && fresh;
   fill(spec, spec.original);
   WriteObject(spec, w_, img_.codec);
+  return false;
 }
 
 void Writer::Tables(const SectionImage& s) {
@@ -419,17 +425,21 @@ void Writer::Entities() {
 void Writer::WriteEntity(MemEntity& e, uint64_t owner, bool paper) {
   ObjectRecord* r = RecordOf(e);
   host::Entity& he = e.AsHostEntity();
-  WriteRecorded(e, EntityHash(e), he.EntityName(), owner,
-                [&](WriteSpec& spec, const Shape* original) {
-                  WriteContext ctx{doc_, img_.codec, original, paper};
-                  EntitySpec(e, ctx, spec);
-                });
+  bool as_read = WriteRecorded(e, EntityHash(e), he.EntityName(), owner,
+                               [&](WriteSpec& spec, const Shape* original) {
+                                 WriteContext ctx{doc_, img_.codec, original, paper};
+                                 EntitySpec(e, ctx, spec);
+                               });
   auto* ref = dynamic_cast<memhost::MemBlockReference*>(&e);
   if (ref == nullptr) {
     if (r != nullptr && !r->end_span.Empty()) Raw(r->end_span);  // vertices
     return;
   }
-  if (!ref->HasAttributes()) return;
+  if (!ref->HasAttributes()) {
+    // A reference written as read keeps the SEQEND it was read with.
+    if (as_read && !r->end_span.Empty()) Raw(r->end_span);
+    return;
+  }
   for (auto* a : ref->Attributes())
     if (!a->IsErased()) WriteEntity(*a, e.HandleValue(), paper);
   r = RecordOf(e);

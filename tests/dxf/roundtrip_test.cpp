@@ -244,14 +244,17 @@ TEST(RoundTrip, AnUnchangedDrawingWritesBackByteForByte) {
   doc2->ModelSpace().AddPoint({1, 2, 3});
   std::string changed = WriteDxf(*doc2);
   EXPECT_EQ(changed.find("\n\n"), std::string::npos);
-  for (size_t i = 0; i < changed.size(); ++i)
-    if (changed[i] == '\n') ASSERT_EQ(changed[i - 1], '\r') << "bare LF at " << i;
+  for (size_t i = 0; i < changed.size(); ++i) {
+    if (changed[i] == '\n') {
+      ASSERT_EQ(changed[i - 1], '\r') << "bare LF at " << i;
+    }
+  }
 }
 
 // A LINE as another program writes it: codes the model ignores, texts
 // in a format of its own.
 const char* kForeignEntities =
-    "0\nLINE\n5\n2A\n102\n{ACAD_REACTORS\n330\n40\n102\n}\n330\n1F\n100\nAcDbEntity\n8\n0\n"
+    "0\nLINE\n5\n2A\n102\n{ACAD_REACTORS\n330\n40\n102\n}\n330\n1\n100\nAcDbEntity\n8\n0\n"
     "6\nDASHED\n370\n25\n100\nAcDbLine\n39\n2.5\n10\n0.0000\n20\n1.50\n30\n0\n11\n4\n21\n"
     "5\n31\n0\n210\n0\n220\n0\n230\n1\n"
     "0\nMTEXT\n5\n2B\n100\nAcDbEntity\n8\nNotes\n100\nAcDbMText\n10\n1\n20\n2\n30\n0\n"
@@ -270,7 +273,7 @@ TEST(RoundTrip, ChangesAreMergedIntoTheTagsTheyWereReadFrom) {
   // The end point's X changed, the colour joined the end of its group, and
   // every code the model does not own stayed where it was, with the texts
   // of untouched values as they were.
-  EXPECT_NE(out.find("0\nLINE\n5\n2A\n102\n{ACAD_REACTORS\n330\n40\n102\n}\n330\n1F\n100\n"
+  EXPECT_NE(out.find("0\nLINE\n5\n2A\n102\n{ACAD_REACTORS\n330\n40\n102\n}\n330\n1\n100\n"
                      "AcDbEntity\n8\n0\n6\nDASHED\n370\n25\n 62\n2\n100\nAcDbLine\n39\n2.5\n10\n"
                      "0.0000\n20\n1.50\n30\n0\n 11\n7.0\n21\n5\n31\n0\n210\n0\n220\n0\n230\n1\n"),
             std::string::npos)
