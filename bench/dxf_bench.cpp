@@ -33,7 +33,8 @@ std::string DrawingPath(int pipes) {
   MemDocument doc;
   auto& layer = doc.GetLayers().Add("Sewer - Network");
   doc.SetActiveLayer(layer);
-  doc.ModelSpace().SetXData({{1001, "Kestrana"}, {1000, "2.00"}, {1000, "Metric"}});
+  doc.ModelSpace().SetXData(
+      {{1001, "Kestrana"}, {1000, "2.00"}, {1000, "Metric"}});
   unsigned seed = 12345;
   auto next = [&] {
     seed = seed * 1103515245u + 12345u;
@@ -55,7 +56,8 @@ std::string DrawingPath(int pipes) {
                                    {1040, 10.5 + i * 0.001},
                                    {1040, 10.2 + i * 0.001},
                                    {1000, "PVC"}};
-    for (int k = 0; k < 12; ++k) record.push_back({1000, ";RelatedTo" + std::to_string(k)});
+    for (int k = 0; k < 12; ++k)
+      record.push_back({1000, ";RelatedTo" + std::to_string(k)});
     pipe.SetXData(record);
   }
   kestrana::dxf::SaveDrawing(doc, path);
@@ -72,12 +74,14 @@ std::string ReadBytes(const std::string& path) {
 void BM_ReadBytes(benchmark::State& state) {
   std::string path = DrawingPath(static_cast<int>(state.range(0)));
   for (auto _ : state) benchmark::DoNotOptimize(ReadBytes(path));
-  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(fs::file_size(path)));
+  state.SetBytesProcessed(state.iterations() *
+                          static_cast<int64_t>(fs::file_size(path)));
 }
 
 void BM_Load(benchmark::State& state) {
   std::string path = DrawingPath(static_cast<int>(state.range(0)));
-  for (auto _ : state) benchmark::DoNotOptimize(kestrana::dxf::LoadDrawing(path));
+  for (auto _ : state)
+    benchmark::DoNotOptimize(kestrana::dxf::LoadDrawing(path));
 }
 
 // Load, write the text, and put it in a file (no flush to disk, as ezdxf).
@@ -87,8 +91,8 @@ void BM_LoadSave(benchmark::State& state) {
   for (auto _ : state) {
     auto doc = kestrana::dxf::LoadDrawing(path);
     std::string text = kestrana::dxf::WriteDxf(*doc);
-    std::ofstream(out, std::ios::binary).write(text.data(),
-                                               static_cast<std::streamsize>(text.size()));
+    std::ofstream(out, std::ios::binary)
+        .write(text.data(), static_cast<std::streamsize>(text.size()));
   }
 }
 
@@ -98,7 +102,8 @@ void BM_LoadChangeAllSave(benchmark::State& state) {
   for (auto _ : state) {
     auto doc = kestrana::dxf::LoadDrawing(path);
     for (auto* e : doc->ModelSpaceBlock().MemEntities())
-      if (auto* pl = dynamic_cast<kestrana::memhost::MemLwPolyline*>(e)) pl->xy_[0] += 1;
+      if (auto* pl = dynamic_cast<kestrana::memhost::MemLwPolyline*>(e))
+        pl->xy_[0] += 1;
     benchmark::DoNotOptimize(kestrana::dxf::WriteDxf(*doc));
   }
 }
@@ -106,7 +111,10 @@ void BM_LoadChangeAllSave(benchmark::State& state) {
 BENCHMARK(BM_ReadBytes)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Load)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_LoadSave)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_LoadChangeAllSave)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_LoadChangeAllSave)
+    ->Arg(2000)
+    ->Arg(20000)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

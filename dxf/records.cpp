@@ -15,7 +15,8 @@ const Shape::Group* MainGroup(const Shape& s, std::string_view marker) {
 
 }  // namespace
 
-void ReadLayerRecord(const Shape& s, memhost::MemLayer& layer, const TextCodec&) {
+void ReadLayerRecord(const Shape& s, memhost::MemLayer& layer,
+                     const TextCodec&) {
   const Shape::Group* g = MainGroup(s, "AcDbLayerTableRecord");
   if (g == nullptr) return;
   for (size_t i = g->begin; i < g->end; ++i) {
@@ -33,15 +34,20 @@ void ReadLayerRecord(const Shape& s, memhost::MemLayer& layer, const TextCodec&)
   }
 }
 
-void ReadStyleRecord(const Shape& s, memhost::MemTextStyle& style, const TextCodec& codec) {
+void ReadStyleRecord(const Shape& s, memhost::MemTextStyle& style,
+                     const TextCodec& codec) {
   const Shape::Group* g = MainGroup(s, "AcDbTextStyleTableRecord");
   if (g == nullptr) return;
   for (size_t i = g->begin; i < g->end; ++i) {
     const Tag& t = s.tags[i];
-    if (t.code == 40) style.height_ = RealValue(t);
-    else if (t.code == 41) style.width_ = RealValue(t);
-    else if (t.code == 50) style.oblique_ = RealValue(t) * kDegree;
-    else if (t.code == 3) style.font_file_ = codec.Decode(t.value);
+    if (t.code == 40)
+      style.height_ = RealValue(t);
+    else if (t.code == 41)
+      style.width_ = RealValue(t);
+    else if (t.code == 50)
+      style.oblique_ = RealValue(t) * kDegree;
+    else if (t.code == 3)
+      style.font_file_ = codec.Decode(t.value);
   }
 }
 
@@ -85,7 +91,8 @@ void LayerSpec(memhost::MemLayer& l, const Shape* original, WriteSpec& spec) {
   if (original != nullptr)
     if (const Shape::Group* og = MainGroup(*original, "AcDbLayerTableRecord"))
       for (size_t i = og->begin; i < og->end; ++i)
-        if (original->tags[i].code == 70) ParseInt(original->tags[i].value, flags);
+        if (original->tags[i].code == 70)
+          ParseInt(original->tags[i].value, flags);
   flags = (flags & ~int64_t{5}) | (l.frozen_ ? 1 : 0) | (l.locked_ ? 4 : 0);
   g.Int(70, flags);
   g.Int(62, l.on_ ? l.color_ : -l.color_);

@@ -22,10 +22,12 @@ uint64_t StyleHash(const memhost::MemTextStyle& style);
 uint64_t BlockHash(const memhost::MemBlock& block);
 
 // The groups each record writes (WriteSpec::groups and xdata).
-void LayerSpec(memhost::MemLayer& layer, const Shape* original, WriteSpec& spec);
+void LayerSpec(memhost::MemLayer& layer, const Shape* original,
+               WriteSpec& spec);
 void StyleSpec(memhost::MemTextStyle& style, WriteSpec& spec);
 void BlockRecordSpec(memhost::MemBlock& block, WriteSpec& spec);
-void BlockBeginSpec(memhost::MemBlock& block, bool paper_space, WriteSpec& spec);
+void BlockBeginSpec(memhost::MemBlock& block, bool paper_space,
+                    WriteSpec& spec);
 void BlockEndSpec(bool paper_space, WriteSpec& spec);
 
 }  // namespace kestrana::dxf

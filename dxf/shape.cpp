@@ -29,7 +29,8 @@ void Shape::Build(int handle_code) {
                         tags[j].value[0] == '}'))
         ++j;
       if (j == n)
-        throw DxfError(t.line, "the application group \"" + std::string(t.value) +
+        throw DxfError(t.line, "the application group \"" +
+                                   std::string(t.value) +
                                    "\" is not closed (expected 102 \"}\")");
       i = j + 1;
     } else if (t.code == 360 || t.code == 330) {
@@ -96,7 +97,8 @@ bool ReadObject(Tokenizer& tok, const Tag& first, Shape& shape, Tag& next) {
   return false;
 }
 
-std::vector<host::XRecord> ParseXData(const Shape& shape, const TextCodec& codec) {
+std::vector<host::XRecord> ParseXData(const Shape& shape,
+                                      const TextCodec& codec) {
   std::vector<host::XRecord> out;
   for (size_t i = shape.xdata_begin; i < shape.tags.size(); ++i) {
     const Tag& t = shape.tags[i];
@@ -107,9 +109,10 @@ std::vector<host::XRecord> ParseXData(const Shape& shape, const TextCodec& codec
       continue;
     }
     if (out.empty())
-      throw DxfError(t.line, "extended data must start with group code 1001 "
-                             "(the application name), found group code " +
-                                 std::to_string(t.code));
+      throw DxfError(t.line,
+                     "extended data must start with group code 1001 "
+                     "(the application name), found group code " +
+                         std::to_string(t.code));
     host::XItem item;
     item.code = static_cast<int16_t>(t.code);
     if (t.code >= 1000 && t.code <= 1009) {
@@ -119,9 +122,10 @@ std::vector<host::XRecord> ParseXData(const Shape& shape, const TextCodec& codec
     } else if (t.code >= 1060 && t.code <= 1070) {
       int64_t v = IntValue(t);
       if (v < -32768 || v > 65535)
-        throw DxfError(t.line + 1, "group code " + std::to_string(t.code) +
-                                       " expects a 16-bit whole number, found " +
-                                       std::to_string(v));
+        throw DxfError(t.line + 1,
+                       "group code " + std::to_string(t.code) +
+                           " expects a 16-bit whole number, found " +
+                           std::to_string(v));
       item.value = static_cast<int16_t>(v);
     } else if (t.code == 1071) {
       item.value = static_cast<double>(IntValue(t));
@@ -189,9 +193,12 @@ void Hasher::Add(const std::vector<host::XRecord>& xdata) {
     Add(static_cast<int64_t>(record.size()));
     for (const auto& item : record) {
       Add(static_cast<int64_t>(item.code));
-      if (item.value.IsText()) Add(std::string_view(item.value.Text()));
-      else if (item.value.IsReal()) Add(item.value.Real());
-      else Add(static_cast<int64_t>(item.value.Int()) + 0x10000);
+      if (item.value.IsText())
+        Add(std::string_view(item.value.Text()));
+      else if (item.value.IsReal())
+        Add(item.value.Real());
+      else
+        Add(static_cast<int64_t>(item.value.Int()) + 0x10000);
     }
   }
 }
@@ -218,8 +225,12 @@ Field& FieldGroup::Add(int code, ValueType type) {
 void FieldGroup::Text(int code, std::string_view v) {
   Add(code, ValueType::kText).text = v;
 }
-void FieldGroup::Real(int code, double v) { Add(code, ValueType::kReal).real = v; }
-void FieldGroup::Int(int code, int64_t v) { Add(code, ValueType::kInt).integer = v; }
+void FieldGroup::Real(int code, double v) {
+  Add(code, ValueType::kReal).real = v;
+}
+void FieldGroup::Int(int code, int64_t v) {
+  Add(code, ValueType::kInt).integer = v;
+}
 void FieldGroup::Handle(int code, uint64_t v) {
   Add(code, ValueType::kHandle).integer = static_cast<int64_t>(v);
 }
@@ -233,7 +244,8 @@ void FieldGroup::PointOr(int code, const host::Point3& p, bool optional) {
   for (size_t k = fields_.size() - 3; k < fields_.size(); ++k)
     fields_[k].optional = optional;
 }
-void FieldGroup::TextOr(int code, std::string_view v, std::string_view fallback) {
+void FieldGroup::TextOr(int code, std::string_view v,
+                        std::string_view fallback) {
   Field& f = Add(code, ValueType::kText);
   f.text = v;
   f.optional = v == fallback;
@@ -305,7 +317,8 @@ bool Same(const Field& f, const Tag& t, const TextCodec& codec) {
       double v;
       if (!ParseReal(t.value, v)) return false;
       if (v == f.real) return true;
-      return f.approx && std::fabs(v - f.real) <= 1e-12 * std::max(1.0, std::fabs(v));
+      return f.approx &&
+             std::fabs(v - f.real) <= 1e-12 * std::max(1.0, std::fabs(v));
     }
     case ValueType::kInt: {
       int64_t v;
@@ -341,7 +354,8 @@ void MergeGroup(const Shape& o, size_t begin, size_t end,
            owned_codes.end();
   };
   std::unordered_map<int, std::vector<size_t>> positions;
-  for (size_t k = 0; k < fields.size(); ++k) positions[fields[k]->code].push_back(k);
+  for (size_t k = 0; k < fields.size(); ++k)
+    positions[fields[k]->code].push_back(k);
   std::unordered_map<int, size_t> cursor;
   size_t j = 0;
   for (size_t i = begin; i < end; ++i) {
@@ -358,8 +372,10 @@ void MergeGroup(const Shape& o, size_t begin, size_t end,
     size_t k = it->second[cur++];
     for (size_t m = j; m < k; ++m)
       if (!fields[m]->optional) Emit(*fields[m], w, codec);
-    if (Same(*fields[k], t, codec)) w.Raw(o.TagBytes(i));
-    else Emit(*fields[k], w, codec);
+    if (Same(*fields[k], t, codec))
+      w.Raw(o.TagBytes(i));
+    else
+      Emit(*fields[k], w, codec);
     j = k + 1;
   }
   for (size_t m = j; m < fields.size(); ++m)
@@ -391,8 +407,10 @@ void WriteXData(const std::vector<host::XRecord>& xdata, TagWriter& w,
       if (item.value.IsText()) {
         w.Text(item.code, codec.Encode(item.value.Text()));
       } else if (item.value.IsReal()) {
-        if (item.code == 1071) w.Int(item.code, std::llround(item.value.Real()));
-        else w.Real(item.code, item.value.Real());
+        if (item.code == 1071)
+          w.Int(item.code, std::llround(item.value.Real()));
+        else
+          w.Real(item.code, item.value.Real());
       } else {
         w.Int(item.code, item.value.Int());
       }
@@ -455,7 +473,8 @@ void WriteObject(const WriteSpec& spec, TagWriter& w, const TextCodec& codec) {
             WriteNewGroup(spec, spec.groups[p], w, codec);
             done[p] = true;
           }
-      if (og.begin > o.head_end && (o.tags[og.begin - 1].code == 100 || o.tags[og.begin - 1].code == 101))
+      if (og.begin > o.head_end && (o.tags[og.begin - 1].code == 100 ||
+                                    o.tags[og.begin - 1].code == 101))
         w.Raw(o.TagBytes(og.begin - 1));
       if (fi < 0) {
         for (size_t i = og.begin; i < og.end; ++i) w.Raw(o.TagBytes(i));
@@ -474,8 +493,9 @@ void WriteObject(const WriteSpec& spec, TagWriter& w, const TextCodec& codec) {
   }
 
   // Extended data: as read while the state still says the same.
-  if (spec.xdata == nullptr || (o.xdata_begin < o.tags.size() &&
-                                SameXData(ParseXData(o, codec), *spec.xdata)) ||
+  if (spec.xdata == nullptr ||
+      (o.xdata_begin < o.tags.size() &&
+       SameXData(ParseXData(o, codec), *spec.xdata)) ||
       (o.xdata_begin == o.tags.size() && spec.xdata->empty())) {
     for (size_t i = o.xdata_begin; i < o.tags.size(); ++i) w.Raw(o.TagBytes(i));
   } else {

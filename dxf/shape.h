@@ -54,7 +54,8 @@ struct Shape {
 bool ReadObject(Tokenizer& tok, const Tag& first, Shape& shape, Tag& next);
 
 // Extended data of a shape, by application in order.
-std::vector<host::XRecord> ParseXData(const Shape& shape, const TextCodec& codec);
+std::vector<host::XRecord> ParseXData(const Shape& shape,
+                                      const TextCodec& codec);
 
 // A 64-bit fingerprint of the values of an object's state.
 class Hasher {
@@ -121,7 +122,7 @@ class FieldGroup {
 
 // Everything needed to write one object.
 struct WriteSpec {
-  std::string_view type;            // "LINE"
+  std::string_view type;  // "LINE"
   uint64_t handle = 0;
   int handle_code = 5;
   uint64_t owner = 0;               // 330 of a new object (0: none)

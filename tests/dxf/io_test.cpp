@@ -1,4 +1,6 @@
 // Opening and saving files, and the commands built on them.
+#include "dxf/io.h"
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,7 +11,6 @@
 
 #include "cli/command.h"
 #include "cli/info.h"
-#include "dxf/io.h"
 #include "dxf/tags.h"
 #include "dxf_test_util.h"
 
@@ -29,7 +30,9 @@ class Files : public ::testing::Test {
   }
   void TearDown() override { fs::remove_all(dir_); }
 
-  std::string Path(const std::string& name) const { return (dir_ / name).string(); }
+  std::string Path(const std::string& name) const {
+    return (dir_ / name).string();
+  }
   static std::string Slurp(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     std::stringstream ss;
@@ -42,12 +45,14 @@ class Files : public ::testing::Test {
   // A drawing with a project record, a pipe and a node.
   std::string Sample() {
     memhost::MemDocument doc;
-    doc.ModelSpace().SetXData({{1001, "Kestrana"}, {1000, "2.00"}, {1070, int16_t{1}}});
+    doc.ModelSpace().SetXData(
+        {{1001, "Kestrana"}, {1000, "2.00"}, {1070, int16_t{1}}});
     auto& layer = doc.GetLayers().Add("Sewer - Network");
     doc.SetActiveLayer(layer);
     doc.ModelSpace()
         .AddLightWeightPolyline({0, 0, 10, 0})
-        .SetXData({{1001, "Kestrana"}, {1000, "Pipe;Sewer;P-1"}, {1040, 200.0}});
+        .SetXData(
+            {{1001, "Kestrana"}, {1000, "Pipe;Sewer;P-1"}, {1040, 200.0}});
     doc.ModelSpace().AddLine({0, 0, 0}, {1, 1, 0});
     doc.ModelSpace().AddLine({0, 0, 0}, {2, 1, 0});
     layer.SetLock(true);
@@ -74,8 +79,8 @@ TEST_F(Files, LoadingNamesTheFileAndWhatIsWrong) {
     LoadDrawing(Path("missing.dxf"));
     FAIL();
   } catch (const FileError& e) {
-    EXPECT_EQ(std::string(e.what()),
-              "cannot open '" + Path("missing.dxf") + "': No such file or directory");
+    EXPECT_EQ(std::string(e.what()), "cannot open '" + Path("missing.dxf") +
+                                         "': No such file or directory");
   }
   EXPECT_THROW(LoadDrawing(dir_.string()), FileError);
   Put(Path("bad.dxf"), testing::MinimalDxf("0\nLINE\n5\n2A\n10\nx\n"));
@@ -84,7 +89,8 @@ TEST_F(Files, LoadingNamesTheFileAndWhatIsWrong) {
     FAIL();
   } catch (const DxfError& e) {
     EXPECT_EQ(std::string(e.what()),
-              Path("bad.dxf") + ": line 32: group code 10 expects a real number, found 'x'");
+              Path("bad.dxf") +
+                  ": line 32: group code 10 expects a real number, found 'x'");
     EXPECT_EQ(e.line(), 32u);
   }
 }
@@ -122,8 +128,9 @@ TEST_F(Files, AFailedEditLeavesTheInputAsItWas) {
                            }),
                host::HostError);
   EXPECT_FALSE(fs::exists(Path("out.dxf")));
-  EditDrawing(path, Path("out.dxf"),
-              [](memhost::MemDocument& doc) { doc.ModelSpace().AddPoint({5, 5, 0}); });
+  EditDrawing(path, Path("out.dxf"), [](memhost::MemDocument& doc) {
+    doc.ModelSpace().AddPoint({5, 5, 0});
+  });
   EXPECT_EQ(Slurp(path), before);
   EXPECT_NE(Slurp(Path("out.dxf")).find("POINT"), std::string::npos);
 }
@@ -134,7 +141,8 @@ TEST_F(Files, InfoReportsVersionEntitiesLayersAndTheProject) {
   std::string text = out_.str();
   EXPECT_NE(text.find("version: AC1024\n"), std::string::npos) << text;
   EXPECT_NE(text.find("project: yes\n"), std::string::npos);
-  EXPECT_NE(text.find("model space: 3 entities\n  LINE            2\n  LWPOLYLINE      1\n"),
+  EXPECT_NE(text.find("model space: 3 entities\n  LINE            2\n  "
+                      "LWPOLYLINE      1\n"),
             std::string::npos)
       << text;
   EXPECT_NE(text.find("Sewer - Network"), std::string::npos);
@@ -143,11 +151,13 @@ TEST_F(Files, InfoReportsVersionEntitiesLayersAndTheProject) {
   ASSERT_EQ(Run({"info", path, "--json"}), 0);
   std::string json = out_.str();
   EXPECT_NE(json.find("\"project\": true"), std::string::npos);
-  EXPECT_NE(json.find("\"by_type\": {\"LINE\": 2, \"LWPOLYLINE\": 1}"), std::string::npos)
-      << json;
-  EXPECT_NE(json.find("{\"name\": \"Sewer - Network\", \"color\": 7, \"on\": true, "
-                      "\"frozen\": false, \"locked\": true, \"entities\": 3}"),
+  EXPECT_NE(json.find("\"by_type\": {\"LINE\": 2, \"LWPOLYLINE\": 1}"),
             std::string::npos)
+      << json;
+  EXPECT_NE(
+      json.find("{\"name\": \"Sewer - Network\", \"color\": 7, \"on\": true, "
+                "\"frozen\": false, \"locked\": true, \"entities\": 3}"),
+      std::string::npos)
       << json;
 
   // A drawing without a project says so.
@@ -157,11 +167,12 @@ TEST_F(Files, InfoReportsVersionEntitiesLayersAndTheProject) {
   EXPECT_NE(out_.str().find("project: no\n"), std::string::npos);
 }
 
-static cli::InfoSectionRegistrar test_section([](memhost::MemDocument& doc)
-                                                  -> std::optional<cli::InfoSection> {
-  if (!doc.ModelSpace().GetXData("Kestrana")) return std::nullopt;
-  return cli::InfoSection{"extension", {{"lines", "2", true}, {"note", "from a test"}}};
-});
+static cli::InfoSectionRegistrar test_section(
+    [](memhost::MemDocument& doc) -> std::optional<cli::InfoSection> {
+      if (!doc.ModelSpace().GetXData("Kestrana")) return std::nullopt;
+      return cli::InfoSection{"extension",
+                              {{"lines", "2", true}, {"note", "from a test"}}};
+    });
 
 TEST_F(Files, InfoTakesSectionsFromOtherParts) {
   std::string path = Sample();
@@ -169,7 +180,8 @@ TEST_F(Files, InfoTakesSectionsFromOtherParts) {
   EXPECT_NE(out_.str().find("extension:\n  lines: 2\n  note: from a test\n"),
             std::string::npos);
   ASSERT_EQ(Run({"info", "--json", path}), 0);
-  EXPECT_NE(out_.str().find("\"extension\": {\"lines\": 2, \"note\": \"from a test\"}"),
+  EXPECT_NE(out_.str().find(
+                "\"extension\": {\"lines\": 2, \"note\": \"from a test\"}"),
             std::string::npos);
 }
 
@@ -179,19 +191,25 @@ TEST_F(Files, DumpListsEveryKestranaRecord) {
   ASSERT_EQ(Run({"dump", path}), 0);
   std::string text = out_.str();
   std::string ms = doc->ModelSpace().Handle();
-  EXPECT_EQ(text.find("BLOCK_RECORD " + ms + " (ID " +
-                      std::to_string(doc->ModelSpace().ObjectID()) +
-                      ") in \"*Model_Space\"\n  1001 Kestrana\n  1000 2.00\n  1070 1\n"),
-            0u)
+  EXPECT_EQ(
+      text.find(
+          "BLOCK_RECORD " + ms + " (ID " +
+          std::to_string(doc->ModelSpace().ObjectID()) +
+          ") in \"*Model_Space\"\n  1001 Kestrana\n  1000 2.00\n  1070 1\n"),
+      0u)
       << text;
-  EXPECT_NE(text.find("on layer \"Sewer - Network\" in \"*Model_Space\"\n  1001 Kestrana\n"
-                      "  1000 Pipe;Sewer;P-1\n  1040 200.0\n"),
-            std::string::npos)
+  EXPECT_NE(
+      text.find(
+          "on layer \"Sewer - Network\" in \"*Model_Space\"\n  1001 Kestrana\n"
+          "  1000 Pipe;Sewer;P-1\n  1040 200.0\n"),
+      std::string::npos)
       << text;
   ASSERT_EQ(Run({"dump", path, "--json"}), 0);
-  EXPECT_NE(out_.str().find("\"record\": [[1001, \"Kestrana\"], [1000, \"Pipe;Sewer;P-1\"], "
-                            "[1040, 200.0]]"),
-            std::string::npos)
+  EXPECT_NE(
+      out_.str().find(
+          "\"record\": [[1001, \"Kestrana\"], [1000, \"Pipe;Sewer;P-1\"], "
+          "[1040, 200.0]]"),
+      std::string::npos)
       << out_.str();
 }
 
@@ -217,7 +235,8 @@ TEST_F(Files, SaveWritesTheSameBytesAndFailsCleanly) {
   EXPECT_EQ(Run({"info", Path("none.dxf")}), 1);
   EXPECT_NE(err_.str().find("cannot open"), std::string::npos);
   EXPECT_EQ(Run({"save", "--help"}), 0);
-  EXPECT_NE(out_.str().find("Usage: kestrana save DRAWING [-o OUT]"), std::string::npos);
+  EXPECT_NE(out_.str().find("Usage: kestrana save DRAWING [-o OUT]"),
+            std::string::npos);
 }
 
 }  // namespace
