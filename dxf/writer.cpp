@@ -54,7 +54,7 @@ class Writer {
   // Returns true when the object went out as read.
   template <class Fill>
   bool WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
-                     uint64_t owner, Fill fill);
+                     uint64_t owner, Fill fill, bool moved = false);
   bool LoadOriginal(const Span& span, Shape& shape, int handle_code = 5) const;
   void Raw(const Span& s) { w_.Raw(img_.Bytes(s)); }
 
@@ -256,12 +256,12 @@ void Writer::Header(const SectionImage& s) {
 
 template <class Fill>
 bool Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
-                           uint64_t owner, Fill fill) {
+                           uint64_t owner, Fill fill, bool moved) {
   ObjectRecord* r = RecordOf(obj);
-  // A copy, an object the file gave no handle, or one that now lives under
-  // another owner gets a head of its own.
-  bool fresh = r != nullptr && (r->copied || r->handle != obj.HandleValue() ||
-                                (r->owner != 0 && r->owner != owner));
+  // A copy, an object the file gave no handle, or an entity that now lives
+  // in another block than its file said gets a head of its own.
+  bool fresh =
+      r != nullptr && (r->copied || r->handle != obj.HandleValue() || moved);
   if (r != nullptr && r->read && !fresh && r->hash == hash) {
     Raw(r->span);
     return true;
@@ -460,12 +460,17 @@ void Writer::Entities() {
 void Writer::WriteEntity(MemEntity& e, uint64_t owner, bool paper) {
   ObjectRecord* r = RecordOf(e);
   host::Entity& he = e.AsHostEntity();
-  bool as_read =
-      WriteRecorded(e, EntityHash(e), he.EntityName(), owner,
-                    [&](WriteSpec& spec, const Shape* original) {
-                      WriteContext ctx{doc_, img_.codec, original, paper};
-                      EntitySpec(e, ctx, spec);
-                    });
+  bool moved = false;
+  if (r != nullptr && r->owner != 0)
+    if (auto* b = dynamic_cast<MemBlock*>(doc_.FindByHandle(r->owner)))
+      moved = b != &e.Owner();
+  bool as_read = WriteRecorded(
+      e, EntityHash(e), he.EntityName(), owner,
+      [&](WriteSpec& spec, const Shape* original) {
+        WriteContext ctx{doc_, img_.codec, original, paper};
+        EntitySpec(e, ctx, spec);
+      },
+      moved);
   auto* ref = dynamic_cast<memhost::MemBlockReference*>(&e);
   if (ref == nullptr) {
     if (r != nullptr && !r->end_span.Empty()) Raw(r->end_span);  // vertices
