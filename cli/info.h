@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "dxf/inspect.h"
+#include "dxf/summary.h"
 #include "memhost/document.h"
 
 namespace kestrana::cli {

@@ -68,9 +68,9 @@ std::unique_ptr<MemEntity> ReadLine(const Shape& s, ReadContext&) {
   });
   return e;
 }
-void LineFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void LineFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemLine&>(me);
-  FieldGroup& g = spec.groups.emplace_back("AcDbLine");
+  FieldGroup& g = plan.groups.emplace_back("AcDbLine");
   g.Point(10, e.start_);
   g.Point(11, e.end_);
 }
@@ -89,9 +89,9 @@ std::unique_ptr<MemEntity> ReadPoint(const Shape& s, ReadContext&) {
   });
   return e;
 }
-void PointFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void PointFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemPoint&>(me);
-  spec.groups.emplace_back("AcDbPoint").Point(10, e.position_);
+  plan.groups.emplace_back("AcDbPoint").Point(10, e.position_);
 }
 void PointHash(const MemEntity& me, Hasher& h) {
   h.Add(static_cast<const memhost::MemPoint&>(me).position_);
@@ -109,9 +109,9 @@ std::unique_ptr<MemEntity> ReadCircle(const Shape& s, ReadContext&) {
   });
   return e;
 }
-void CircleFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void CircleFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemCircle&>(me);
-  FieldGroup& g = spec.groups.emplace_back("AcDbCircle");
+  FieldGroup& g = plan.groups.emplace_back("AcDbCircle");
   g.Point(10, e.center_);
   g.Real(40, e.radius_);
 }
@@ -139,9 +139,9 @@ std::unique_ptr<MemEntity> ReadEllipse(const Shape& s, ReadContext&) {
   });
   return e;
 }
-void EllipseFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void EllipseFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemEllipse&>(me);
-  FieldGroup& g = spec.groups.emplace_back("AcDbEllipse");
+  FieldGroup& g = plan.groups.emplace_back("AcDbEllipse");
   g.Point(10, e.center_);
   g.Point(11, e.major_axis_);
   g.Real(40, e.ratio_);
@@ -214,9 +214,9 @@ std::unique_ptr<MemEntity> ReadLwPolyline(const Shape& s, ReadContext&) {
   }
   return e;
 }
-void LwPolylineFields(MemEntity& me, const WriteContext& ctx, WriteSpec& spec) {
+void LwPolylineFields(MemEntity& me, const WriteContext& ctx, WritePlan& plan) {
   auto& e = static_cast<memhost::MemLwPolyline&>(me);
-  FieldGroup& g = spec.groups.emplace_back("AcDbPolyline");
+  FieldGroup& g = plan.groups.emplace_back("AcDbPolyline");
   size_t n = e.xy_.size() / 2;
   g.Int(90, static_cast<int64_t>(n));
   int64_t flags = OriginalInt(ctx.original, "AcDbPolyline", 70, 0);
@@ -333,10 +333,10 @@ std::unique_ptr<MemEntity> ReadText(const Shape& s, ReadContext& ctx) {
   ReadTextPart(s, ctx, *e, 73);
   return e;
 }
-void TextFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void TextFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemText&>(me);
-  TextPartFields(e, spec.groups.emplace_back("AcDbText"));
-  spec.groups.emplace_back("AcDbText").IntOr(73, VerticalCode(e.alignment_), 0);
+  TextPartFields(e, plan.groups.emplace_back("AcDbText"));
+  plan.groups.emplace_back("AcDbText").IntOr(73, VerticalCode(e.alignment_), 0);
 }
 void TextHash(const MemEntity& me, Hasher& h) {
   TextPartHash(static_cast<const memhost::MemText&>(me), h);
@@ -354,10 +354,10 @@ std::unique_ptr<MemEntity> ReadAttrib(const Shape& s, ReadContext& ctx) {
   });
   return e;
 }
-void AttribFields(MemEntity& me, const WriteContext& ctx, WriteSpec& spec) {
+void AttribFields(MemEntity& me, const WriteContext& ctx, WritePlan& plan) {
   auto& e = static_cast<memhost::MemAttributeReference&>(me);
-  TextPartFields(e, spec.groups.emplace_back("AcDbText"));
-  FieldGroup& g = spec.groups.emplace_back("AcDbAttribute");
+  TextPartFields(e, plan.groups.emplace_back("AcDbText"));
+  FieldGroup& g = plan.groups.emplace_back("AcDbAttribute");
   g.Text(2, e.tag_);
   int64_t flags = OriginalInt(ctx.original, "AcDbAttribute", 70, 0);
   g.Int(70, (flags & ~int64_t{1}) | (e.invisible_ ? 1 : 0));
@@ -384,10 +384,10 @@ std::unique_ptr<MemEntity> ReadAttdef(const Shape& s, ReadContext& ctx) {
   });
   return e;
 }
-void AttdefFields(MemEntity& me, const WriteContext& ctx, WriteSpec& spec) {
+void AttdefFields(MemEntity& me, const WriteContext& ctx, WritePlan& plan) {
   auto& e = static_cast<memhost::MemAttributeDefinition&>(me);
-  TextPartFields(e, spec.groups.emplace_back("AcDbText"));
-  FieldGroup& g = spec.groups.emplace_back("AcDbAttributeDefinition");
+  TextPartFields(e, plan.groups.emplace_back("AcDbText"));
+  FieldGroup& g = plan.groups.emplace_back("AcDbAttributeDefinition");
   g.Text(3, e.prompt_);
   g.Text(2, e.tag_);
   int64_t flags = OriginalInt(ctx.original, "AcDbAttributeDefinition", 70, 0);
@@ -424,9 +424,9 @@ std::unique_ptr<MemEntity> ReadInsert(const Shape& s, ReadContext& ctx) {
     throw DxfError(s.Line(), "the INSERT has no block name (group code 2)");
   return e;
 }
-void InsertFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void InsertFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemBlockReference&>(me);
-  FieldGroup& g = spec.groups.emplace_back("AcDbBlockReference");
+  FieldGroup& g = plan.groups.emplace_back("AcDbBlockReference");
   bool attributes = false;
   for (auto* a : e.Attributes()) attributes = attributes || !a->IsErased();
   g.IntOr(66, attributes ? 1 : 0, 0);
@@ -844,12 +844,12 @@ void WriteHatchGroup(memhost::MemHatch& e, const WriteContext& ctx,
   if (d.loops_begin == d.loops_end) WriteLoops(e, ctx.doc, w);
 }
 
-void HatchFields(MemEntity& me, const WriteContext& ctx, WriteSpec& spec) {
+void HatchFields(MemEntity& me, const WriteContext& ctx, WritePlan& plan) {
   auto& e = static_cast<memhost::MemHatch&>(me);
-  spec.groups.emplace_back("AcDbHatch");
-  spec.custom_marker = "AcDbHatch";
+  plan.groups.emplace_back("AcDbHatch");
+  plan.custom_marker = "AcDbHatch";
   WriteContext copy = ctx;
-  spec.custom = [&e, copy](const Shape::Group* og, TagWriter& w) {
+  plan.custom = [&e, copy](const Shape::Group* og, TagWriter& w) {
     WriteHatchGroup(e, copy, og, w);
   };
 }
@@ -1005,8 +1005,8 @@ uint64_t EntityHash(const MemEntity& e) {
   return h.Value();
 }
 
-void EntitySpec(MemEntity& e, const WriteContext& ctx, WriteSpec& spec) {
-  FieldGroup& common = spec.groups.emplace_back("AcDbEntity");
+void EntityPlan(MemEntity& e, const WriteContext& ctx, WritePlan& plan) {
+  FieldGroup& common = plan.groups.emplace_back("AcDbEntity");
   common.IntOr(67, ctx.paper_space ? 1 : 0, 0);
   common.Text(8, e.LayerName());
   common.IntOr(62, e.color_, host::color::kByLayer);
@@ -1014,8 +1014,8 @@ void EntitySpec(MemEntity& e, const WriteContext& ctx, WriteSpec& spec) {
   host::Entity& he = e.AsHostEntity();
   if (he.Kind() != host::EntityKind::kOther)
     if (const EntityCodec* codec = FindEntityCodec(he.EntityName()))
-      codec->fields(e, ctx, spec);
-  spec.xdata = &e.XData();
+      codec->fields(e, ctx, plan);
+  plan.xdata = &e.XData();
 }
 
 }  // namespace kestrana::dxf

@@ -39,7 +39,7 @@ struct EntityCodec {
                                               ReadContext& ctx);
   // Adds the kind's groups (after the common AcDbEntity group).
   void (*fields)(memhost::MemEntity& e, const WriteContext& ctx,
-                 WriteSpec& spec);
+                 WritePlan& plan);
   void (*hash)(const memhost::MemEntity& e, Hasher& h);
 };
 
@@ -62,8 +62,8 @@ void ApplyXData(const Shape& shape, memhost::MemObject& obj,
 uint64_t EntityHash(const memhost::MemEntity& e);
 
 // Everything an entity writes, for WriteObject.
-void EntitySpec(memhost::MemEntity& e, const WriteContext& ctx,
-                WriteSpec& spec);
+void EntityPlan(memhost::MemEntity& e, const WriteContext& ctx,
+                WritePlan& plan);
 
 // Text alignment codes of the file (72 and 73/74) and of the host.
 host::TextAlignment AlignmentFromCodes(int horizontal, int vertical);

@@ -382,11 +382,11 @@ void MergeGroup(const Shape& o, size_t begin, size_t end,
     if (!fields[m]->optional) Emit(*fields[m], w, codec);
 }
 
-void WriteNewGroup(const WriteSpec& spec, const FieldGroup& g, TagWriter& w,
+void WriteNewGroup(const WritePlan& plan, const FieldGroup& g, TagWriter& w,
                    const TextCodec& codec) {
   if (!g.Marker().empty()) w.Text(100, g.Marker());
-  if (spec.custom && g.Marker() == spec.custom_marker) {
-    spec.custom(nullptr, w);
+  if (plan.custom && g.Marker() == plan.custom_marker) {
+    plan.custom(nullptr, w);
     return;
   }
   for (const Field& f : g.Fields())
@@ -418,20 +418,20 @@ void WriteXData(const std::vector<host::XRecord>& xdata, TagWriter& w,
   }
 }
 
-void WriteObject(const WriteSpec& spec, TagWriter& w, const TextCodec& codec) {
-  if (spec.original == nullptr) {
-    w.Text(0, spec.type);
-    w.Handle(spec.handle_code, spec.handle);
-    if (spec.owner != 0) w.Handle(330, spec.owner);
-    for (const FieldGroup& g : spec.groups) WriteNewGroup(spec, g, w, codec);
-    if (spec.xdata) WriteXData(*spec.xdata, w, codec);
+void WriteObject(const WritePlan& plan, TagWriter& w, const TextCodec& codec) {
+  if (plan.original == nullptr) {
+    w.Text(0, plan.type);
+    w.Handle(plan.handle_code, plan.handle);
+    if (plan.owner != 0) w.Handle(330, plan.owner);
+    for (const FieldGroup& g : plan.groups) WriteNewGroup(plan, g, w, codec);
+    if (plan.xdata) WriteXData(*plan.xdata, w, codec);
     return;
   }
-  const Shape& o = *spec.original;
-  if (spec.fresh_head) {
-    w.Text(0, spec.type);
-    w.Handle(spec.handle_code, spec.handle);
-    if (spec.owner != 0) w.Handle(330, spec.owner);
+  const Shape& o = *plan.original;
+  if (plan.fresh_head) {
+    w.Text(0, plan.type);
+    w.Handle(plan.handle_code, plan.handle);
+    if (plan.owner != 0) w.Handle(330, plan.owner);
   } else {
     size_t head_end_offset =
         o.head_end < o.tags.size() ? o.tags[o.head_end].offset : o.end_offset;
@@ -442,7 +442,7 @@ void WriteObject(const WriteSpec& spec, TagWriter& w, const TextCodec& codec) {
     // A file without subclass markers: one body holds every group's fields.
     std::vector<const Field*> fields;
     std::vector<int> codes;
-    for (const FieldGroup& g : spec.groups) {
+    for (const FieldGroup& g : plan.groups) {
       for (const Field* f : MergeFields(g)) fields.push_back(f);
       for (int c : g.Owned()) codes.push_back(c);
     }
@@ -451,26 +451,26 @@ void WriteObject(const WriteSpec& spec, TagWriter& w, const TextCodec& codec) {
   } else {
     // Match the state's groups to the original's by marker and occurrence.
     std::vector<int> match(o.groups.size(), -1);
-    for (size_t fi = 0; fi < spec.groups.size(); ++fi) {
+    for (size_t fi = 0; fi < plan.groups.size(); ++fi) {
       int occurrence = 0;
       for (size_t p = 0; p < fi; ++p)
-        occurrence += spec.groups[p].Marker() == spec.groups[fi].Marker();
+        occurrence += plan.groups[p].Marker() == plan.groups[fi].Marker();
       int seen = 0;
       for (size_t gi = 0; gi < o.groups.size(); ++gi)
-        if (o.groups[gi].marker == spec.groups[fi].Marker() &&
+        if (o.groups[gi].marker == plan.groups[fi].Marker() &&
             seen++ == occurrence) {
           match[gi] = static_cast<int>(fi);
           break;
         }
     }
-    std::vector<bool> done(spec.groups.size(), false);
+    std::vector<bool> done(plan.groups.size(), false);
     for (size_t gi = 0; gi < o.groups.size(); ++gi) {
       const Shape::Group& og = o.groups[gi];
       int fi = match[gi];
       if (fi >= 0)
         for (int p = 0; p < fi; ++p)
           if (!done[p]) {
-            WriteNewGroup(spec, spec.groups[p], w, codec);
+            WriteNewGroup(plan, plan.groups[p], w, codec);
             done[p] = true;
           }
       if (og.begin > o.head_end && (o.tags[og.begin - 1].code == 100 ||
@@ -481,25 +481,25 @@ void WriteObject(const WriteSpec& spec, TagWriter& w, const TextCodec& codec) {
         continue;
       }
       done[fi] = true;
-      const FieldGroup& g = spec.groups[fi];
-      if (spec.custom && g.Marker() == spec.custom_marker) {
-        spec.custom(&og, w);
+      const FieldGroup& g = plan.groups[fi];
+      if (plan.custom && g.Marker() == plan.custom_marker) {
+        plan.custom(&og, w);
         continue;
       }
       MergeGroup(o, og.begin, og.end, MergeFields(g), g.Owned(), w, codec);
     }
-    for (size_t p = 0; p < spec.groups.size(); ++p)
-      if (!done[p]) WriteNewGroup(spec, spec.groups[p], w, codec);
+    for (size_t p = 0; p < plan.groups.size(); ++p)
+      if (!done[p]) WriteNewGroup(plan, plan.groups[p], w, codec);
   }
 
   // Extended data: as read while the state still says the same.
-  if (spec.xdata == nullptr ||
+  if (plan.xdata == nullptr ||
       (o.xdata_begin < o.tags.size() &&
-       SameXData(ParseXData(o, codec), *spec.xdata)) ||
-      (o.xdata_begin == o.tags.size() && spec.xdata->empty())) {
+       SameXData(ParseXData(o, codec), *plan.xdata)) ||
+      (o.xdata_begin == o.tags.size() && plan.xdata->empty())) {
     for (size_t i = o.xdata_begin; i < o.tags.size(); ++i) w.Raw(o.TagBytes(i));
   } else {
-    WriteXData(*spec.xdata, w, codec);
+    WriteXData(*plan.xdata, w, codec);
   }
 }
 

@@ -121,7 +121,7 @@ class FieldGroup {
 };
 
 // Everything needed to write one object.
-struct WriteSpec {
+struct WritePlan {
   std::string_view type;  // "LINE"
   uint64_t handle = 0;
   int handle_code = 5;
@@ -140,7 +140,7 @@ struct WriteSpec {
 
 // Writes the object: the original's tags with the fields merged in, or,
 // for a new object, the fields alone.
-void WriteObject(const WriteSpec& spec, TagWriter& w, const TextCodec& codec);
+void WriteObject(const WritePlan& plan, TagWriter& w, const TextCodec& codec);
 
 // Writes extended data from state.
 void WriteXData(const std::vector<host::XRecord>& xdata, TagWriter& w,

@@ -268,14 +268,14 @@ bool Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
   }
   Shape original;
   bool has = r != nullptr && r->read && LoadOriginal(r->span, original);
-  WriteSpec spec;
-  spec.type = type;
-  spec.handle = obj.HandleValue();
-  spec.owner = owner;
-  spec.original = has ? &original : nullptr;
-  spec.fresh_head = has && fresh;
-  fill(spec, spec.original);
-  WriteObject(spec, w_, img_.codec);
+  WritePlan plan;
+  plan.type = type;
+  plan.handle = obj.HandleValue();
+  plan.owner = owner;
+  plan.original = has ? &original : nullptr;
+  plan.fresh_head = has && fresh;
+  fill(plan, plan.original);
+  WriteObject(plan, w_, img_.codec);
   return false;
 }
 
@@ -304,15 +304,15 @@ void Writer::Table(const TableImage& t) {
     }
     listed.insert(item.handle);
     if (t.name == "APPID") {
-      WriteSpec spec;
-      spec.type = "APPID";
-      spec.handle = item.handle;
-      spec.owner = t.handle;
-      spec.groups.emplace_back("AcDbSymbolTableRecord");
-      FieldGroup& g = spec.groups.emplace_back("AcDbRegAppTableRecord");
+      WritePlan plan;
+      plan.type = "APPID";
+      plan.handle = item.handle;
+      plan.owner = t.handle;
+      plan.groups.emplace_back("AcDbSymbolTableRecord");
+      FieldGroup& g = plan.groups.emplace_back("AcDbRegAppTableRecord");
       g.Text(2, item.name);
       g.Int(70, 0);
-      WriteObject(spec, w_, img_.codec);
+      WriteObject(plan, w_, img_.codec);
       ++count;
       continue;
     }
@@ -321,15 +321,15 @@ void Writer::Table(const TableImage& t) {
     if (auto* l = dynamic_cast<memhost::MemLayer*>(obj)) {
       WriteRecorded(
           *l, LayerHash(*l), "LAYER", t.handle,
-          [&](WriteSpec& spec, const Shape* o) { LayerSpec(*l, o, spec); });
+          [&](WritePlan& plan, const Shape* o) { LayerPlan(*l, o, plan); });
     } else if (auto* st = dynamic_cast<memhost::MemTextStyle*>(obj)) {
       WriteRecorded(
           *st, StyleHash(*st), "STYLE", t.handle,
-          [&](WriteSpec& spec, const Shape*) { StyleSpec(*st, spec); });
+          [&](WritePlan& plan, const Shape*) { StylePlan(*st, plan); });
     } else if (auto* b = dynamic_cast<MemBlock*>(obj)) {
       WriteRecorded(
           *b, BlockHash(*b), "BLOCK_RECORD", t.handle,
-          [&](WriteSpec& spec, const Shape*) { BlockRecordSpec(*b, spec); });
+          [&](WritePlan& plan, const Shape*) { BlockRecordPlan(*b, plan); });
     } else {
       continue;
     }
@@ -341,7 +341,7 @@ void Writer::Table(const TableImage& t) {
       if (!listed.count(l->HandleValue())) {
         WriteRecorded(
             *l, LayerHash(*l), "LAYER", t.handle,
-            [&](WriteSpec& spec, const Shape* o) { LayerSpec(*l, o, spec); });
+            [&](WritePlan& plan, const Shape* o) { LayerPlan(*l, o, plan); });
         ++count;
       }
   } else if (t.name == "STYLE") {
@@ -349,7 +349,7 @@ void Writer::Table(const TableImage& t) {
       if (!listed.count(st->HandleValue())) {
         WriteRecorded(
             *st, StyleHash(*st), "STYLE", t.handle,
-            [&](WriteSpec& spec, const Shape*) { StyleSpec(*st, spec); });
+            [&](WritePlan& plan, const Shape*) { StylePlan(*st, plan); });
         ++count;
       }
   } else if (t.name == "BLOCK_RECORD") {
@@ -357,7 +357,7 @@ void Writer::Table(const TableImage& t) {
       if (!listed.count(b->HandleValue())) {
         WriteRecorded(
             *b, BlockHash(*b), "BLOCK_RECORD", t.handle,
-            [&](WriteSpec& spec, const Shape*) { BlockRecordSpec(*b, spec); });
+            [&](WritePlan& plan, const Shape*) { BlockRecordPlan(*b, plan); });
         ++count;
       }
   }
@@ -416,12 +416,12 @@ void Writer::Blocks(const SectionImage& s) {
     } else {
       Shape original;
       bool has = LoadOriginal(r.begin_span, original);
-      WriteSpec spec;
-      spec.handle = r.begin_handle;
-      spec.owner = b->HandleValue();
-      spec.original = has ? &original : nullptr;
-      BlockBeginSpec(*b, paper, spec);
-      WriteObject(spec, w_, img_.codec);
+      WritePlan plan;
+      plan.handle = r.begin_handle;
+      plan.owner = b->HandleValue();
+      plan.original = has ? &original : nullptr;
+      BlockBeginPlan(*b, paper, plan);
+      WriteObject(plan, w_, img_.codec);
     }
     // Entities of model space and the active paper space live in ENTITIES.
     if (b != &doc_.ModelSpaceBlock() && b != &doc_.PaperSpaceBlock())
@@ -430,11 +430,11 @@ void Writer::Blocks(const SectionImage& s) {
     if (!r.end_span.Empty()) {
       Raw(r.end_span);
     } else {
-      WriteSpec spec;
-      spec.handle = r.end_handle;
-      spec.owner = b->HandleValue();
-      BlockEndSpec(paper, spec);
-      WriteObject(spec, w_, img_.codec);
+      WritePlan plan;
+      plan.handle = r.end_handle;
+      plan.owner = b->HandleValue();
+      BlockEndPlan(paper, plan);
+      WriteObject(plan, w_, img_.codec);
     }
   }
   Raw(s.tail);
@@ -466,9 +466,9 @@ void Writer::WriteEntity(MemEntity& e, uint64_t owner, bool paper) {
       moved = b != &e.Owner();
   bool as_read = WriteRecorded(
       e, EntityHash(e), he.EntityName(), owner,
-      [&](WriteSpec& spec, const Shape* original) {
+      [&](WritePlan& plan, const Shape* original) {
         WriteContext ctx{doc_, img_.codec, original, paper};
-        EntitySpec(e, ctx, spec);
+        EntityPlan(e, ctx, plan);
       },
       moved);
   auto* ref = dynamic_cast<memhost::MemBlockReference*>(&e);
@@ -488,14 +488,14 @@ void Writer::WriteEntity(MemEntity& e, uint64_t owner, bool paper) {
     Raw(r->end_span);
     return;
   }
-  WriteSpec spec;
-  spec.type = "SEQEND";
-  spec.handle = r ? r->end_handle : NewHandle();
-  spec.owner = e.HandleValue();
-  FieldGroup& g = spec.groups.emplace_back("AcDbEntity");
+  WritePlan plan;
+  plan.type = "SEQEND";
+  plan.handle = r ? r->end_handle : NewHandle();
+  plan.owner = e.HandleValue();
+  FieldGroup& g = plan.groups.emplace_back("AcDbEntity");
   if (paper) g.Int(67, 1);
   g.Text(8, e.LayerName());
-  WriteObject(spec, w_, img_.codec);
+  WriteObject(plan, w_, img_.codec);
 }
 
 }  // namespace

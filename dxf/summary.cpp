@@ -1,4 +1,4 @@
-#include "dxf/inspect.h"
+#include "dxf/summary.h"
 
 #include <map>
 
