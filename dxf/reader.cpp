@@ -325,9 +325,11 @@ void Reader::ReadHeader(SectionImage& section) {
 
 void Reader::ReadRawSection(SectionImage& section) {
   while (!(tag_.code == 0 && tag_.value == "ENDSEC")) {
-    if (tag_.code != 0)
-      Unexpected(
-          ("0 and an object type in the " + section.name + " section").c_str());
+    // Sections of plain tags (THUMBNAILIMAGE) hold no objects.
+    if (tag_.code != 0) {
+      Advance(("the " + section.name + " section").c_str());
+      continue;
+    }
     if (tag_.value == "SECTION" || tag_.value == "EOF")
       Unexpected(
           ("0 ENDSEC to close the " + section.name + " section").c_str());

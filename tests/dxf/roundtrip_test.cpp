@@ -275,6 +275,20 @@ const char* kForeignEntities =
     "30\n0\n"
     "40\n2.5\n1\nfirst\\Psecond\n999\nkept\n1001\nACAD\n1000\nx\n";
 
+TEST(RoundTrip, SectionsOfOtherKindsStayAsRead) {
+  std::string text = MinimalDxf("0\nPOINT\n5\n2A\n");
+  std::string extra =
+      "0\nSECTION\n2\nTHUMBNAILIMAGE\n90\n4\n310\n0A0B0C0D\n0\nENDSEC\n"
+      "0\nSECTION\n2\nOBJECTS\n0\nDICTIONARY\n5\nC\n330\n0\n100\nAcDbDictionary"
+      "\n"
+      "0\nXRECORD\n5\n2B\n100\nAcDbXrecord\n5\nnot a handle here\n0\nENDSEC\n"
+      "999\nbetween sections\n";
+  text.insert(text.find("0\nEOF"), extra);
+  auto doc = Read(text);
+  std::string out = WriteDxf(*doc);
+  EXPECT_NE(out.find(extra), std::string::npos);
+}
+
 TEST(RoundTrip, ChangesAreMergedIntoTheTagsTheyWereReadFrom) {
   std::string text = MinimalDxf(kForeignEntities);
   auto doc = Read(text);
