@@ -191,8 +191,10 @@ Registrar save_command(
     {"save", "read a drawing and write it back unchanged",
      "Usage: kestrana save DRAWING [-o OUT]\n\n"
      "Reads DRAWING and writes it to OUT (or back over DRAWING) with\n"
-     "nothing changed: every object is written as it was read. The file\n"
-     "is replaced atomically; on any error it is left as it was.\n\n"
+     "nothing changed: every object is written as it was read. Only what\n"
+     "a valid file needs is added: APPID entries for applications named\n"
+     "in extended data, and tables or block markers the file lacked.\n"
+     "The file is replaced atomically; on any error it is left as it was.\n\n"
      "  -o, --output OUT   write to OUT instead of replacing DRAWING\n",
      RunSave});
 
