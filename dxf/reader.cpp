@@ -92,6 +92,7 @@ class Reader {
   uint32_t section_line_ = 0;
   std::string section_name_;
   uint64_t file_seed_ = 0;
+  uint32_t eof_line_ = 0;
 };
 
 void Reader::Advance(const char* inside) {
@@ -189,6 +190,7 @@ void Reader::Run() {
         img_.sections.push_back(std::move(raw));
       }
       img_.trailer = {tag_.offset, text.size()};
+      eof_line_ = tag_.line;
       break;
     }
     if (tag_.code != 0 || tag_.value != "SECTION") {
@@ -611,8 +613,9 @@ void Reader::Finish() {
     bool found = false;
     for (const auto& s : img_.sections) found = found || s.name == needed;
     if (!found)
-      throw DxfError(0, std::string("the file has no ") + needed +
-                            " section; it is not a complete DXF drawing");
+      throw DxfError(eof_line_,
+                     std::string("the file ends (0 EOF) without the ") +
+                         needed + " section; it is not a complete DXF drawing");
   }
   // New handles follow every handle in use and the file's seed; objects
   // moved aside while loading do not count.

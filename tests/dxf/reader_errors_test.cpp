@@ -80,7 +80,8 @@ TEST(ReaderErrors, WrongOrMissingSectionMarkers) {
   no_entities.erase(no_entities.find("0\nSECTION\n2\nENTITIES"), 30);
   EXPECT_EQ(
       ErrorOf(no_entities),
-      "the file has no ENTITIES section; it is not a complete DXF drawing");
+      "line 23: the file ends (0 EOF) without the ENTITIES section; it is not "
+      "a complete DXF drawing");
 
   std::string entity_section_unclosed =
       MinimalDxf("0\nLINE\n5\n2A\n")
