@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ostream>
 
+#include "cli/session.h"
 #include "host/types.h"
 
 namespace kestrana::cli {
@@ -49,8 +50,7 @@ int Main(const std::vector<std::string>& args, Io& io) {
     return 0;
   }
   if (args[0] == "--version" || args[0] == "-V") {
-    io.out << "kestrana " << KESTRANA_VERSION
-           << " (project format 2.00)\n";
+    io.out << "kestrana " << KESTRANA_VERSION << " (project format 2.00)\n";
     return 0;
   }
   // The longest registered name that the arguments start with.
@@ -77,19 +77,25 @@ int Main(const std::vector<std::string>& args, Io& io) {
     return 0;
   }
   try {
-    return command->run(rest, io);
+    int code = command->run(rest, io);
+    PrintShownMessages(io.err);
+    return code;
   } catch (const UsageError& e) {
+    PrintShownMessages(io.err, e.what());
     io.err << "kestrana " << command->name << ": " << e.what() << "\n\n"
            << command->usage;
     return 2;
   } catch (const CommandError& e) {
+    PrintShownMessages(io.err, e.what());
     io.err << "kestrana " << command->name << ": " << e.what() << '\n';
     return 1;
   } catch (const host::HostError& e) {
+    PrintShownMessages(io.err, e.what());
     io.err << "kestrana " << command->name << ": drawing error: " << e.what()
            << '\n';
     return 1;
   } catch (const std::exception& e) {
+    PrintShownMessages(io.err, e.what());
     io.err << "kestrana " << command->name << ": " << e.what() << '\n';
     return 1;
   }
@@ -191,11 +197,21 @@ std::string JsonString(const std::string& text) {
   std::string out = "\"";
   for (unsigned char c : text) {
     switch (c) {
-      case '"': out += "\\\""; break;
-      case '\\': out += "\\\\"; break;
-      case '\n': out += "\\n"; break;
-      case '\r': out += "\\r"; break;
-      case '\t': out += "\\t"; break;
+      case '"':
+        out += "\\\"";
+        break;
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
       default:
         if (c < 0x20) {
           char buf[8];

@@ -155,13 +155,13 @@ class Ellipse : public Entity {
 struct HatchEdge {
   enum class Type { kLine = 1, kArc = 2, kEllipseArc = 3, kSpline = 4 };
   Type type = Type::kLine;
-  Point3 start, end;          // kLine
-  Point3 center;              // kArc, kEllipseArc
-  double radius = 0.0;        // kArc
-  Point3 major_axis;          // kEllipseArc, relative to the centre
-  double ratio = 1.0;         // kEllipseArc
-  double start_angle = 0.0;   // radians
-  double end_angle = 0.0;     // radians
+  Point3 start, end;         // kLine
+  Point3 center;             // kArc, kEllipseArc
+  double radius = 0.0;       // kArc
+  Point3 major_axis;         // kEllipseArc, relative to the centre
+  double ratio = 1.0;        // kEllipseArc
+  double start_angle = 0.0;  // radians
+  double end_angle = 0.0;    // radians
   bool counter_clockwise = true;
   std::vector<Point3> control_points;  // kSpline (drawn through as a polygon)
 };
@@ -172,7 +172,7 @@ struct HatchLoop {
   std::vector<double> vertices;  // flat X, Y when is_polyline
   std::vector<double> bulges;    // one per vertex when is_polyline
   bool closed = true;
-  std::vector<HatchEdge> edges;  // when !is_polyline
+  std::vector<HatchEdge> edges;   // when !is_polyline
   std::vector<ObjectId> sources;  // boundary objects of an associative hatch
 };
 
@@ -340,7 +340,7 @@ class TextStyle : public Object {
   virtual std::string Name() const = 0;
   virtual double Height() const = 0;  // 0 when the height is not fixed
   virtual void SetHeight(double height) = 0;
-  virtual double Width() const = 0;   // width factor
+  virtual double Width() const = 0;  // width factor
   virtual void SetWidth(double factor) = 0;
   virtual std::string FontFile() const = 0;
   virtual void SetFontFile(const std::string& file) = 0;

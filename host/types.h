@@ -35,10 +35,10 @@ struct Box2 {
 class XValue {
  public:
   XValue() : v_(std::string()) {}
-  XValue(std::string text) : v_(std::move(text)) {}      // NOLINT
-  XValue(const char* text) : v_(std::string(text)) {}    // NOLINT
-  XValue(double real) : v_(real) {}                      // NOLINT
-  XValue(int16_t integer) : v_(integer) {}               // NOLINT
+  XValue(std::string text) : v_(std::move(text)) {}    // NOLINT
+  XValue(const char* text) : v_(std::string(text)) {}  // NOLINT
+  XValue(double real) : v_(real) {}                    // NOLINT
+  XValue(int16_t integer) : v_(integer) {}             // NOLINT
 
   bool IsText() const { return std::holds_alternative<std::string>(v_); }
   bool IsReal() const { return std::holds_alternative<double>(v_); }

@@ -33,13 +33,13 @@ std::string HexHandle(uint64_t h) {
 // Names of layers, styles and blocks follow the host's symbol rules.
 void CheckSymbolName(const std::string& name, const char* what, bool loading) {
   if (name.empty())
-    throw HostError(ErrorCode::kBadArgument, std::string("a ") + what +
-                                                 " name cannot be empty");
+    throw HostError(ErrorCode::kBadArgument,
+                    std::string("a ") + what + " name cannot be empty");
   if (loading) return;
   if (name.find_first_of("<>/\\\":;?*|,=`") != std::string::npos)
-    throw HostError(ErrorCode::kBadArgument,
-                    std::string("\"") + name + "\" is not a valid " + what +
-                        " name");
+    throw HostError(
+        ErrorCode::kBadArgument,
+        std::string("\"") + name + "\" is not a valid " + what + " name");
 }
 
 void CheckXItem(const host::XItem& item) {
@@ -48,9 +48,9 @@ void CheckXItem(const host::XItem& item) {
   bool real = (code >= 1010 && code <= 1059) || code == 1071;
   bool integer = code >= 1060 && code <= 1070;
   if (!text && !real && !integer)
-    throw HostError(ErrorCode::kBadArgument,
-                    "XData group code " + std::to_string(code) +
-                        " is not valid");
+    throw HostError(
+        ErrorCode::kBadArgument,
+        "XData group code " + std::to_string(code) + " is not valid");
   if ((text && !item.value.IsText()) || (real && !item.value.IsReal()) ||
       (integer && !item.value.IsInt()))
     throw HostError(ErrorCode::kBadArgument,
@@ -75,8 +75,7 @@ void MemObject::SetAllXData(std::vector<XRecord> records) {
 }
 
 void MemObject::CheckAlive() const {
-  if (erased_)
-    throw HostError(ErrorCode::kErased, Describe() + " was erased");
+  if (erased_) throw HostError(ErrorCode::kErased, Describe() + " was erased");
 }
 
 std::string MemObject::Describe() const {
@@ -114,17 +113,20 @@ void MemObject::StoreXData(const XRecord& record) {
     auto it = std::find_if(xdata_.begin(), xdata_.end(), [&](const XRecord& r) {
       return SameName(r[0].value.Text(), app);
     });
-    if (it != xdata_.end()) *it = std::move(part);
-    else xdata_.push_back(std::move(part));
-    if (auto* e = dynamic_cast<MemEntity*>(this)) doc_->OnXDataChanged(*e, app, true);
+    if (it != xdata_.end())
+      *it = std::move(part);
+    else
+      xdata_.push_back(std::move(part));
+    if (auto* e = dynamic_cast<MemEntity*>(this))
+      doc_->OnXDataChanged(*e, app, true);
   }
 }
 
 std::vector<CurvePiece> MemEntity::Pieces() const {
   auto& self = const_cast<MemEntity&>(*this).AsHostEntity();
-  throw HostError(ErrorCode::kNotSupported,
-                  "intersections with " + self.ObjectName() +
-                      " are not supported");
+  throw HostError(
+      ErrorCode::kNotSupported,
+      "intersections with " + self.ObjectName() + " are not supported");
 }
 
 bool MemEntity::InLayout() const {
@@ -142,14 +144,16 @@ void MemEntity::CheckModifiable() const {
   if (doc_->Loading()) return;
   MemLayer* layer = doc_->FindLayer(layer_);
   if (layer != nullptr && layer->locked_)
-    throw HostError(ErrorCode::kLockedLayer,
-                    "entity " + std::to_string(id_) + " is on locked layer \"" +
-                        layer->name_ + "\"");
+    throw HostError(ErrorCode::kLockedLayer, "entity " + std::to_string(id_) +
+                                                 " is on locked layer \"" +
+                                                 layer->name_ + "\"");
 }
 
 // ----------------------------------------------------------- collections
 
-int MemBlocks::Count() const { return static_cast<int>(doc_.BlockList().size()); }
+int MemBlocks::Count() const {
+  return static_cast<int>(doc_.BlockList().size());
+}
 
 host::Block& MemBlocks::Item(int index) const {
   if (index < 0 || index >= Count())
@@ -173,7 +177,9 @@ host::Block& MemBlocks::Add(const Point3& origin, const std::string& name) {
   return doc_.AddBlock(name, origin);
 }
 
-int MemLayers::Count() const { return static_cast<int>(doc_.LayerList().size()); }
+int MemLayers::Count() const {
+  return static_cast<int>(doc_.LayerList().size());
+}
 
 host::Layer& MemLayers::Item(int index) const {
   if (index < 0 || index >= Count())
@@ -246,8 +252,7 @@ host::SelectionSet& MemSelectionSets::Add(const std::string& name) {
       throw HostError(ErrorCode::kDuplicateKey,
                       "a selection set named \"" + name + "\" exists");
   if (name.empty())
-    throw HostError(ErrorCode::kBadArgument,
-                    "a selection set needs a name");
+    throw HostError(ErrorCode::kBadArgument, "a selection set needs a name");
   sets_.push_back(std::make_unique<MemSelectionSet>(doc_, name));
   return *sets_.back();
 }
@@ -279,9 +284,9 @@ host::Entity& MemSelectionSet::Item(int index) const {
     if (e->IsErased()) continue;
     if (n++ == index) return e->AsHostEntity();
   }
-  throw HostError(ErrorCode::kBadArgument,
-                  "selection set \"" + name_ + "\" has no item " +
-                      std::to_string(index));
+  throw HostError(
+      ErrorCode::kBadArgument,
+      "selection set \"" + name_ + "\" has no item " + std::to_string(index));
 }
 
 std::vector<host::Entity*> MemSelectionSet::Entities() const {
@@ -304,9 +309,10 @@ void MemSelectionSet::AddItems(const std::vector<host::Entity*>& entities) {
   for (host::Entity* h : entities) {
     auto* e = dynamic_cast<MemEntity*>(h);
     if (e == nullptr || &e->Doc() != doc_)
-      throw HostError(ErrorCode::kBadArgument,
-                      "an entity of another drawing cannot join selection set \"" +
-                          name_ + "\"");
+      throw HostError(
+          ErrorCode::kBadArgument,
+          "an entity of another drawing cannot join selection set \"" + name_ +
+              "\"");
     if (e->IsErased())
       throw HostError(ErrorCode::kErased,
                       "entity " + std::to_string(e->Id()) + " was erased");
@@ -338,7 +344,8 @@ void MemSelectionSet::Clear() {
 }
 
 void MemSelectionSet::Select(host::SelectMode mode, const Point3& corner1,
-                             const Point3& corner2, const host::Filter& filter) {
+                             const Point3& corner2,
+                             const host::Filter& filter) {
   CheckLive();
   std::vector<MemEntity*> found;
   switch (mode) {
@@ -372,9 +379,9 @@ void MemSelectionSet::SelectOnScreen(const host::Filter& filter) {
       for (ObjectId id : in.objects) {
         auto* e = dynamic_cast<MemEntity*>(doc_->FindById(id));
         if (e == nullptr || e->IsErased() || !e->InLayout())
-          throw HostError(ErrorCode::kNoSuchObject,
-                          "no entity with ID " + std::to_string(id) +
-                              " can be picked");
+          throw HostError(
+              ErrorCode::kNoSuchObject,
+              "no entity with ID " + std::to_string(id) + " can be picked");
         picked.push_back(e);
       }
       break;
@@ -451,15 +458,16 @@ host::EntityPick MemUtility::GetEntity(const std::string& prompt) {
   e.kind = LogEntry::Kind::kEntityRequest;
   e.text = prompt;
   session.Record(e);
-  Input in = session.Next(Input::Kind::kEntity, "the prompt \"" + prompt + "\"");
+  Input in =
+      session.Next(Input::Kind::kEntity, "the prompt \"" + prompt + "\"");
   if (in.kind == Input::Kind::kCancel)
     throw HostError(ErrorCode::kUserCancelled,
                     "cancelled at \"" + prompt + "\"");
   auto* entity = dynamic_cast<MemEntity*>(doc_.FindById(in.entity));
   if (entity == nullptr || entity->IsErased() || !entity->InLayout())
-    throw HostError(ErrorCode::kNoSuchObject,
-                    "no entity with ID " + std::to_string(in.entity) +
-                        " can be picked");
+    throw HostError(
+        ErrorCode::kNoSuchObject,
+        "no entity with ID " + std::to_string(in.entity) + " can be picked");
   return host::EntityPick{&entity->AsHostEntity(), in.point};
 }
 
@@ -496,7 +504,8 @@ ObjectId MemDocument::IdFor(uint64_t handle) {
   } else {
     candidate = ((handle * 0x9E3779B97F4A7C15ull) >> 34) % 2000000000ull + 1;
   }
-  while (candidate > 2147483647ull || by_id_.count(static_cast<ObjectId>(candidate)))
+  while (candidate > 2147483647ull ||
+         by_id_.count(static_cast<ObjectId>(candidate)))
     candidate = candidate > 2147483647ull ? 1 : candidate + 1;
   return static_cast<ObjectId>(candidate);
 }
@@ -605,8 +614,8 @@ void MemDocument::SetActiveLayer(host::Layer& layer) {
     throw HostError(ErrorCode::kBadArgument,
                     "the layer does not belong to this drawing");
   if (l->frozen_)
-    throw HostError(ErrorCode::kBadArgument,
-                    "the frozen layer \"" + l->name_ + "\" cannot be made current");
+    throw HostError(ErrorCode::kBadArgument, "the frozen layer \"" + l->name_ +
+                                                 "\" cannot be made current");
   active_layer_ = l;
 }
 
@@ -631,14 +640,17 @@ host::SysVar MemDocument::GetVariable(const std::string& name) const {
   return it->second;
 }
 
-void MemDocument::SetVariable(const std::string& name, const host::SysVar& value) {
+void MemDocument::SetVariable(const std::string& name,
+                              const host::SysVar& value) {
   std::string key = Upper(name);
   if (key == "CLAYER" || key == "TEXTSTYLE") {
     const auto* text = std::get_if<std::string>(&value);
     if (text == nullptr)
       throw HostError(ErrorCode::kBadArgument, key + " takes a name");
-    if (key == "CLAYER") SetActiveLayer(layers_view_.Item(*text));
-    else SetActiveTextStyle(styles_view_.Item(*text));
+    if (key == "CLAYER")
+      SetActiveLayer(layers_view_.Item(*text));
+    else
+      SetActiveTextStyle(styles_view_.Item(*text));
     return;
   }
   variables_[key] = value;
@@ -677,10 +689,12 @@ MemLayer& MemDocument::AddLayer(const std::string& name, uint64_t handle) {
   return l;
 }
 
-MemTextStyle& MemDocument::AddTextStyle(const std::string& name, uint64_t handle) {
+MemTextStyle& MemDocument::AddTextStyle(const std::string& name,
+                                        uint64_t handle) {
   auto style = std::make_unique<MemTextStyle>();
   style->name_ = name;
-  auto& s = static_cast<MemTextStyle&>(RegisterObject(std::move(style), handle));
+  auto& s =
+      static_cast<MemTextStyle&>(RegisterObject(std::move(style), handle));
   styles_.push_back(&s);
   return s;
 }
@@ -701,18 +715,20 @@ void MemDocument::RegisterApp(const std::string& app) {
   apps_.push_back(app);
 }
 
-std::vector<MemEntity*> MemDocument::SelectAll(const host::Filter& filter) const {
+std::vector<MemEntity*> MemDocument::SelectAll(
+    const host::Filter& filter) const {
   CompiledFilter compiled(filter);
   const std::map<uint64_t, MemEntity*>* candidates = &selectable_;
   static const std::map<uint64_t, MemEntity*> kNone;
-  auto narrow = [&](const std::optional<std::string>& key,
-                    const std::unordered_map<std::string,
-                                             std::map<uint64_t, MemEntity*>>& index) {
-    if (!key) return;
-    auto it = index.find(*key);
-    const auto* found = it == index.end() ? &kNone : &it->second;
-    if (found->size() < candidates->size()) candidates = found;
-  };
+  auto narrow =
+      [&](const std::optional<std::string>& key,
+          const std::unordered_map<std::string, std::map<uint64_t, MemEntity*>>&
+              index) {
+        if (!key) return;
+        auto it = index.find(*key);
+        const auto* found = it == index.end() ? &kNone : &it->second;
+        if (found->size() < candidates->size()) candidates = found;
+      };
   narrow(compiled.RequiredApp(), by_app_);
   narrow(compiled.RequiredType(), by_type_);
   narrow(compiled.RequiredBlock(), by_block_);
@@ -722,17 +738,18 @@ std::vector<MemEntity*> MemDocument::SelectAll(const host::Filter& filter) const
   return out;
 }
 
-std::vector<MemEntity*> MemDocument::SelectWindow(const Point3& c1,
-                                                  const Point3& c2, bool crossing,
-                                                  const host::Filter& filter) const {
+std::vector<MemEntity*> MemDocument::SelectWindow(
+    const Point3& c1, const Point3& c2, bool crossing,
+    const host::Filter& filter) const {
   CompiledFilter compiled(filter);
   Box2 window;
   window.Add(c1.x, c1.y);
   window.Add(c2.x, c2.y);
   std::vector<CurvePiece> frame;
   if (crossing) {
-    std::vector<double> xy{window.min_x, window.min_y, window.max_x, window.min_y,
-                           window.max_x, window.max_y, window.min_x, window.max_y};
+    std::vector<double> xy{window.min_x, window.min_y, window.max_x,
+                           window.min_y, window.max_x, window.max_y,
+                           window.min_x, window.max_y};
     frame = PolylinePieces(xy, {}, true);
   }
   std::vector<MemEntity*> out;
@@ -768,8 +785,10 @@ void MemDocument::OnXDataChanged(MemEntity& e, const std::string& app,
                                  bool present) {
   if (!e.InLayout() || e.IsErased()) return;
   auto& slot = by_app_[Upper(app)];
-  if (present) slot[e.Sequence()] = &e;
-  else slot.erase(e.Sequence());
+  if (present)
+    slot[e.Sequence()] = &e;
+  else
+    slot.erase(e.Sequence());
 }
 
 void MemDocument::OnErased(MemEntity& e) {
@@ -844,9 +863,9 @@ void MemLayer::Delete() {
     throw HostError(ErrorCode::kInUse,
                     "the current layer \"" + name_ + "\" cannot be deleted");
   if (use_count_ > 0)
-    throw HostError(ErrorCode::kInUse,
-                    "layer \"" + name_ + "\" is in use by " +
-                        std::to_string(use_count_) + " entities");
+    throw HostError(ErrorCode::kInUse, "layer \"" + name_ + "\" is in use by " +
+                                           std::to_string(use_count_) +
+                                           " entities");
   erased_ = true;
   auto& layers = doc_->layers_;
   layers.erase(std::find(layers.begin(), layers.end(), this));
@@ -863,7 +882,8 @@ double MemTextStyle::Height() const {
 void MemTextStyle::SetHeight(double height) {
   CheckAlive();
   if (!(height >= 0))
-    throw HostError(ErrorCode::kBadArgument, "a text height cannot be negative");
+    throw HostError(ErrorCode::kBadArgument,
+                    "a text height cannot be negative");
   height_ = height;
 }
 double MemTextStyle::Width() const {

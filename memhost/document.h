@@ -170,7 +170,8 @@ class EntityImpl : public ObjectImpl<Base, MemEntity> {
                                     host::ExtendOption option) const override;
   void Move(const Point3& from, const Point3& to) override {
     this->CheckWritable();
-    this->Transform(Affine::Translation(to.x - from.x, to.y - from.y, to.z - from.z));
+    this->Transform(
+        Affine::Translation(to.x - from.x, to.y - from.y, to.z - from.z));
   }
   void Rotate(const Point3& base, double angle) override {
     this->CheckWritable();
@@ -209,8 +210,8 @@ class MemLwPolyline final : public EntityImpl<host::LwPolyline> {
 
   // Plain state, for the file layer and renderer.
   std::vector<double> xy_;
-  std::vector<double> bulges_;                    // one per vertex
-  std::vector<std::pair<double, double>> widths_; // one per vertex
+  std::vector<double> bulges_;                     // one per vertex
+  std::vector<std::pair<double, double>> widths_;  // one per vertex
   double constant_width_ = 0;
   bool closed_ = false;
   double elevation_ = 0;
@@ -409,7 +410,8 @@ class MemAttributeReference final : public TextImpl<host::AttributeReference> {
   MemBlockReference* insert_ = nullptr;
 };
 
-class MemAttributeDefinition final : public TextImpl<host::AttributeDefinition> {
+class MemAttributeDefinition final
+    : public TextImpl<host::AttributeDefinition> {
  public:
   std::string ObjectName() const override { return "AcDbAttributeDefinition"; }
   EntityKind Kind() const override { return EntityKind::kAttributeDefinition; }
@@ -450,7 +452,9 @@ class MemBlockReference final : public EntityImpl<host::BlockReference> {
 
   // The transform from block coordinates to the owner's coordinates.
   Affine BlockTransform() const;
-  const std::vector<MemAttributeReference*>& Attributes() const { return attributes_; }
+  const std::vector<MemAttributeReference*>& Attributes() const {
+    return attributes_;
+  }
   // Adds an attribute read from a file (the reader's way in) with `handle`
   // (0: a new one); its layer is kept as set.
   MemAttributeReference& AdoptAttribute(
@@ -472,7 +476,8 @@ class MemBlockReference final : public EntityImpl<host::BlockReference> {
 class MemOtherEntity final : public EntityImpl<host::OtherEntity> {
  public:
   MemOtherEntity(std::string type_name, std::string object_name)
-      : type_name_(std::move(type_name)), object_name_(std::move(object_name)) {}
+      : type_name_(std::move(type_name)),
+        object_name_(std::move(object_name)) {}
   std::string ObjectName() const override { return object_name_; }
   EntityKind Kind() const override { return EntityKind::kOther; }
   std::string EntityName() const override { return type_name_; }
@@ -500,7 +505,8 @@ class MemBlock final : public ObjectImpl<host::Block> {
   std::vector<host::Entity*> Entities() const override;
   void Delete() override;
 
-  host::LwPolyline& AddLightWeightPolyline(const std::vector<double>& xy) override;
+  host::LwPolyline& AddLightWeightPolyline(
+      const std::vector<double>& xy) override;
   host::Line& AddLine(const Point3& start, const Point3& end) override;
   host::Point& AddPoint(const Point3& p) override;
   host::Circle& AddCircle(const Point3& center, double radius) override;
@@ -598,8 +604,8 @@ class MemSelectionSet final : public host::SelectionSet {
   void AddItems(const std::vector<host::Entity*>& entities) override;
   void RemoveItems(const std::vector<host::Entity*>& entities) override;
   void Clear() override;
-  void Select(host::SelectMode mode, const Point3& corner1, const Point3& corner2,
-              const host::Filter& filter) override;
+  void Select(host::SelectMode mode, const Point3& corner1,
+              const Point3& corner2, const host::Filter& filter) override;
   void SelectOnScreen(const host::Filter& filter) override;
   void Erase() override;
   void Delete() override;
@@ -712,7 +718,9 @@ class MemDocument final : public host::Document {
   host::SysVar GetVariable(const std::string& name) const override;
   void SetVariable(const std::string& name, const host::SysVar& value) override;
   void SendCommand(const std::string& text) override;
-  const std::map<std::string, host::SysVar>& Variables() const { return variables_; }
+  const std::map<std::string, host::SysVar>& Variables() const {
+    return variables_;
+  }
 
   // Typed access for the file layer, the renderer and tests.
   MemBlock& ModelSpaceBlock() { return *blocks_.front(); }
@@ -772,7 +780,8 @@ class MemDocument final : public host::Document {
   // Internal bookkeeping called by objects.
   void OnXDataChanged(MemEntity& e, const std::string& app, bool present);
   void OnErased(MemEntity& e);
-  void OnLayerChanged(MemEntity& e, const std::string& from, const std::string& to);
+  void OnLayerChanged(MemEntity& e, const std::string& from,
+                      const std::string& to);
   MemObject& RegisterObject(std::unique_ptr<MemObject> object, uint64_t handle);
   void IndexEntity(MemEntity& e);
 

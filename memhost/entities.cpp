@@ -39,21 +39,22 @@ void AddArcSamples(const Affine& m, const Point3& center, const Point3& major,
   for (int i = 0; i <= kSamples; ++i) {
     double t = start + sweep * i / kSamples;
     Point3 p{center.x + major.x * std::cos(t) + minor.x * std::sin(t),
-             center.y + major.y * std::cos(t) + minor.y * std::sin(t), center.z};
+             center.y + major.y * std::cos(t) + minor.y * std::sin(t),
+             center.z};
     AddPoint(m, p, box);
   }
 }
 
 void AddPiecesExtents(const std::vector<CurvePiece>& pieces, const Affine& m,
                       Box2& box) {
-  bool identity = m.a == 1 && m.b == 0 && m.c == 0 && m.d == 1 && m.e == 0 &&
-                  m.f == 0;
+  bool identity =
+      m.a == 1 && m.b == 0 && m.c == 0 && m.d == 1 && m.e == 0 && m.f == 0;
   for (const auto& piece : pieces) {
     if (identity) {
       AddPieceExtents(piece, box);
     } else if (piece.is_arc) {
-      AddArcSamples(m, piece.center, {piece.radius, 0, 0}, 1.0, piece.start_angle,
-                    piece.sweep, box);
+      AddArcSamples(m, piece.center, {piece.radius, 0, 0}, 1.0,
+                    piece.start_angle, piece.sweep, box);
     } else {
       AddPoint(m, piece.p0, box);
       AddPoint(m, piece.p1, box);
@@ -136,8 +137,8 @@ std::vector<double> EntityImpl<Base>::IntersectWith(
   bool extend_other = option == host::ExtendOption::kOther ||
                       option == host::ExtendOption::kBoth;
   std::vector<double> flat;
-  for (const Point3& p :
-       IntersectCurves(this->Pieces(), extend_this, o->Pieces(), extend_other)) {
+  for (const Point3& p : IntersectCurves(this->Pieces(), extend_this,
+                                         o->Pieces(), extend_other)) {
     flat.push_back(p.x);
     flat.push_back(p.y);
     flat.push_back(p.z);
@@ -163,7 +164,8 @@ host::Entity& EntityImpl<Base>::Copy() const {
       attr.owner_ = this->owner_;
       new_ref.AttachAttribute(attr);
       this->doc_->OnLayerChanged(attr, "", attr.layer_);
-      for (const auto& r : attr.XData()) this->doc_->RegisterApp(r[0].value.Text());
+      for (const auto& r : attr.XData())
+        this->doc_->RegisterApp(r[0].value.Text());
     }
   }
   return copy.AsHostEntity();
@@ -494,7 +496,8 @@ void MemHatch::AppendInnerLoop(const std::vector<host::Entity*>& objects) {
   AppendLoop(objects, 0);
 }
 
-void MemHatch::AppendLoop(const std::vector<host::Entity*>& objects, int flags) {
+void MemHatch::AppendLoop(const std::vector<host::Entity*>& objects,
+                          int flags) {
   if (objects.empty())
     throw HostError(ErrorCode::kBadArgument, "a hatch loop needs objects");
   host::HatchLoop loop;
@@ -547,9 +550,9 @@ void MemHatch::AppendLoop(const std::vector<host::Entity*>& objects, int flags) 
           loop.edges.push_back(edge);
         }
       } else {
-        throw HostError(ErrorCode::kBadArgument,
-                        "a " + e->AsHostEntity().ObjectName() +
-                            " cannot bound a hatch");
+        throw HostError(
+            ErrorCode::kBadArgument,
+            "a " + e->AsHostEntity().ObjectName() + " cannot bound a hatch");
       }
     }
   }
@@ -589,8 +592,8 @@ void MemHatch::Transform(const Affine& m) {
 void MemHatch::AddExtents(const Affine& m, Box2& box) const {
   for (const auto& loop : loops_) {
     if (loop.is_polyline) {
-      AddPiecesExtents(PolylinePieces(loop.vertices, loop.bulges, loop.closed), m,
-                       box);
+      AddPiecesExtents(PolylinePieces(loop.vertices, loop.bulges, loop.closed),
+                       m, box);
       continue;
     }
     for (const auto& edge : loop.edges) {
@@ -601,8 +604,8 @@ void MemHatch::AddExtents(const Affine& m, Box2& box) const {
           break;
         case host::HatchEdge::Type::kArc: {
           double sweep = edge.end_angle - edge.start_angle;
-          AddArcSamples(m, edge.center, {edge.radius, 0, 0}, 1.0, edge.start_angle,
-                        sweep, box);
+          AddArcSamples(m, edge.center, {edge.radius, 0, 0}, 1.0,
+                        edge.start_angle, sweep, box);
           break;
         }
         case host::HatchEdge::Type::kEllipseArc: {
@@ -629,7 +632,8 @@ std::unique_ptr<MemEntity> MemHatch::CloneState() const {
 namespace {
 
 // Offsets of the baseline start from the anchor, in the text's frame.
-void AlignmentOffset(TextAlignment a, double w, double h, double& dx, double& dy) {
+void AlignmentOffset(TextAlignment a, double w, double h, double& dx,
+                     double& dy) {
   switch (a) {
     case TextAlignment::kCenter:
     case TextAlignment::kMiddle:
@@ -691,7 +695,8 @@ std::array<Point3, 4> TextImpl<Base>::Corners() const {
   Point3 start = BaselineStart();
   double w = DisplayWidth();
   double angle = rotation_;
-  if (alignment_ == TextAlignment::kAligned || alignment_ == TextAlignment::kFit) {
+  if (alignment_ == TextAlignment::kAligned ||
+      alignment_ == TextAlignment::kFit) {
     w = Distance2d(insertion_, alignment_point_);
     if (w > 0)
       angle = std::atan2(alignment_point_.y - insertion_.y,
@@ -740,7 +745,8 @@ void TextImpl<Base>::SetAlignment(TextAlignment alignment) {
     throw HostError(ErrorCode::kBadArgument,
                     "text alignment " + std::to_string(code) + " is not valid");
   // The text keeps its place: the old anchor becomes the new one.
-  Point3 anchor = AnchoredAtInsertion(alignment_) ? insertion_ : alignment_point_;
+  Point3 anchor =
+      AnchoredAtInsertion(alignment_) ? insertion_ : alignment_point_;
   Point3 start = BaselineStart();
   if (AnchoredAtInsertion(alignment)) {
     insertion_ = AnchoredAtInsertion(alignment_) ? insertion_ : start;
@@ -872,8 +878,9 @@ void MemAttributeReference::CheckWritable() const {
     MemLayer* layer = doc_->FindLayer(insert_->LayerName());
     if (layer != nullptr && layer->locked_)
       throw HostError(ErrorCode::kLockedLayer,
-                      "the block reference of attribute " + std::to_string(id_) +
-                          " is on locked layer \"" + layer->name_ + "\"");
+                      "the block reference of attribute " +
+                          std::to_string(id_) + " is on locked layer \"" +
+                          layer->name_ + "\"");
   }
 }
 std::unique_ptr<MemEntity> MemAttributeReference::CloneState() const {
@@ -978,11 +985,13 @@ void MemBlockReference::SetScaleFactors(double x, double y, double z) {
 
 bool MemBlockReference::HasAttributes() const {
   CheckAlive();
-  return std::any_of(attributes_.begin(), attributes_.end(),
-                     [](const MemAttributeReference* a) { return !a->IsErased(); });
+  return std::any_of(
+      attributes_.begin(), attributes_.end(),
+      [](const MemAttributeReference* a) { return !a->IsErased(); });
 }
 
-std::vector<host::AttributeReference*> MemBlockReference::GetAttributes() const {
+std::vector<host::AttributeReference*> MemBlockReference::GetAttributes()
+    const {
   CheckAlive();
   std::vector<host::AttributeReference*> out;
   for (MemAttributeReference* a : attributes_)
@@ -1096,8 +1105,9 @@ host::Entity& MemBlock::Item(int index) const {
   CheckAlive();
   Compact();
   if (index < 0 || static_cast<size_t>(index) >= entities_.size())
-    throw HostError(ErrorCode::kBadArgument,
-                    "block \"" + name_ + "\" has no item " + std::to_string(index));
+    throw HostError(
+        ErrorCode::kBadArgument,
+        "block \"" + name_ + "\" has no item " + std::to_string(index));
   return entities_[index]->AsHostEntity();
 }
 
@@ -1161,7 +1171,8 @@ std::unique_ptr<T> OnCurrentLayer(MemDocument& doc) {
 }
 }  // namespace
 
-host::LwPolyline& MemBlock::AddLightWeightPolyline(const std::vector<double>& xy) {
+host::LwPolyline& MemBlock::AddLightWeightPolyline(
+    const std::vector<double>& xy) {
   CheckAlive();
   if (xy.size() < 4 || xy.size() % 2 != 0)
     throw HostError(ErrorCode::kBadArgument,
@@ -1203,7 +1214,8 @@ host::Circle& MemBlock::AddCircle(const Point3& center, double radius) {
   return AddNew(std::move(e));
 }
 
-host::Ellipse& MemBlock::AddEllipse(const Point3& center, const Point3& major_axis,
+host::Ellipse& MemBlock::AddEllipse(const Point3& center,
+                                    const Point3& major_axis,
                                     double radius_ratio) {
   CheckAlive();
   CheckFinite(center, "a centre");
@@ -1220,8 +1232,8 @@ host::Ellipse& MemBlock::AddEllipse(const Point3& center, const Point3& major_ax
   return AddNew(std::move(e));
 }
 
-host::Text& MemBlock::AddText(const std::string& text, const Point3& insertion_point,
-                              double height) {
+host::Text& MemBlock::AddText(const std::string& text,
+                              const Point3& insertion_point, double height) {
   CheckAlive();
   CheckFinite(insertion_point, "an insertion point");
   if (!(height > 0) || !std::isfinite(height))
@@ -1265,13 +1277,14 @@ host::AttributeDefinition& MemBlock::AddAttribute(double height, int mode,
   return AddNew(std::move(e));
 }
 
-host::Hatch& MemBlock::AddHatch(int pattern_type, const std::string& pattern_name,
+host::Hatch& MemBlock::AddHatch(int pattern_type,
+                                const std::string& pattern_name,
                                 bool associativity) {
   CheckAlive();
   if (pattern_type < 0 || pattern_type > 2)
-    throw HostError(ErrorCode::kBadArgument,
-                    "hatch pattern type " + std::to_string(pattern_type) +
-                        " is not valid");
+    throw HostError(
+        ErrorCode::kBadArgument,
+        "hatch pattern type " + std::to_string(pattern_type) + " is not valid");
   if (pattern_name.empty())
     throw HostError(ErrorCode::kBadArgument, "a hatch needs a pattern name");
   auto e = OnCurrentLayer<MemHatch>(*doc_);
@@ -1323,7 +1336,8 @@ host::BlockReference& MemBlock::InsertBlock(const Point3& insertion_point,
     attr->tag_ = attdef->tag_;
     attr->invisible_ = (attdef->mode_ & 1) != 0;
     // Attributes defined on layer 0 take the layer of the reference.
-    attr->SetLayerUnchecked(attdef->layer_ == "0" ? ref.layer_ : attdef->layer_);
+    attr->SetLayerUnchecked(attdef->layer_ == "0" ? ref.layer_
+                                                  : attdef->layer_);
     attr->Transform(t);
     auto& a = static_cast<MemAttributeReference&>(
         doc_->RegisterObject(std::move(attr), 0));

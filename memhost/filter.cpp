@@ -111,7 +111,8 @@ struct CompiledFilter::Node {
         const auto& item = rec[i];
         if (item.code != code) continue;
         if (code == 1000) {
-          if (item.value.IsText() && WildcardMatch(item.value.Text(), text, true))
+          if (item.value.IsText() &&
+              WildcardMatch(item.value.Text(), text, true))
             return true;
         } else if (item.value.IsReal()) {
           if (Compare(item.value.Real())) return true;
@@ -152,16 +153,24 @@ CompiledFilter::CompiledFilter(const host::Filter& filter) {
           Bad("<XOR needs exactly two operands");
         stack.pop_back();
       };
-      if (op == "<AND") open(Node::Op::kAnd);
-      else if (op == "<OR") open(Node::Op::kOr);
-      else if (op == "<NOT") open(Node::Op::kNot);
-      else if (op == "<XOR") open(Node::Op::kXor);
-      else if (op == "AND>") close(Node::Op::kAnd, "AND>");
-      else if (op == "OR>") close(Node::Op::kOr, "OR>");
-      else if (op == "NOT>") close(Node::Op::kNot, "NOT>");
-      else if (op == "XOR>") close(Node::Op::kXor, "XOR>");
-      else if (op == "=" || op == "!=" || op == "/=" || op == "<>" || op == "<" ||
-               op == "<=" || op == ">" || op == ">=" || op == "*")
+      if (op == "<AND")
+        open(Node::Op::kAnd);
+      else if (op == "<OR")
+        open(Node::Op::kOr);
+      else if (op == "<NOT")
+        open(Node::Op::kNot);
+      else if (op == "<XOR")
+        open(Node::Op::kXor);
+      else if (op == "AND>")
+        close(Node::Op::kAnd, "AND>");
+      else if (op == "OR>")
+        close(Node::Op::kOr, "OR>");
+      else if (op == "NOT>")
+        close(Node::Op::kNot, "NOT>");
+      else if (op == "XOR>")
+        close(Node::Op::kXor, "XOR>");
+      else if (op == "=" || op == "!=" || op == "/=" || op == "<>" ||
+               op == "<" || op == "<=" || op == ">" || op == ">=" || op == "*")
         relation = op;
       else
         Bad("unknown operator \"" + item.value.Text() + "\"");

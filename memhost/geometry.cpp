@@ -62,8 +62,9 @@ void SegSeg(const CurvePiece& a, Range ra, const CurvePiece& b, Range rb,
     Range rs = la < kLengthEps ? rb : ra;
     double sx = seg.p1.x - seg.p0.x, sy = seg.p1.y - seg.p0.y;
     double ls2 = sx * sx + sy * sy;
-    double t = ls2 > 0 ? ((pt.p0.x - seg.p0.x) * sx + (pt.p0.y - seg.p0.y) * sy) / ls2
-                       : 0.0;
+    double t =
+        ls2 > 0 ? ((pt.p0.x - seg.p0.x) * sx + (pt.p0.y - seg.p0.y) * sy) / ls2
+                : 0.0;
     Point3 q{seg.p0.x + t * sx, seg.p0.y + t * sy, seg.p0.z};
     if (Distance2d(q, pt.p0) <= kLengthEps && t >= rs.lo - kParamEps &&
         t <= rs.hi + kParamEps)
@@ -141,7 +142,8 @@ void SegArc(const CurvePiece& seg, Range rs, const CurvePiece& arc,
   double eps = kLengthEps / len;
   for (auto& [t, p] : LineCircle(seg, arc)) {
     if (t < rs.lo - eps || t > rs.hi + eps) continue;
-    double off = ArcOffset(arc, std::atan2(p.y - arc.center.y, p.x - arc.center.x));
+    double off =
+        ArcOffset(arc, std::atan2(p.y - arc.center.y, p.x - arc.center.x));
     if (off < 0) continue;
     out.push_back({p, seg_is_a ? t : off});
   }
@@ -289,7 +291,8 @@ std::vector<CurvePiece> PolylinePieces(const std::vector<double>& xy,
       double ux = (piece.p1.x - piece.p0.x) / chord;
       double uy = (piece.p1.y - piece.p0.y) / chord;
       double off = r * std::cos(std::fabs(theta) / 2) * (bulge > 0 ? 1 : -1);
-      double mx = (piece.p0.x + piece.p1.x) / 2, my = (piece.p0.y + piece.p1.y) / 2;
+      double mx = (piece.p0.x + piece.p1.x) / 2,
+             my = (piece.p0.y + piece.p1.y) / 2;
       piece.is_arc = true;
       piece.radius = r;
       piece.center = Point3{mx - uy * off, my + ux * off, 0};
@@ -348,12 +351,14 @@ std::vector<Point3> IntersectCurves(const std::vector<CurvePiece>& a,
         SegArc(pb, rb, pa, false, hits);
         // Order along a: recompute the offsets on a's arc.
         for (Hit& h : hits)
-          h.along = ArcOffset(pa, std::atan2(h.p.y - pa.center.y, h.p.x - pa.center.x));
+          h.along = ArcOffset(
+              pa, std::atan2(h.p.y - pa.center.y, h.p.x - pa.center.x));
       } else {
         ArcArc(pa, pb, hits);
       }
-      std::stable_sort(hits.begin(), hits.end(),
-                       [](const Hit& x, const Hit& y) { return x.along < y.along; });
+      std::stable_sort(
+          hits.begin(), hits.end(),
+          [](const Hit& x, const Hit& y) { return x.along < y.along; });
       for (const Hit& h : hits)
         if (!seen(h.p)) result.push_back(h.p);
     }

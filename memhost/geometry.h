@@ -20,8 +20,8 @@ struct Affine {
   static Affine Rotation(const Point3& base, double angle);
   // The transform of a block reference: scale, rotate, then move the block
   // origin to the insertion point.
-  static Affine Insert(const Point3& origin, const Point3& insertion,
-                       double sx, double sy, double sz, double rotation);
+  static Affine Insert(const Point3& origin, const Point3& insertion, double sx,
+                       double sy, double sz, double rotation);
 
   Point3 Apply(const Point3& p) const;
   // Applies the linear part only (for direction vectors).
@@ -40,11 +40,11 @@ struct Affine {
 // A piece of a plan curve: a straight segment or a circular arc.
 struct CurvePiece {
   bool is_arc = false;
-  Point3 p0, p1;          // segment ends (also the arc's ends)
-  Point3 center;          // arc
-  double radius = 0;      // arc
-  double start_angle = 0; // arc, radians
-  double sweep = 0;       // arc, signed (positive counter-clockwise)
+  Point3 p0, p1;           // segment ends (also the arc's ends)
+  Point3 center;           // arc
+  double radius = 0;       // arc
+  double start_angle = 0;  // arc, radians
+  double sweep = 0;        // arc, signed (positive counter-clockwise)
 };
 
 // The pieces of a polyline vertex list (bulges may be empty).

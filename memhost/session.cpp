@@ -67,11 +67,16 @@ Input Input::Cancel() { return Input{}; }
 namespace {
 const char* KindName(Input::Kind kind) {
   switch (kind) {
-    case Input::Kind::kPoint: return "a point";
-    case Input::Kind::kEntity: return "an entity pick";
-    case Input::Kind::kSelection: return "a selection";
-    case Input::Kind::kAnswer: return "a message box answer";
-    case Input::Kind::kCancel: return "a cancel";
+    case Input::Kind::kPoint:
+      return "a point";
+    case Input::Kind::kEntity:
+      return "an entity pick";
+    case Input::Kind::kSelection:
+      return "a selection";
+    case Input::Kind::kAnswer:
+      return "a message box answer";
+    case Input::Kind::kCancel:
+      return "a cancel";
   }
   return "input";
 }
@@ -79,14 +84,14 @@ const char* KindName(Input::Kind kind) {
 
 Input Session::Next(Input::Kind kind, const std::string& what) {
   if (script_.empty())
-    throw HostError(ErrorCode::kNoInput,
-                    "no input given for " + what + " (expected " +
-                        KindName(kind) + ")");
+    throw HostError(
+        ErrorCode::kNoInput,
+        "no input given for " + what + " (expected " + KindName(kind) + ")");
   Input in = script_.front();
   if (in.kind != kind && in.kind != Input::Kind::kCancel)
-    throw HostError(ErrorCode::kNoInput,
-                    "the input for " + what + " is " + KindName(in.kind) +
-                        ", expected " + KindName(kind));
+    throw HostError(ErrorCode::kNoInput, "the input for " + what + " is " +
+                                             KindName(in.kind) + ", expected " +
+                                             KindName(kind));
   script_.pop_front();
   return in;
 }
@@ -109,7 +114,8 @@ std::vector<std::string> Session::Messages() const {
 std::vector<std::string> Session::Prompts() const {
   std::vector<std::string> out;
   for (const auto& e : log_)
-    if (e.kind != LogEntry::Kind::kMessage && e.kind != LogEntry::Kind::kCommand)
+    if (e.kind != LogEntry::Kind::kMessage &&
+        e.kind != LogEntry::Kind::kCommand)
       out.push_back(e.text);
   return out;
 }
@@ -123,10 +129,12 @@ struct MemSurface::Grid {
   std::vector<uint32_t> items;
 
   int CellX(double x) const {
-    return std::clamp(static_cast<int>(std::floor((x - min_x) / cell)), 0, nx - 1);
+    return std::clamp(static_cast<int>(std::floor((x - min_x) / cell)), 0,
+                      nx - 1);
   }
   int CellY(double y) const {
-    return std::clamp(static_cast<int>(std::floor((y - min_y) / cell)), 0, ny - 1);
+    return std::clamp(static_cast<int>(std::floor((y - min_y) / cell)), 0,
+                      ny - 1);
   }
 };
 
@@ -169,7 +177,8 @@ MemSurface::MemSurface(std::string name, std::vector<Point3> points,
       for (int cx = g.CellX(x0); cx <= g.CellX(x1); ++cx)
         fn(static_cast<size_t>(cy) * g.nx + cx);
   };
-  for (const auto& t : triangles_) for_cells(t, [&](size_t c) { ++counts[c + 1]; });
+  for (const auto& t : triangles_)
+    for_cells(t, [&](size_t c) { ++counts[c + 1]; });
   for (size_t i = 1; i < counts.size(); ++i) counts[i] += counts[i - 1];
   g.offsets = counts;
   g.items.resize(counts.back());
@@ -234,12 +243,18 @@ std::string MemApplication::CivilProgId() const {
   int tenths = static_cast<int>(std::lround(v * 10));
   if (std::fabs(v * 10 - tenths) > 1e-9) return "";
   switch (tenths) {
-    case 161: return "AeccXUiLand.AeccApplication.2.0";
-    case 162: return "AeccXUiLand.AeccApplication.3.0";
-    case 170: return "AeccXUiLand.AeccApplication.4.0";
-    case 171: return "AeccXUiLand.AeccApplication.5.0";
-    case 172: return "AeccXUiLand.AeccApplication.6.0";
-    default: return "";
+    case 161:
+      return "AeccXUiLand.AeccApplication.2.0";
+    case 162:
+      return "AeccXUiLand.AeccApplication.3.0";
+    case 170:
+      return "AeccXUiLand.AeccApplication.4.0";
+    case 171:
+      return "AeccXUiLand.AeccApplication.5.0";
+    case 172:
+      return "AeccXUiLand.AeccApplication.6.0";
+    default:
+      return "";
   }
 }
 
@@ -321,19 +336,25 @@ T& FindControl(const std::map<std::string, std::unique_ptr<T>>& map,
                const std::string& name, const char* kind) {
   auto it = map.find(name);
   if (it == map.end())
-    throw HostError(ErrorCode::kNoSuchKey,
-                    std::string("the form has no ") + kind + " named \"" + name +
-                        "\"");
+    throw HostError(
+        ErrorCode::kNoSuchKey,
+        std::string("the form has no ") + kind + " named \"" + name + "\"");
   return *it->second;
 }
 }  // namespace
 
-MemComboBox& MemForm::AddComboBox(const std::string& n) { return AddControl(combos_, n); }
-MemCheckBox& MemForm::AddCheckBox(const std::string& n) { return AddControl(checks_, n); }
+MemComboBox& MemForm::AddComboBox(const std::string& n) {
+  return AddControl(combos_, n);
+}
+MemCheckBox& MemForm::AddCheckBox(const std::string& n) {
+  return AddControl(checks_, n);
+}
 MemCommandButton& MemForm::AddCommandButton(const std::string& n) {
   return AddControl(buttons_, n);
 }
-MemTextBox& MemForm::AddTextBox(const std::string& n) { return AddControl(texts_, n); }
+MemTextBox& MemForm::AddTextBox(const std::string& n) {
+  return AddControl(texts_, n);
+}
 
 host::ComboBox& MemForm::GetComboBox(const std::string& n) {
   return FindControl(combos_, n, "combo box");

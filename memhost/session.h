@@ -24,13 +24,13 @@ struct Input {
   enum class Pick { kObjects, kWindow, kCrossing, kAll };
 
   Kind kind = Kind::kCancel;
-  Point3 point;               // kPoint; kEntity: the pick point
-  ObjectId entity = 0;        // kEntity
-  Pick pick = Pick::kObjects; // kSelection
+  Point3 point;                   // kPoint; kEntity: the pick point
+  ObjectId entity = 0;            // kEntity
+  Pick pick = Pick::kObjects;     // kSelection
   std::vector<ObjectId> objects;  // kSelection with kObjects
-  Point3 corner1, corner2;    // kSelection with kWindow / kCrossing
-  host::Filter extra_filter;  // kSelection: narrows what the user picks
-  int answer = 0;             // kAnswer
+  Point3 corner1, corner2;        // kSelection with kWindow / kCrossing
+  host::Filter extra_filter;      // kSelection: narrows what the user picks
+  int answer = 0;                 // kAnswer
 
   static Input PointAt(double x, double y, double z = 0);
   static Input EntityAt(ObjectId id, const Point3& pick_point = {});
@@ -142,11 +142,14 @@ class MemApplication : public host::Application {
   // Whether the civil extension is installed at all.
   void SetCivilInstalled(bool installed) { civil_installed_ = installed; }
 
-  host::CivilApplication& GetInterfaceObject(const std::string& prog_id) override;
+  host::CivilApplication& GetInterfaceObject(
+      const std::string& prog_id) override;
   int MessageBox(const std::string& text, int buttons, int icon,
                  const std::string& title) override;
   // Answer given to a message box the script does not answer.
-  void SetDefaultAnswer(int buttons, int answer) { defaults_[buttons] = answer; }
+  void SetDefaultAnswer(int buttons, int answer) {
+    defaults_[buttons] = answer;
+  }
 
   MemCivilApplication& Civil() { return civil_; }
   Session& GetSession() { return session_; }

@@ -28,6 +28,7 @@ std::string DisplayText(std::string_view raw);
 double CharAdvance(char32_t code_point);
 
 // Width of the displayed text.
-double TextWidth(std::string_view raw, double height, double width_factor = 1.0);
+double TextWidth(std::string_view raw, double height,
+                 double width_factor = 1.0);
 
 }  // namespace kestrana::memhost

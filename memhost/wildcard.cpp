@@ -1,9 +1,9 @@
 #include "memhost/wildcard.h"
 
-#include "memhost/utf8.h"
-
 #include <string>
 #include <vector>
+
+#include "memhost/utf8.h"
 
 namespace kestrana::memhost {
 
@@ -134,8 +134,10 @@ bool WildcardMatch(std::string_view text, std::string_view pattern,
       ++i;
       continue;
     }
-    if (pat[i] == '[') in_bracket = true;
-    else if (pat[i] == ']') in_bracket = false;
+    if (pat[i] == '[')
+      in_bracket = true;
+    else if (pat[i] == ']')
+      in_bracket = false;
     else if (pat[i] == ',' && !in_bracket) {
       alts.push_back({begin, i});
       begin = i + 1;

@@ -3,7 +3,7 @@
 set -euo pipefail
 packages=(build-essential cmake pkg-config ccache libgtest-dev libgmock-dev
   libbenchmark-dev libpugixml-dev libgeos-dev python3-ezdxf librecad
-  poppler-utils librsvg2-bin clang-14 libfuzzer-14-dev libclang-rt-14-dev)
+  poppler-utils librsvg2-bin fonts-liberation2 clang-14 libfuzzer-14-dev libclang-rt-14-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -1,0 +1,223 @@
+// Class General: the project record, element records, networks with their
+// layers and standard blocks, selection sets, plan geometry, text import and
+// string rules. Every operation works on what the drawing holds and keeps
+// nothing between calls, so the operations are static; an instance may be
+// held and called all the same.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/text_table.h"
+#include "host/types.h"
+
+namespace kestrana::host {
+class Application;
+class Block;
+class DataGrid;
+class Document;
+class Entity;
+class Layer;
+class Line;
+class LwPolyline;
+class Object;
+class SelectionSet;
+}  // namespace kestrana::host
+
+namespace kestrana::types {
+struct ShpPipe;
+}
+
+namespace kestrana::core {
+
+class Record;
+
+// What OpenLayerForWrite found of one layer; an empty name stands for a
+// layer that does not exist.
+struct LayerStatus {
+  std::string name;
+  bool frozen = false;
+  bool locked = false;
+  friend bool operator==(const LayerStatus&, const LayerStatus&) = default;
+};
+
+// The critical message that refuses a project made by a newer version.
+std::string NewerProjectMessage(std::string_view project_version);
+
+class General {
+ public:
+  // --- Project record, versions and units -------------------------------
+
+  // The Civil 3D programmatic identifier for the host's version ("" when
+  // the version is not supported).
+  static std::string GetAeccAppString(host::Application& acad_app);
+  // False (after a critical message) when the project needs a newer
+  // version of this system.
+  static bool VerfiyVersionKestranaCompatibility(host::Document& document);
+  // Field 11; "" after the "no project" message when there is no project.
+  static std::string GetKestranaProjectVersion(host::Document& document);
+  static std::string GetKestranaProgramVersion();
+  // Field 7; MissingRecordError without a project.
+  static std::string GetModelUnits(host::Document& document);
+  static void TurnEventsOn(host::Document& document);
+  static void TurnEventsOff(host::Document& document);
+  // Field 2; 0 without a project or on any error.
+  static int16_t CheckEventsFlag(host::Document& document);
+
+  // --- Element records ---------------------------------------------------
+
+  // Third and second ";"-pieces; std::out_of_range when there are fewer.
+  static std::string EntityLabelFromCombined(std::string_view combined_label);
+  static std::string EntityNetworkFromCombined(std::string_view combined_label);
+  // Field 2 of the record, or "Nothing" for an object without element data
+  // (no record, or only the application name).
+  static std::string GetElementType(const host::Object& my_entity);
+  // The network named in field 1, or "Nothing" as above.
+  static std::string GetElementNetwork(const host::Object& my_entity);
+  static std::string GetNodeTypeFromPipeType(std::string_view pipe_type);
+  // Whether one ";"-piece of `text` equals `object_id`.
+  static bool Check_ID_Exists(std::string_view object_id,
+                              std::string_view text);
+  // The object-ID list without the entries numerically equal to the ID.
+  static std::string ExcludeID(std::string_view object_id,
+                               std::string_view text);
+  // Drops every entry that ends with `reference_to_be_deleted`; format 0
+  // keeps the reference-list form, 1 the object-ID list form, others "".
+  static std::string DeleteReferenceInReferenceString(
+      std::string_view reference_string,
+      std::string_view reference_to_be_deleted, int format_index);
+  static std::string ReplaceReferenceInReferenceString(
+      std::string_view reference_string, std::string_view old_reference,
+      std::string_view new_reference);
+  // "%%c200", "1200X800", "2 %%c200", "3 (1200X800)".
+  static std::string BuildSectionSizeString(const Record& x_data);
+  // A slope in decimal (0), percent (1) or ratio (2) notation; nullopt for
+  // any other notation.
+  static std::optional<std::string> BuildSlopeString(
+      double slope_value, std::string_view precision_index,
+      std::string_view decimals_index, std::string_view format_index);
+
+  // --- Networks, layers and standard blocks ------------------------------
+
+  static void CreateNetworkDefintion(host::Document& document,
+                                     std::string_view network_name,
+                                     std::string_view network_type);
+  static bool CheckNetworkExists(host::Document& document,
+                                 std::string_view network_name);
+  // One row per network (name, type); one empty row when there is none.
+  static TextTable GetNetworkDefinitions(host::Document& document);
+  // The names in order; one empty name when there is none.
+  static std::vector<std::string> GetNetworkNames(host::Document& document);
+  // The set "NetworkSet": option 0 pipes, nodes and their annotation and
+  // arrow blocks, 1 pipes, 2 nodes, other values nothing.
+  static host::SelectionSet& GetNetworkSet(host::Document& document,
+                                           std::string_view net_name,
+                                           int elements_option);
+  // Removes the network from the project record only;
+  // std::invalid_argument for a name that is not defined.
+  static void DeleteNetworkDefintion(host::Document& document,
+                                     std::string_view network_name);
+  static void DeleteNetworkLayers(host::Document& document,
+                                  std::string_view net_name);
+  // The layer of a type ("Network", "Annotation", "Arrow",
+  // "CrossingPointLine", "CrossingPointText", "LowHighPoint"), created with
+  // its colour when missing; std::invalid_argument for another type.
+  static host::Layer& CreateStandardLayer(host::Document& document,
+                                          std::string_view net_name,
+                                          std::string_view layer_type);
+  static void SetLayerColor(host::Document& document,
+                            std::string_view layer_name,
+                            std::string_view color_name);
+  // Unlocks and thaws the named layers (";"-separated) and answers their
+  // former state for RestoreLayerStatus.
+  static std::vector<LayerStatus> OpenLayerForWrite(
+      host::Document& document, std::string_view layer_names_string);
+  static void RestoreLayerStatus(host::Document& document,
+                                 const std::vector<LayerStatus>& layer_status);
+  // Unlocks every layer; answers the names that were locked, or one empty
+  // name when none was.
+  static std::vector<std::string> UnlockAllLayers(host::Document& document);
+  static void RestoreLockedLayers(host::Document& document,
+                                  const std::vector<std::string>& locked);
+  // "Node", "LowHighPoint" or "CrossingPoint"; other types create nothing.
+  static void CreateStandardBlock(host::Document& document,
+                                  std::string_view element_type);
+  // Exact name comparison; model space is never reported.
+  static bool CheckBlockExists(host::Document& document,
+                               std::string_view block_name);
+  // The named definition emptied, or a new one at the origin.
+  static host::Block& InitializeBlockDefinition(host::Document& document,
+                                                std::string_view block_name);
+
+  // --- Selection sets and object-ID strings ------------------------------
+
+  static host::SelectionSet& InitializeSelectionSet(
+      host::Document& document, std::string_view selection_set_name);
+  static std::vector<host::Entity*> SelectionSetToArray(
+      host::SelectionSet& my_sel_set);
+  // The set "TempSet" with the entities of an object-ID list; pieces that
+  // name nothing are skipped.
+  static host::SelectionSet& ConvertOIDStringToSelectionSet(
+      host::Document& document, std::string_view oid_string);
+  // The members' IDs as decimal texts; one empty text for an empty set.
+  static std::vector<std::string> ConvertSelectionSetToOIDArray(
+      host::SelectionSet& my_set);
+
+  // --- Plan geometry -----------------------------------------------------
+
+  static bool CheckPointOnLine(const host::Point3& my_point,
+                               const host::Line& my_line);
+  static bool CheckPointOnPolyline(const host::Point3& my_point,
+                                   const host::LwPolyline& my_line);
+  // 1 at an end vertex, 2 elsewhere on the polyline, 0 off it.
+  static int16_t PointIsOnPolyline(const host::Point3& my_point,
+                                   const host::LwPolyline& my_polyline);
+  static double GetStation(const host::LwPolyline& pipe, double x, double y);
+  static double GetPointStationOnPolyline(
+      const std::vector<double>& pl_coordinates, const host::Point3& my_point);
+  static int16_t GetNodeIndexOnPolyline(const host::LwPolyline& pipe,
+                                        const host::Point3& my_point);
+  // The plan point at a station (Z 0); (0, 0) beyond the end.
+  static host::Point3 GetCoordinatesAtPipeStation(
+      const std::vector<double>& ar_coordinates, double station);
+  static double GetAngleFromDelta(double delta_x, double delta_y);
+  static double GetCorrectionAngleForCS(host::Document& document);
+  static int32_t RoundUp(double my_double);
+
+  // --- Text import, string rules and small utilities ---------------------
+
+  // The data lines after the line that starts with `start_string`, up to
+  // the first empty line; comment lines (";...") skipped; blanks collapsed.
+  // Ends with one empty entry; empty when the file does not exist.
+  static std::vector<std::string> ReadTextDataFromString(
+      const std::string& file_name, std::string_view start_string);
+  // "tab", "comma", "semicolon" or "space".
+  static std::string GetDelimiter(std::string_view text_string);
+  static std::vector<std::string> SplitTextByDelimiterName(
+      std::string_view text, std::string_view delimiter);
+  static std::string CleanExtraSpaces(std::string_view my_string);
+  static std::string CleanCote(std::string_view my_string);
+  static double CleanNumericString(std::string_view my_string);
+  // char_index 0 bans only ";", any other value the whole banned set.
+  static bool CheckTextForBannedCharacters(std::string_view my_string,
+                                           int char_index);
+  static std::vector<std::string> BubbleSort(std::vector<std::string> strings);
+  // Cell values by (row, column).
+  static TextTable GetDataFromGrid(const host::DataGrid& my_grid);
+  static double GetLeastInvert(std::string_view pipes_at_start_indeces,
+                               std::string_view pipes_at_end_indeces,
+                               const std::vector<types::ShpPipe>& ar_pipes);
+  static double GetMaxRise(std::string_view pipes_indeces,
+                           const std::vector<types::ShpPipe>& ar_pipes);
+  // The names of the surfaces of the civil document; empty (after a message
+  // when err_msg_index is 1) when there are none or the extension fails.
+  static std::vector<std::string> GetSurfaceNames(host::Document& document,
+                                                  int err_msg_index);
+  static double GetGroundLevelAtNode(host::Document& document,
+                                     host::ObjectId node_oid);
+};
+
+}  // namespace kestrana::core

@@ -1,0 +1,66 @@
+#include "core/project_setup.h"
+
+#include <stdexcept>
+#include <string>
+
+#include "core/general.h"
+#include "core/lists.h"
+#include "core/names.h"
+#include "core/project_defaults.h"
+#include "core/project_record.h"
+#include "host/host.h"
+
+namespace kestrana::core {
+
+namespace {
+
+// Crossings with a clearance below a negative threshold do not exist, so
+// every crossing of an enabled pair is shown.
+constexpr char kShowAllCrossings[] = "-1";
+
+// Markers are hidden points at the origin on layer "0".
+host::ObjectId AddMarker(host::Document& document,
+                         const host::XRecord& record) {
+  host::Point& point = document.ModelSpace().AddPoint({0, 0, 0});
+  point.SetLayer("0");
+  point.SetVisible(false);
+  point.SetXData(record);
+  return point.ObjectID();
+}
+
+}  // namespace
+
+ProjectMarkers CreateProject(host::Document& document, std::string_view units) {
+  if (units != kMetric && units != kUS)
+    throw std::invalid_argument("units must be \"Metric\" or \"US\", not \"" +
+                                std::string(units) + "\"");
+  if (FindProjectRecord(document))
+    throw std::runtime_error(kProjectExistsMessage);
+  const bool metric = units == kMetric;
+
+  std::vector<std::string> locked = General::UnlockAllLayers(document);
+  ProjectMarkers markers;
+  markers.view_style = AddMarker(document, StandardViewStyleRecord(metric));
+  markers.materials = AddMarker(document, DefaultMaterialLibraryRecord());
+  markers.sizes = AddMarker(document, DefaultSectionSizeLibraryRecord());
+  markers.profile_style =
+      AddMarker(document, StandardProfileStyleRecord(metric));
+
+  Record record = Record::WithCodes(kProjectRecordCodes);
+  record.SetText(
+      ProjectField::kViewStyles,
+      std::string(kStandardStyleName) + ";;" + IdListEntry(markers.view_style));
+  record.SetInt16(ProjectField::kEventsFlag, 1);
+  record.SetText(ProjectField::kMaterialsLibrary, IdText(markers.materials));
+  record.SetText(ProjectField::kSizesLibrary, IdText(markers.sizes));
+  record.SetText(ProjectField::kModelUnits, units);
+  record.SetText(ProjectField::kCrossingSettings, kShowAllCrossings);
+  record.SetText(ProjectField::kProfileStyles,
+                 IdListEntry(markers.profile_style));
+  record.SetText(ProjectField::kProjectVersion, kProgramVersion);
+  WriteProjectRecord(document, record);
+  General::RestoreLockedLayers(document, locked);
+  return markers;
+}
+
+}  // namespace kestrana::core

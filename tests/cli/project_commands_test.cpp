@@ -1,0 +1,134 @@
+// The project commands on real files, through the command line entry.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "cli/command.h"
+#include "cli/project.h"
+#include "core/general.h"
+#include "core/project_record.h"
+#include "dxf/io.h"
+
+namespace kestrana::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+class ProjectCommands : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir_ =
+        fs::temp_directory_path() /
+        ("kestrana_cli_" +
+         std::string(
+             ::testing::UnitTest::GetInstance()->current_test_info()->name()));
+    fs::remove_all(dir_);
+    fs::create_directories(dir_);
+  }
+  void TearDown() override { fs::remove_all(dir_); }
+
+  std::string Path(const std::string& name) { return (dir_ / name).string(); }
+  int Run(std::vector<std::string> args) {
+    out_.str("");
+    err_.str("");
+    Io io{out_, err_};
+    return Main(args, io);
+  }
+  static std::string Bytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+  }
+
+  fs::path dir_;
+  std::ostringstream out_, err_;
+};
+
+TEST_F(ProjectCommands, NewMakesADrawingThatReadsBack) {
+  std::string site = Path("site.dxf");
+  ASSERT_EQ(Run({"new", site, "--units", "US"}), 0) << err_.str();
+  auto doc = dxf::LoadDrawing(site);
+  EXPECT_EQ(core::General::GetModelUnits(*doc), "US");
+  EXPECT_TRUE(core::General::VerfiyVersionKestranaCompatibility(*doc));
+
+  std::string before = Bytes(site);
+  EXPECT_EQ(Run({"new", site}), 1);
+  EXPECT_EQ(err_.str(),
+            "kestrana new: This drawing already contains a Kestrana "
+            "project!\n");
+  EXPECT_EQ(Bytes(site), before);
+  EXPECT_EQ(Run({"new", site, "--units", "SI"}), 2);
+  EXPECT_EQ(Bytes(site), before);
+}
+
+TEST_F(ProjectCommands, NewAddsAProjectToAnExistingDrawing) {
+  std::string plain = Path("plain.dxf"), out = Path("out.dxf");
+  {
+    memhost::MemDocument doc;
+    doc.ModelSpace().AddLine({0, 0, 0}, {10, 0, 0});
+    dxf::SaveDrawing(doc, plain);
+  }
+  std::string before = Bytes(plain);
+  ASSERT_EQ(Run({"new", plain, "-o", out}), 0) << err_.str();
+  EXPECT_EQ(Bytes(plain), before);
+  auto doc = dxf::LoadDrawing(out);
+  EXPECT_EQ(core::General::GetModelUnits(*doc), "Metric");
+  int lines = 0;
+  for (host::Entity* e : doc->ModelSpace().Entities())
+    lines += e->EntityName() == "LINE";
+  EXPECT_EQ(lines, 1);
+}
+
+TEST_F(ProjectCommands, NetworksAreAddedAndListed) {
+  std::string site = Path("site.dxf");
+  ASSERT_EQ(Run({"new", site}), 0);
+  ASSERT_EQ(Run({"network", "add", site, "Sewer A", "--type", "Gravity"}), 0)
+      << err_.str();
+  ASSERT_EQ(Run({"network", "add", site, "Water 1", "--type=Pressure"}), 0);
+  std::string before = Bytes(site);
+  EXPECT_EQ(Run({"network", "add", site, "Sewer A", "--type", "Pressure"}), 1);
+  EXPECT_EQ(err_.str(),
+            "kestrana network add: A network named \"Sewer A\" already "
+            "exists\n");
+  EXPECT_EQ(Run({"network", "add", site, "Storm"}), 2);  // no --type
+  EXPECT_EQ(Bytes(site), before);
+
+  ASSERT_EQ(Run({"network", "list", site, "--json"}), 0);
+  EXPECT_EQ(out_.str(),
+            "[{\"name\": \"Sewer A\", \"type\": \"Gravity\", \"pipes\": 0, "
+            "\"nodes\": 0},\n {\"name\": \"Water 1\", \"type\": "
+            "\"Pressure\", \"pipes\": 0, \"nodes\": 0}]\n");
+  auto doc = dxf::LoadDrawing(site);
+  EXPECT_EQ(
+      core::ReadProjectRecord(*doc).Text(core::ProjectField::kCrossingSettings),
+      "-1;Water 1;Sewer A");
+  EXPECT_NE(doc->GetLayers().Find("Water 1 - Arrow"), nullptr);
+}
+
+TEST_F(ProjectCommands, DrawingsWithoutOrWithNewerProjectsAreRefused) {
+  std::string plain = Path("plain.dxf"), newer = Path("newer.dxf");
+  {
+    memhost::MemDocument doc;
+    dxf::SaveDrawing(doc, plain);
+    NewProject(doc, "Metric");
+    core::Record record = core::ReadProjectRecord(doc);
+    record.SetText(core::ProjectField::kProjectVersion, "2.10");
+    core::WriteProjectRecord(doc, record);
+    dxf::SaveDrawing(doc, newer);
+  }
+  EXPECT_EQ(Run({"network", "list", plain}), 1);
+  EXPECT_EQ(err_.str(),
+            "kestrana network list: This drawing does not contain a Kestrana "
+            "project!\n");
+  std::string before = Bytes(newer);
+  EXPECT_EQ(Run({"network", "add", newer, "S", "--type", "Gravity"}), 1);
+  EXPECT_EQ(err_.str(), "kestrana network add: " +
+                            core::NewerProjectMessage("2.10") + "\n");
+  EXPECT_EQ(Bytes(newer), before);
+  EXPECT_EQ(Run({"network", "list", Path("missing.dxf")}), 1);
+  EXPECT_NE(err_.str().find("missing.dxf"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace kestrana::cli
