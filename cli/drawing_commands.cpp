@@ -53,16 +53,19 @@ std::string FormatInfo(const InfoResult& r, bool json) {
     out << "{\"drawing\": " << JsonString(r.drawing)
         << ", \"version\": " << JsonString(s.version)
         << ", \"project\": " << (s.has_project ? "true" : "false")
-        << ", \"model_space\": {\"total\": " << s.model_space_total << ", \"by_type\": {";
+        << ", \"model_space\": {\"total\": " << s.model_space_total
+        << ", \"by_type\": {";
     for (size_t i = 0; i < s.model_space.size(); ++i)
       out << (i ? ", " : "") << JsonString(s.model_space[i].first) << ": "
           << s.model_space[i].second;
     out << "}}, \"paper_space\": {\"total\": " << s.paper_space_total
-        << "}, \"block_definitions\": " << s.block_definitions << ", \"layers\": [";
+        << "}, \"block_definitions\": " << s.block_definitions
+        << ", \"layers\": [";
     for (size_t i = 0; i < s.layers.size(); ++i) {
       const auto& l = s.layers[i];
       out << (i ? ", " : "") << "{\"name\": " << JsonString(l.name)
-          << ", \"color\": " << l.color << ", \"on\": " << (l.on ? "true" : "false")
+          << ", \"color\": " << l.color
+          << ", \"on\": " << (l.on ? "true" : "false")
           << ", \"frozen\": " << (l.frozen ? "true" : "false")
           << ", \"locked\": " << (l.locked ? "true" : "false")
           << ", \"entities\": " << l.entities << "}";
@@ -90,13 +93,15 @@ std::string FormatInfo(const InfoResult& r, bool json) {
       << "block definitions: " << s.block_definitions << "\n"
       << "layers: " << s.layers.size() << "\n";
   for (const auto& l : s.layers) {
-    out << "  " << Pad(l.name, 24) << "colour " << Pad(std::to_string(l.color), 4)
-        << (l.on ? "on " : "off") << (l.frozen ? " frozen" : "") << (l.locked ? " locked" : "")
-        << "  " << l.entities << " entities\n";
+    out << "  " << Pad(l.name, 24) << "colour "
+        << Pad(std::to_string(l.color), 4) << (l.on ? "on " : "off")
+        << (l.frozen ? " frozen" : "") << (l.locked ? " locked" : "") << "  "
+        << l.entities << " entities\n";
   }
   for (const auto& section : r.sections) {
     out << section.title << ":\n";
-    for (const auto& f : section.fields) out << "  " << f.key << ": " << f.value << "\n";
+    for (const auto& f : section.fields)
+      out << "  " << f.key << ": " << f.value << "\n";
   }
   return out.str();
 }
@@ -114,8 +119,8 @@ std::string FormatDump(const std::vector<dxf::RecordDump>& records, bool json) {
       const auto& d = records[i];
       out << (i ? ",\n " : "") << "{\"handle\": " << JsonString(d.handle)
           << ", \"id\": " << d.id << ", \"type\": " << JsonString(d.type)
-          << ", \"layer\": " << JsonString(d.layer) << ", \"block\": " << JsonString(d.block)
-          << ", \"record\": [";
+          << ", \"layer\": " << JsonString(d.layer)
+          << ", \"block\": " << JsonString(d.block) << ", \"record\": [";
       for (size_t k = 0; k < d.record.size(); ++k)
         out << (k ? ", " : "") << "[" << d.record[k].code << ", "
             << ValueJson(d.record[k].value) << "]";
@@ -163,30 +168,35 @@ int RunSave(const std::vector<std::string>& args, Io& io) {
   return 0;
 }
 
-Registrar info_command({"info", "what a drawing holds: version, entities, layers, project",
-                        "Usage: kestrana info DRAWING [--json]\n\n"
-                        "Shows the DXF version of DRAWING, its model-space entities by\n"
-                        "type, its paper-space entity count, block definitions and layers\n"
-                        "(colour, on/off, frozen, locked, entities on each), and whether it\n"
-                        "holds a Kestrana project (a Kestrana record on model space).\n\n"
-                        "  --json   print one JSON object instead of text\n",
-                        RunInfo});
+Registrar info_command(
+    {"info", "what a drawing holds: version, entities, layers, project",
+     "Usage: kestrana info DRAWING [--json]\n\n"
+     "Shows the DXF version of DRAWING, its model-space entities by\n"
+     "type, its paper-space entity count, block definitions and layers\n"
+     "(colour, on/off, frozen, locked, entities on each), and whether it\n"
+     "holds a Kestrana project (a Kestrana record on model space).\n\n"
+     "  --json   print one JSON object instead of text\n",
+     RunInfo});
 
-Registrar dump_command({"dump", "every Kestrana record of a drawing",
-                        "Usage: kestrana dump DRAWING [--json]\n\n"
-                        "Lists every object of DRAWING that carries a Kestrana record:\n"
-                        "its handle, object ID, type, layer and block, and the record as\n"
-                        "group code / value pairs.\n\n"
-                        "  --json   print a JSON array instead of text\n",
-                        RunDump});
+Registrar dump_command(
+    {"dump", "every Kestrana record of a drawing",
+     "Usage: kestrana dump DRAWING [--json]\n\n"
+     "Lists every object of DRAWING that carries a Kestrana record:\n"
+     "its handle, object ID, type, layer and block, and the record as\n"
+     "group code / value pairs.\n\n"
+     "  --json   print a JSON array instead of text\n",
+     RunDump});
 
-Registrar save_command({"save", "read a drawing and write it back unchanged",
-                        "Usage: kestrana save DRAWING [-o OUT]\n\n"
-                        "Reads DRAWING and writes it to OUT (or back over DRAWING) with\n"
-                        "nothing changed: every object is written as it was read. The file\n"
-                        "is replaced atomically; on any error it is left as it was.\n\n"
-                        "  -o, --output OUT   write to OUT instead of replacing DRAWING\n",
-                        RunSave});
+Registrar save_command(
+    {"save", "read a drawing and write it back unchanged",
+     "Usage: kestrana save DRAWING [-o OUT]\n\n"
+     "Reads DRAWING and writes it to OUT (or back over DRAWING) with\n"
+     "nothing changed: every object is written as it was read. Only what\n"
+     "a valid file needs is added: APPID entries for applications named\n"
+     "in extended data, and tables or block markers the file lacked.\n"
+     "The file is replaced atomically; on any error it is left as it was.\n\n"
+     "  -o, --output OUT   write to OUT instead of replacing DRAWING\n",
+     RunSave});
 
 }  // namespace
 

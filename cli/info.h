@@ -3,7 +3,8 @@
 //
 //   static cli::InfoSectionRegistrar project_info([](memhost::MemDocument& doc)
 //       -> std::optional<cli::InfoSection> {
-//     return cli::InfoSection{"project", {{"version", "2.00"}, {"networks", "3", true}}};
+//     return cli::InfoSection{"project", {{"version", "2.00"}, {"networks",
+//     "3", true}}};
 //   });
 //
 // Sections are printed after the built-in facts, in registration order,
@@ -15,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "dxf/inspect.h"
+#include "dxf/summary.h"
 #include "memhost/document.h"
 
 namespace kestrana::cli {
@@ -32,7 +33,8 @@ struct InfoSection {
 };
 
 // Returns nothing when the section does not apply to the drawing.
-using InfoSectionFn = std::function<std::optional<InfoSection>(memhost::MemDocument&)>;
+using InfoSectionFn =
+    std::function<std::optional<InfoSection>(memhost::MemDocument&)>;
 
 struct InfoSectionRegistrar {
   explicit InfoSectionRegistrar(InfoSectionFn fn);

@@ -13,6 +13,8 @@
 #include "core/text.h"
 #include "dxf/io.h"
 #include "host/host.h"
+#include "library/library.h"
+#include "viewstyle/view_style.h"
 
 namespace kestrana::cli {
 
@@ -51,7 +53,17 @@ core::ProjectMarkers NewProject(host::Document& document,
     throw UsageError("--units must be Metric or US, not '" + units + "'");
   if (core::FindProjectRecord(document))
     throw CommandError(core::kProjectExistsMessage);
-  return core::CreateProject(document, units);
+  // Markers go on layer "0", which may be locked.
+  std::vector<std::string> locked = General::UnlockAllLayers(document);
+  core::ProjectMarkers markers = core::CreateProjectRecord(document, units);
+  library::LibraryMarkers libraries =
+      library::Library::CreateLibraries(document);
+  markers.materials = libraries.materials;
+  markers.sizes = libraries.sizes;
+  markers.view_style = viewstyle::ViewStyle::CreateViewStyle(
+      document, viewstyle::StandardViewStyle(units == core::kMetric));
+  General::RestoreLockedLayers(document, locked);
+  return markers;
 }
 
 void AddNetwork(host::Document& document, const std::string& name,

@@ -1,30 +1,18 @@
-// What a new project starts with: the materials and section-sizes libraries
-// and a "Standard" view style and profile style. Each is a whole record for
-// its marker point; the record layouts belong to the library, view style and
-// profile subsystems, and these builders only fill them.
+// What a new project starts with in core: the "Standard" profile style
+// record for its marker point. The libraries and the "Standard" view style
+// are built by their own subsystems (library/, viewstyle/).
 #pragma once
 
 #include "host/types.h"
 
 namespace kestrana::core {
 
-// Field 2 of the marker records.
-inline constexpr char kMaterialLibraryPoint[] = "MaterialLibraryPoint";
-inline constexpr char kSectionSizeLibraryPoint[] = "SectionSizeLibraryPoint";
-inline constexpr char kViewStylePoint[] = "ViewStylePoint";
+// Field 2 of the profile style marker records.
 inline constexpr char kProfileStylePoint[] = "ProfileStylePoint";
 
-// Field 1 of a view style record is the style name behind this prefix.
-inline constexpr char kViewStyleNamePrefix[] = "VS";
+// The style every new project starts with and activates.
 inline constexpr char kStandardStyleName[] = "Standard";
 
-// Materials with zero use: names in field 3, counts in field 4.
-host::XRecord DefaultMaterialLibraryRecord();
-// Circular and box sizes of both unit systems with zero use (fields 3-10).
-host::XRecord DefaultSectionSizeLibraryRecord();
-// The 43-field "Standard" view style; heights and unit suffixes follow the
-// units.
-host::XRecord StandardViewStyleRecord(bool metric);
 // The 21-item "Standard" profile style.
 host::XRecord StandardProfileStyleRecord(bool metric);
 

@@ -18,19 +18,19 @@ namespace {
 // every crossing of an enabled pair is shown.
 constexpr char kShowAllCrossings[] = "-1";
 
-// Markers are hidden points at the origin on layer "0".
-host::ObjectId AddMarker(host::Document& document,
-                         const host::XRecord& record) {
+}  // namespace
+
+host::Point& AddMarkerPoint(host::Document& document,
+                            const host::XRecord& record) {
   host::Point& point = document.ModelSpace().AddPoint({0, 0, 0});
   point.SetLayer("0");
   point.SetVisible(false);
   point.SetXData(record);
-  return point.ObjectID();
+  return point;
 }
 
-}  // namespace
-
-ProjectMarkers CreateProject(host::Document& document, std::string_view units) {
+ProjectMarkers CreateProjectRecord(host::Document& document,
+                                   std::string_view units) {
   if (units != kMetric && units != kUS)
     throw std::invalid_argument("units must be \"Metric\" or \"US\", not \"" +
                                 std::string(units) + "\"");
@@ -40,19 +40,14 @@ ProjectMarkers CreateProject(host::Document& document, std::string_view units) {
 
   std::vector<std::string> locked = General::UnlockAllLayers(document);
   ProjectMarkers markers;
-  markers.view_style = AddMarker(document, StandardViewStyleRecord(metric));
-  markers.materials = AddMarker(document, DefaultMaterialLibraryRecord());
-  markers.sizes = AddMarker(document, DefaultSectionSizeLibraryRecord());
   markers.profile_style =
-      AddMarker(document, StandardProfileStyleRecord(metric));
+      AddMarkerPoint(document, StandardProfileStyleRecord(metric)).ObjectID();
 
   Record record = Record::WithCodes(kProjectRecordCodes);
-  record.SetText(
-      ProjectField::kViewStyles,
-      std::string(kStandardStyleName) + ";;" + IdListEntry(markers.view_style));
+  // The view style markers follow once they exist.
+  record.SetText(ProjectField::kViewStyles,
+                 std::string(kStandardStyleName) + ";;");
   record.SetInt16(ProjectField::kEventsFlag, 1);
-  record.SetText(ProjectField::kMaterialsLibrary, IdText(markers.materials));
-  record.SetText(ProjectField::kSizesLibrary, IdText(markers.sizes));
   record.SetText(ProjectField::kModelUnits, units);
   record.SetText(ProjectField::kCrossingSettings, kShowAllCrossings);
   record.SetText(ProjectField::kProfileStyles,

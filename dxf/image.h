@@ -38,6 +38,7 @@ struct ObjectRecord {
   // its original's record and is written from it under its own handle.
   uint64_t handle = 0;
   bool copied = false;
+  uint64_t owner = 0;  // 330 as read (0: none)
 };
 
 struct HeaderVar {
@@ -57,8 +58,8 @@ struct TableItem {
 struct TableImage {
   std::string name;  // "LAYER"
   uint64_t handle = 0;
-  Span head;         // "0 TABLE" up to the first entry
-  Span tail;         // "0 ENDTAB"
+  Span head;                     // "0 TABLE" up to the first entry
+  Span tail;                     // "0 ENDTAB"
   std::vector<TableItem> items;  // in file order, then new ones
   size_t count_read = 0;
 };
@@ -67,9 +68,9 @@ struct SectionImage {
   enum class Kind { kRaw, kHeader, kTables, kBlocks, kEntities };
   Kind kind = Kind::kRaw;
   std::string name;
-  Span span;  // the whole section
-  Span head;  // "0 SECTION 2 NAME"
-  Span tail;  // "0 ENDSEC"
+  Span span;                       // the whole section
+  Span head;                       // "0 SECTION 2 NAME"
+  Span tail;                       // "0 ENDSEC"
   std::vector<HeaderVar> vars;     // kHeader
   std::vector<TableImage> tables;  // kTables
   std::vector<uint64_t> blocks;    // kBlocks: block record handles in order

@@ -80,16 +80,22 @@ void WriteFileAtomically(const std::string& path, const std::string& bytes) {
   std::string tmp = dir + "/." + BaseName(path) + ".XXXXXX";
   int fd = ::mkstemp(tmp.data());
   if (fd < 0)
-    throw FileError("cannot write '" + path + "': cannot create a temporary file in '" +
-                    dir + "': " + std::strerror(errno));
+    throw FileError("cannot write '" + path +
+                    "': cannot create a temporary file in '" + dir +
+                    "': " + std::strerror(errno));
   auto fail = [&](const char* what) {
     int err = errno;
     ::close(fd);
     ::unlink(tmp.c_str());
-    throw FileError("cannot write '" + path + "': " + what + ": " + std::strerror(err));
+    throw FileError("cannot write '" + path + "': " + what + ": " +
+                    std::strerror(err));
   };
   struct stat st {};
-  mode_t mode = 0666 & ~[] { mode_t m = ::umask(0); ::umask(m); return m; }();
+  mode_t mode = 0666 & ~[] {
+    mode_t m = ::umask(0);
+    ::umask(m);
+    return m;
+  }();
   if (::stat(path.c_str(), &st) == 0) mode = st.st_mode & 07777;
   if (::fchmod(fd, mode) != 0) fail("setting permissions");
   size_t done = 0;
@@ -124,7 +130,8 @@ void SaveDrawing(memhost::MemDocument& doc, const std::string& path) {
   WriteFileAtomically(path, WriteDxf(doc));
 }
 
-void EditDrawing(const std::string& input, const std::optional<std::string>& output,
+void EditDrawing(const std::string& input,
+                 const std::optional<std::string>& output,
                  const std::function<void(memhost::MemDocument&)>& change,
                  const LoadOptions& options) {
   auto doc = LoadDrawing(input, options);

@@ -30,14 +30,14 @@ class FileError : public std::runtime_error {
 };
 
 struct LoadOptions {
-  memhost::Options host;                            // object-ID policy
-  std::shared_ptr<memhost::MemApplication> app;     // null: a new one
+  memhost::Options host;                         // object-ID policy
+  std::shared_ptr<memhost::MemApplication> app;  // null: a new one
 };
 
 // Reads the drawing at `path`. FileError when the file cannot be read;
 // DxfError ("PATH: line N: ...") when it is not a drawing kestrana reads.
-std::unique_ptr<memhost::MemDocument> LoadDrawing(const std::string& path,
-                                                  const LoadOptions& options = {});
+std::unique_ptr<memhost::MemDocument> LoadDrawing(
+    const std::string& path, const LoadOptions& options = {});
 
 // Writes `doc` to `path` atomically: a temporary file in the same folder,
 // flushed to disk, then renamed over `path` (keeping its permissions).
@@ -49,7 +49,8 @@ void WriteFileAtomically(const std::string& path, const std::string& bytes);
 // Loads `input`, runs `change`, then saves to `output` when given, else
 // over `input`. When loading, `change` or writing fails nothing is written
 // and the error propagates.
-void EditDrawing(const std::string& input, const std::optional<std::string>& output,
+void EditDrawing(const std::string& input,
+                 const std::optional<std::string>& output,
                  const std::function<void(memhost::MemDocument&)>& change,
                  const LoadOptions& options = {});
 

@@ -23,9 +23,15 @@ void ForBody(const Shape& s, F&& f) {
 void SetCoord(Point3& p, const Tag& t, int base) {
   double v = RealValue(t);
   switch ((t.code - base) / 10) {
-    case 0: p.x = v; break;
-    case 1: p.y = v; break;
-    default: p.z = v; break;
+    case 0:
+      p.x = v;
+      break;
+    case 1:
+      p.y = v;
+      break;
+    default:
+      p.z = v;
+      break;
   }
 }
 
@@ -38,8 +44,9 @@ int64_t OriginalInt(const Shape* original, std::string_view marker, int code,
                     int64_t fallback) {
   if (original == nullptr) return fallback;
   const Shape::Group* g =
-      original->has_markers ? original->Find(marker)
-                            : (original->groups.empty() ? nullptr : &original->groups[0]);
+      original->has_markers
+          ? original->Find(marker)
+          : (original->groups.empty() ? nullptr : &original->groups[0]);
   if (g == nullptr) return fallback;
   for (size_t i = g->begin; i < g->end; ++i)
     if (original->tags[i].code == code) {
@@ -54,14 +61,16 @@ int64_t OriginalInt(const Shape* original, std::string_view marker, int code,
 std::unique_ptr<MemEntity> ReadLine(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemLine>();
   ForBody(s, [&](std::string_view, const Tag& t) {
-    if (IsCoord(t.code, 10)) SetCoord(e->start_, t, 10);
-    else if (IsCoord(t.code, 11)) SetCoord(e->end_, t, 11);
+    if (IsCoord(t.code, 10))
+      SetCoord(e->start_, t, 10);
+    else if (IsCoord(t.code, 11))
+      SetCoord(e->end_, t, 11);
   });
   return e;
 }
-void LineFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void LineFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemLine&>(me);
-  FieldGroup& g = spec.groups.emplace_back("AcDbLine");
+  FieldGroup& g = plan.groups.emplace_back("AcDbLine");
   g.Point(10, e.start_);
   g.Point(11, e.end_);
 }
@@ -80,9 +89,9 @@ std::unique_ptr<MemEntity> ReadPoint(const Shape& s, ReadContext&) {
   });
   return e;
 }
-void PointFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void PointFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemPoint&>(me);
-  spec.groups.emplace_back("AcDbPoint").Point(10, e.position_);
+  plan.groups.emplace_back("AcDbPoint").Point(10, e.position_);
 }
 void PointHash(const MemEntity& me, Hasher& h) {
   h.Add(static_cast<const memhost::MemPoint&>(me).position_);
@@ -93,14 +102,16 @@ void PointHash(const MemEntity& me, Hasher& h) {
 std::unique_ptr<MemEntity> ReadCircle(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemCircle>();
   ForBody(s, [&](std::string_view, const Tag& t) {
-    if (IsCoord(t.code, 10)) SetCoord(e->center_, t, 10);
-    else if (t.code == 40) e->radius_ = RealValue(t);
+    if (IsCoord(t.code, 10))
+      SetCoord(e->center_, t, 10);
+    else if (t.code == 40)
+      e->radius_ = RealValue(t);
   });
   return e;
 }
-void CircleFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void CircleFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemCircle&>(me);
-  FieldGroup& g = spec.groups.emplace_back("AcDbCircle");
+  FieldGroup& g = plan.groups.emplace_back("AcDbCircle");
   g.Point(10, e.center_);
   g.Real(40, e.radius_);
 }
@@ -115,17 +126,22 @@ void CircleHash(const MemEntity& me, Hasher& h) {
 std::unique_ptr<MemEntity> ReadEllipse(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemEllipse>();
   ForBody(s, [&](std::string_view, const Tag& t) {
-    if (IsCoord(t.code, 10)) SetCoord(e->center_, t, 10);
-    else if (IsCoord(t.code, 11)) SetCoord(e->major_axis_, t, 11);
-    else if (t.code == 40) e->ratio_ = RealValue(t);
-    else if (t.code == 41) e->start_param_ = RealValue(t);
-    else if (t.code == 42) e->end_param_ = RealValue(t);
+    if (IsCoord(t.code, 10))
+      SetCoord(e->center_, t, 10);
+    else if (IsCoord(t.code, 11))
+      SetCoord(e->major_axis_, t, 11);
+    else if (t.code == 40)
+      e->ratio_ = RealValue(t);
+    else if (t.code == 41)
+      e->start_param_ = RealValue(t);
+    else if (t.code == 42)
+      e->end_param_ = RealValue(t);
   });
   return e;
 }
-void EllipseFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void EllipseFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemEllipse&>(me);
-  FieldGroup& g = spec.groups.emplace_back("AcDbEllipse");
+  FieldGroup& g = plan.groups.emplace_back("AcDbEllipse");
   g.Point(10, e.center_);
   g.Point(11, e.major_axis_);
   g.Real(40, e.ratio_);
@@ -155,9 +171,15 @@ std::unique_ptr<MemEntity> ReadLwPolyline(const Shape& s, ReadContext&) {
         e->xy_.reserve(declared * 2);
         break;
       }
-      case 70: e->closed_ = (IntValue(t) & 1) != 0; break;
-      case 43: e->constant_width_ = RealValue(t); break;
-      case 38: e->elevation_ = RealValue(t); break;
+      case 70:
+        e->closed_ = (IntValue(t) & 1) != 0;
+        break;
+      case 43:
+        e->constant_width_ = RealValue(t);
+        break;
+      case 38:
+        e->elevation_ = RealValue(t);
+        break;
       case 10:
         e->xy_.push_back(RealValue(t));
         e->xy_.push_back(0);
@@ -176,8 +198,13 @@ std::unique_ptr<MemEntity> ReadLwPolyline(const Shape& s, ReadContext&) {
       case 42:
         if (!e->bulges_.empty()) e->bulges_.back() = RealValue(t);
         break;
-      case 210: case 220: case 230: SetCoord(e->normal_, t, 210); break;
-      default: break;
+      case 210:
+      case 220:
+      case 230:
+        SetCoord(e->normal_, t, 210);
+        break;
+      default:
+        break;
     }
   });
   // Vertices without their own widths take the constant width.
@@ -187,9 +214,9 @@ std::unique_ptr<MemEntity> ReadLwPolyline(const Shape& s, ReadContext&) {
   }
   return e;
 }
-void LwPolylineFields(MemEntity& me, const WriteContext& ctx, WriteSpec& spec) {
+void LwPolylineFields(MemEntity& me, const WriteContext& ctx, WritePlan& plan) {
   auto& e = static_cast<memhost::MemLwPolyline&>(me);
-  FieldGroup& g = spec.groups.emplace_back("AcDbPolyline");
+  FieldGroup& g = plan.groups.emplace_back("AcDbPolyline");
   size_t n = e.xy_.size() / 2;
   g.Int(90, static_cast<int64_t>(n));
   int64_t flags = OriginalInt(ctx.original, "AcDbPolyline", 70, 0);
@@ -278,7 +305,8 @@ void TextPartFields(T& e, FieldGroup& g) {
   g.IntOr(72, h, 0);
   // Left-aligned texts have no alignment point unless one was set.
   g.PointOr(11, e.alignment_point_,
-            e.alignment_ == host::TextAlignment::kLeft && e.alignment_point_ == Point3{});
+            e.alignment_ == host::TextAlignment::kLeft &&
+                e.alignment_point_ == Point3{});
 }
 
 template <class T>
@@ -305,10 +333,10 @@ std::unique_ptr<MemEntity> ReadText(const Shape& s, ReadContext& ctx) {
   ReadTextPart(s, ctx, *e, 73);
   return e;
 }
-void TextFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void TextFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemText&>(me);
-  TextPartFields(e, spec.groups.emplace_back("AcDbText"));
-  spec.groups.emplace_back("AcDbText").IntOr(73, VerticalCode(e.alignment_), 0);
+  TextPartFields(e, plan.groups.emplace_back("AcDbText"));
+  plan.groups.emplace_back("AcDbText").IntOr(73, VerticalCode(e.alignment_), 0);
 }
 void TextHash(const MemEntity& me, Hasher& h) {
   TextPartHash(static_cast<const memhost::MemText&>(me), h);
@@ -319,15 +347,17 @@ std::unique_ptr<MemEntity> ReadAttrib(const Shape& s, ReadContext& ctx) {
   ReadTextPart(s, ctx, *e, 74);
   ForBody(s, [&](std::string_view marker, const Tag& t) {
     if (marker != "AcDbAttribute" && s.has_markers) return;
-    if (t.code == 2) e->tag_ = ctx.codec.Decode(t.value);
-    else if (t.code == 70) e->invisible_ = (IntValue(t) & 1) != 0;
+    if (t.code == 2)
+      e->tag_ = ctx.codec.Decode(t.value);
+    else if (t.code == 70)
+      e->invisible_ = (IntValue(t) & 1) != 0;
   });
   return e;
 }
-void AttribFields(MemEntity& me, const WriteContext& ctx, WriteSpec& spec) {
+void AttribFields(MemEntity& me, const WriteContext& ctx, WritePlan& plan) {
   auto& e = static_cast<memhost::MemAttributeReference&>(me);
-  TextPartFields(e, spec.groups.emplace_back("AcDbText"));
-  FieldGroup& g = spec.groups.emplace_back("AcDbAttribute");
+  TextPartFields(e, plan.groups.emplace_back("AcDbText"));
+  FieldGroup& g = plan.groups.emplace_back("AcDbAttribute");
   g.Text(2, e.tag_);
   int64_t flags = OriginalInt(ctx.original, "AcDbAttribute", 70, 0);
   g.Int(70, (flags & ~int64_t{1}) | (e.invisible_ ? 1 : 0));
@@ -345,16 +375,19 @@ std::unique_ptr<MemEntity> ReadAttdef(const Shape& s, ReadContext& ctx) {
   ReadTextPart(s, ctx, *e, 74);
   ForBody(s, [&](std::string_view marker, const Tag& t) {
     if (marker != "AcDbAttributeDefinition" && s.has_markers) return;
-    if (t.code == 2) e->tag_ = ctx.codec.Decode(t.value);
-    else if (t.code == 3) e->prompt_ = ctx.codec.Decode(t.value);
-    else if (t.code == 70) e->mode_ = static_cast<int>(IntValue(t) & 15);
+    if (t.code == 2)
+      e->tag_ = ctx.codec.Decode(t.value);
+    else if (t.code == 3)
+      e->prompt_ = ctx.codec.Decode(t.value);
+    else if (t.code == 70)
+      e->mode_ = static_cast<int>(IntValue(t) & 15);
   });
   return e;
 }
-void AttdefFields(MemEntity& me, const WriteContext& ctx, WriteSpec& spec) {
+void AttdefFields(MemEntity& me, const WriteContext& ctx, WritePlan& plan) {
   auto& e = static_cast<memhost::MemAttributeDefinition&>(me);
-  TextPartFields(e, spec.groups.emplace_back("AcDbText"));
-  FieldGroup& g = spec.groups.emplace_back("AcDbAttributeDefinition");
+  TextPartFields(e, plan.groups.emplace_back("AcDbText"));
+  FieldGroup& g = plan.groups.emplace_back("AcDbAttributeDefinition");
   g.Text(3, e.prompt_);
   g.Text(2, e.tag_);
   int64_t flags = OriginalInt(ctx.original, "AcDbAttributeDefinition", 70, 0);
@@ -374,20 +407,26 @@ void AttdefHash(const MemEntity& me, Hasher& h) {
 std::unique_ptr<MemEntity> ReadInsert(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<memhost::MemBlockReference>();
   ForBody(s, [&](std::string_view, const Tag& t) {
-    if (t.code == 2) e->block_name_ = ctx.codec.Decode(t.value);
-    else if (IsCoord(t.code, 10)) SetCoord(e->insertion_, t, 10);
-    else if (t.code == 41) e->sx_ = RealValue(t);
-    else if (t.code == 42) e->sy_ = RealValue(t);
-    else if (t.code == 43) e->sz_ = RealValue(t);
-    else if (t.code == 50) e->rotation_ = RealValue(t) * kDegree;
+    if (t.code == 2)
+      e->block_name_ = ctx.codec.Decode(t.value);
+    else if (IsCoord(t.code, 10))
+      SetCoord(e->insertion_, t, 10);
+    else if (t.code == 41)
+      e->sx_ = RealValue(t);
+    else if (t.code == 42)
+      e->sy_ = RealValue(t);
+    else if (t.code == 43)
+      e->sz_ = RealValue(t);
+    else if (t.code == 50)
+      e->rotation_ = RealValue(t) * kDegree;
   });
   if (e->block_name_.empty())
     throw DxfError(s.Line(), "the INSERT has no block name (group code 2)");
   return e;
 }
-void InsertFields(MemEntity& me, const WriteContext&, WriteSpec& spec) {
+void InsertFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemBlockReference&>(me);
-  FieldGroup& g = spec.groups.emplace_back("AcDbBlockReference");
+  FieldGroup& g = plan.groups.emplace_back("AcDbBlockReference");
   bool attributes = false;
   for (auto* a : e.Attributes()) attributes = attributes || !a->IsErased();
   g.IntOr(66, attributes ? 1 : 0, 0);
@@ -422,7 +461,8 @@ struct HatchData {
 // Walks the group: counted structures are read by their counts.
 class HatchParser {
  public:
-  HatchParser(const Shape& s, const Shape::Group& g) : s_(s), i_(g.begin), end_(g.end) {}
+  HatchParser(const Shape& s, const Shape::Group& g)
+      : s_(s), i_(g.begin), end_(g.end) {}
 
   HatchData Parse() {
     HatchData d;
@@ -439,8 +479,10 @@ class HatchParser {
       if (Code() != 92) Fail("92 (boundary path type)");
       loop.flags = static_cast<int>(Int());
       loop.is_polyline = (loop.flags & 2) != 0;
-      if (loop.is_polyline) ReadPolyline(loop);
-      else ReadEdges(loop);
+      if (loop.is_polyline)
+        ReadPolyline(loop);
+      else
+        ReadEdges(loop);
       if (i_ < end_ && Code() == 97) {
         int64_t m = Int();
         for (int64_t q = 0; q < m && i_ < end_ && Code() == 330; ++q)
@@ -459,8 +501,9 @@ class HatchParser {
   double Real() { return RealValue(s_.tags[i_++]); }
   [[noreturn]] void Fail(const char* expected) const {
     const Tag& t = i_ < end_ ? s_.tags[i_] : s_.tags[end_ - 1];
-    throw DxfError(t.line, std::string("in the HATCH boundary, expected group code ") +
-                               expected + ", found " + std::to_string(t.code));
+    throw DxfError(t.line,
+                   std::string("in the HATCH boundary, expected group code ") +
+                       expected + ", found " + std::to_string(t.code));
   }
   double Expect(int code, const char* what) {
     if (i_ >= end_ || Code() != code) Fail(what);
@@ -507,8 +550,10 @@ class HatchParser {
           edge.center = XY(10);
           if (type == 3) edge.major_axis = XY(11);
           double r = Expect(40, "40 (radius or ratio)");
-          if (type == 2) edge.radius = r;
-          else edge.ratio = r;
+          if (type == 2)
+            edge.radius = r;
+          else
+            edge.ratio = r;
           double a0 = Expect(50, "50 (start angle)") * kDegree;
           double a1 = Expect(51, "51 (end angle)") * kDegree;
           edge.counter_clockwise = !(i_ < end_ && Code() == 73) || Int() != 0;
@@ -522,8 +567,9 @@ class HatchParser {
           ReadSpline(edge);
           break;
         default:
-          throw DxfError(s_.tags[i_ - 1].line + 1,
-                         "a HATCH edge type is 1 to 4, not " + std::to_string(type));
+          throw DxfError(
+              s_.tags[i_ - 1].line + 1,
+              "a HATCH edge type is 1 to 4, not " + std::to_string(type));
       }
       loop.edges.push_back(std::move(edge));
     }
@@ -561,14 +607,16 @@ class HatchParser {
   size_t i_, end_;
 };
 
-bool SameLoops(const std::vector<host::HatchLoop>& a, const std::vector<host::HatchLoop>& b) {
+bool SameLoops(const std::vector<host::HatchLoop>& a,
+               const std::vector<host::HatchLoop>& b) {
   if (a.size() != b.size()) return false;
   for (size_t i = 0; i < a.size(); ++i) {
     const auto& x = a[i];
     const auto& y = b[i];
     if (x.flags != y.flags || x.is_polyline != y.is_polyline ||
-        x.vertices != y.vertices || x.bulges != y.bulges || x.closed != y.closed ||
-        x.sources != y.sources || x.edges.size() != y.edges.size())
+        x.vertices != y.vertices || x.bulges != y.bulges ||
+        x.closed != y.closed || x.sources != y.sources ||
+        x.edges.size() != y.edges.size())
       return false;
     for (size_t k = 0; k < x.edges.size(); ++k) {
       const auto& p = x.edges[k];
@@ -585,7 +633,8 @@ bool SameLoops(const std::vector<host::HatchLoop>& a, const std::vector<host::Ha
   return true;
 }
 
-void WriteLoops(const memhost::MemHatch& e, memhost::MemDocument& doc, TagWriter& w) {
+void WriteLoops(const memhost::MemHatch& e, memhost::MemDocument& doc,
+                TagWriter& w) {
   w.Int(91, static_cast<int64_t>(e.loops_.size()));
   for (const auto& loop : e.loops_) {
     w.Int(92, loop.flags | (loop.is_polyline ? 2 : 0));
@@ -665,11 +714,13 @@ void WriteLoops(const memhost::MemHatch& e, memhost::MemDocument& doc, TagWriter
 
 std::unique_ptr<MemEntity> ReadHatch(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<memhost::MemHatch>();
-  const Shape::Group* g = s.has_markers ? s.Find("AcDbHatch")
-                                        : (s.groups.empty() ? nullptr : &s.groups[0]);
+  const Shape::Group* g = s.has_markers
+                              ? s.Find("AcDbHatch")
+                              : (s.groups.empty() ? nullptr : &s.groups[0]);
   if (g == nullptr) return e;
   HatchData d = HatchParser(s, *g).Parse();
-  bool seen_point = false, seen_type = false, seen_angle = false, seen_scale = false;
+  bool seen_point = false, seen_type = false, seen_angle = false,
+       seen_scale = false;
   for (size_t i = g->begin; i < g->end; ++i) {
     const Tag& t = s.tags[i];
     if (i >= d.loops_begin && i < d.loops_end) continue;
@@ -727,12 +778,16 @@ void WriteHatchGroup(memhost::MemHatch& e, const WriteContext& ctx,
   // The original's sources, as IDs, to compare the loops whole.
   for (size_t k = 0; k < d.loops.size(); ++k)
     for (uint64_t hnd : d.sources[k])
-      if (auto* obj = ctx.doc.FindByHandle(hnd)) d.loops[k].sources.push_back(obj->Id());
+      if (auto* obj = ctx.doc.FindByHandle(hnd))
+        d.loops[k].sources.push_back(obj->Id());
   bool same_loops = SameLoops(d.loops, e.loops_);
-  bool seen_point = false, seen_type = false, seen_angle = false, seen_scale = false;
+  bool seen_point = false, seen_type = false, seen_angle = false,
+       seen_scale = false;
   auto keep_or = [&](size_t i, const std::string& text) {
-    if (s.tags[i].value == text) w.Raw(s.TagBytes(i));
-    else w.Text(s.tags[i].code, text);
+    if (s.tags[i].value == text)
+      w.Raw(s.TagBytes(i));
+    else
+      w.Text(s.tags[i].code, text);
   };
   auto real_or = [&](size_t i, double v) {
     double old;
@@ -746,7 +801,8 @@ void WriteHatchGroup(memhost::MemHatch& e, const WriteContext& ctx,
     const Tag& t = s.tags[i];
     if (i == d.loops_begin && d.loops_begin < d.loops_end) {
       if (same_loops) {
-        for (size_t k = d.loops_begin; k < d.loops_end; ++k) w.Raw(s.TagBytes(k));
+        for (size_t k = d.loops_begin; k < d.loops_end; ++k)
+          w.Raw(s.TagBytes(k));
       } else {
         WriteLoops(e, ctx.doc, w);
       }
@@ -761,8 +817,9 @@ void WriteHatchGroup(memhost::MemHatch& e, const WriteContext& ctx,
       keep_or(i, codec.Encode(e.pattern_name_));
     } else if (before && t.code == 70) {
       int64_t v;
-      keep_or(i, ParseInt(t.value, v) && (v != 0) == solid ? std::string(t.value)
-                                                           : std::to_string(solid ? 1 : 0));
+      keep_or(i, ParseInt(t.value, v) && (v != 0) == solid
+                     ? std::string(t.value)
+                     : std::to_string(solid ? 1 : 0));
     } else if (before && t.code == 71) {
       int64_t v;
       keep_or(i, ParseInt(t.value, v) && (v != 0) == e.associative_
@@ -787,12 +844,12 @@ void WriteHatchGroup(memhost::MemHatch& e, const WriteContext& ctx,
   if (d.loops_begin == d.loops_end) WriteLoops(e, ctx.doc, w);
 }
 
-void HatchFields(MemEntity& me, const WriteContext& ctx, WriteSpec& spec) {
+void HatchFields(MemEntity& me, const WriteContext& ctx, WritePlan& plan) {
   auto& e = static_cast<memhost::MemHatch&>(me);
-  spec.groups.emplace_back("AcDbHatch");
-  spec.custom_marker = "AcDbHatch";
+  plan.groups.emplace_back("AcDbHatch");
+  plan.custom_marker = "AcDbHatch";
   WriteContext copy = ctx;
-  spec.custom = [&e, copy](const Shape::Group* og, TagWriter& w) {
+  plan.custom = [&e, copy](const Shape::Group* og, TagWriter& w) {
     WriteHatchGroup(e, copy, og, w);
   };
 }
@@ -835,7 +892,7 @@ std::unique_ptr<MemEntity> ReadOther(const Shape& s) {
   if (s.has_markers && !s.groups.empty() && !s.groups.back().marker.empty())
     object_name = std::string(s.groups.back().marker);
   auto e = std::make_unique<memhost::MemOtherEntity>(std::string(s.Type()),
-                                                      std::move(object_name));
+                                                     std::move(object_name));
   // Points that stand for the extent: every X/Y pair of codes 10 to 18.
   const Tag* x = nullptr;
   ForBody(s, [&](std::string_view, const Tag& t) {
@@ -910,10 +967,17 @@ std::unique_ptr<MemEntity> ReadEntityOfShape(const Shape& s, ReadContext& ctx,
         case 8:
           if (!t.value.empty()) layer = ctx.codec.Decode(t.value);
           break;
-        case 62: e->color_ = static_cast<int>(IntValue(t)); break;
-        case 60: e->visible_ = IntValue(t) == 0; break;
-        case 67: paper_space = IntValue(t) == 1; break;
-        default: break;
+        case 62:
+          e->color_ = static_cast<int>(IntValue(t));
+          break;
+        case 60:
+          e->visible_ = IntValue(t) == 0;
+          break;
+        case 67:
+          paper_space = IntValue(t) == 1;
+          break;
+        default:
+          break;
       }
     }
   }
@@ -921,8 +985,10 @@ std::unique_ptr<MemEntity> ReadEntityOfShape(const Shape& s, ReadContext& ctx,
   return e;
 }
 
-void ApplyXData(const Shape& shape, memhost::MemObject& obj, const TextCodec& codec) {
-  if (shape.xdata_begin < shape.tags.size()) obj.SetAllXData(ParseXData(shape, codec));
+void ApplyXData(const Shape& shape, memhost::MemObject& obj,
+                const TextCodec& codec) {
+  if (shape.xdata_begin < shape.tags.size())
+    obj.SetAllXData(ParseXData(shape, codec));
 }
 
 uint64_t EntityHash(const MemEntity& e) {
@@ -939,8 +1005,8 @@ uint64_t EntityHash(const MemEntity& e) {
   return h.Value();
 }
 
-void EntitySpec(MemEntity& e, const WriteContext& ctx, WriteSpec& spec) {
-  FieldGroup& common = spec.groups.emplace_back("AcDbEntity");
+void EntityPlan(MemEntity& e, const WriteContext& ctx, WritePlan& plan) {
+  FieldGroup& common = plan.groups.emplace_back("AcDbEntity");
   common.IntOr(67, ctx.paper_space ? 1 : 0, 0);
   common.Text(8, e.LayerName());
   common.IntOr(62, e.color_, host::color::kByLayer);
@@ -948,8 +1014,8 @@ void EntitySpec(MemEntity& e, const WriteContext& ctx, WriteSpec& spec) {
   host::Entity& he = e.AsHostEntity();
   if (he.Kind() != host::EntityKind::kOther)
     if (const EntityCodec* codec = FindEntityCodec(he.EntityName()))
-      codec->fields(e, ctx, spec);
-  spec.xdata = &e.XData();
+      codec->fields(e, ctx, plan);
+  plan.xdata = &e.XData();
 }
 
 }  // namespace kestrana::dxf

@@ -35,9 +35,11 @@ struct WriteContext {
 
 struct EntityCodec {
   std::string_view type;  // "LINE"
-  std::unique_ptr<memhost::MemEntity> (*read)(const Shape& shape, ReadContext& ctx);
+  std::unique_ptr<memhost::MemEntity> (*read)(const Shape& shape,
+                                              ReadContext& ctx);
   // Adds the kind's groups (after the common AcDbEntity group).
-  void (*fields)(memhost::MemEntity& e, const WriteContext& ctx, WriteSpec& spec);
+  void (*fields)(memhost::MemEntity& e, const WriteContext& ctx,
+                 WritePlan& plan);
   void (*hash)(const memhost::MemEntity& e, Hasher& h);
 };
 
@@ -53,13 +55,15 @@ std::unique_ptr<memhost::MemEntity> ReadEntityOfShape(const Shape& shape,
                                                       bool& paper_space,
                                                       bool raw_only);
 // Sets what every entity carries; call after the entity joined the document.
-void ApplyXData(const Shape& shape, memhost::MemObject& obj, const TextCodec& codec);
+void ApplyXData(const Shape& shape, memhost::MemObject& obj,
+                const TextCodec& codec);
 
 // Fingerprint of an entity's whole state (common fields, kind, XData).
 uint64_t EntityHash(const memhost::MemEntity& e);
 
 // Everything an entity writes, for WriteObject.
-void EntitySpec(memhost::MemEntity& e, const WriteContext& ctx, WriteSpec& spec);
+void EntityPlan(memhost::MemEntity& e, const WriteContext& ctx,
+                WritePlan& plan);
 
 // Text alignment codes of the file (72 and 73/74) and of the host.
 host::TextAlignment AlignmentFromCodes(int horizontal, int vertical);

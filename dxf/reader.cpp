@@ -19,8 +19,6 @@ using memhost::MemObject;
 
 namespace {
 
-constexpr double kDegree = 3.14159265358979323846 / 180.0;
-
 bool StartsWithNoCase(std::string_view s, std::string_view prefix) {
   if (s.size() < prefix.size()) return false;
   for (size_t i = 0; i < prefix.size(); ++i) {
@@ -34,7 +32,8 @@ bool StartsWithNoCase(std::string_view s, std::string_view prefix) {
 
 std::string Quoted(std::string_view s) {
   std::string out = "\"";
-  for (char c : s.substr(0, 60)) out += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
+  for (char c : s.substr(0, 60))
+    out += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
   return out + (s.size() > 60 ? "...\"" : "\"");
 }
 
@@ -47,11 +46,7 @@ class Reader {
         tok_(img_.buffer),
         ctx_{doc, img_.codec, {}} {
     shape_.file = img_.buffer;
-    // Objects every document starts with give way to the file's handles.
-    movable_.insert(&doc_.ModelSpaceBlock());
-    movable_.insert(&doc_.PaperSpaceBlock());
-    for (auto* l : doc_.LayerList()) movable_.insert(l);
-    for (auto* s : doc_.TextStyleList()) movable_.insert(s);
+    initial_seed_ = doc_.HandleSeed();
   }
 
   void Run();
@@ -74,6 +69,8 @@ class Reader {
   void ReadEntities(MemBlock* owner, std::string_view stop);
   void ReadEntity(MemBlock* owner);
   void ClaimHandle(uint64_t handle, uint32_t line);
+  // ClaimHandle for something kept outside the model.
+  void ReserveRaw(uint64_t handle, uint32_t line);
   void Claim(MemObject& obj, uint64_t handle, uint32_t line);
   void Finish();
 
@@ -85,13 +82,17 @@ class Reader {
   Tag tag_;
   bool at_end_ = false;
   Shape shape_;
-  // Where each handle was met, to name both lines of a duplicate.
-  std::unordered_map<uint64_t, uint32_t> handle_lines_;
-  std::unordered_set<MemObject*> movable_;
-  std::unordered_set<MemObject*> from_file_;
+  // Where each handle of something kept outside the model was met, to
+  // name both lines of a duplicate; objects of the model know their line.
+  std::unordered_map<uint64_t, uint32_t> raw_lines_;
+  // Objects the file gave no handle; they may move aside for later ones.
+  std::vector<MemObject*> unhandled_;
+  uint64_t max_handle_ = 0;
+  uint64_t initial_seed_ = 0;
   uint32_t section_line_ = 0;
   std::string section_name_;
   uint64_t file_seed_ = 0;
+  uint32_t eof_line_ = 0;
 };
 
 void Reader::Advance(const char* inside) {
@@ -106,7 +107,8 @@ void Reader::Advance(const char* inside) {
 
 void Reader::Unexpected(const char* expected) {
   throw DxfError(tag_.line, std::string("expected ") + expected + ", found " +
-                                std::to_string(tag_.code) + " " + Quoted(tag_.value));
+                                std::to_string(tag_.code) + " " +
+                                Quoted(tag_.value));
 }
 
 void Reader::ReadShape(int handle_code) {
@@ -122,38 +124,53 @@ void Reader::ReadShape(int handle_code) {
   tag_ = next;
 }
 
+// Objects read from the file with a handle of their own.
+bool FromFile(MemObject& obj) {
+  const ObjectRecord* r = RecordOf(obj);
+  return r != nullptr && r->read && r->handle != 0;
+}
+
 void Reader::ClaimHandle(uint64_t handle, uint32_t line) {
-  auto [it, inserted] = handle_lines_.emplace(handle, line);
-  if (!inserted)
+  auto duplicate = [&](uint32_t first) {
     throw DxfError(line, "handle " + FormatHandle(handle) +
                              " is already used by the object at line " +
-                             std::to_string(it->second));
+                             std::to_string(first));
+  };
+  if (auto it = raw_lines_.find(handle); it != raw_lines_.end())
+    duplicate(it->second);
   if (MemObject* holder = doc_.FindByHandle(handle)) {
+    if (FromFile(*holder)) duplicate(RecordOf(*holder)->line);
     // Objects the file did not give this handle (defaults, layers made for
     // entities on undeclared layers, ...) move aside.
-    if (from_file_.count(holder) && !movable_.count(holder))
-      throw DxfError(line, "handle " + FormatHandle(handle) + " is used twice");
     doc_.Rehandle(*holder, doc_.NextHandle());
   }
+  max_handle_ = std::max(max_handle_, handle);
+}
+
+void Reader::ReserveRaw(uint64_t handle, uint32_t line) {
+  if (handle == 0) return;
+  ClaimHandle(handle, line);
+  raw_lines_.emplace(handle, line);
+  doc_.ReserveHandle(handle);
 }
 
 void Reader::Claim(MemObject& obj, uint64_t handle, uint32_t line) {
   if (handle != 0) {
     ClaimHandle(handle, line);
     doc_.Rehandle(obj, handle);
-    movable_.erase(&obj);
   }
-  from_file_.insert(&obj);
 }
 
 void Reader::Run() {
   std::string_view text = img_.buffer;
-  if (text.empty()) throw DxfError(1, "the file is empty; expected a DXF drawing");
+  if (text.empty())
+    throw DxfError(1, "the file is empty; expected a DXF drawing");
   if (text.substr(0, 18) == "AutoCAD Binary DXF")
     throw DxfError(1, "this is a binary DXF file; only ASCII DXF can be read");
   size_t nl = text.find('\n');
-  img_.eol = nl != std::string_view::npos && nl > 0 && text[nl - 1] == '\r' ? "\r\n"
-                                                                           : "\n";
+  img_.eol = nl != std::string_view::npos && nl > 0 && text[nl - 1] == '\r'
+                 ? "\r\n"
+                 : "\n";
   size_t prefix_begin = 0;
   try {
     if (!tok_.Next(tag_)) throw DxfError(1, "the file holds no DXF tags");
@@ -173,13 +190,15 @@ void Reader::Run() {
         img_.sections.push_back(std::move(raw));
       }
       img_.trailer = {tag_.offset, text.size()};
+      eof_line_ = tag_.line;
       break;
     }
     if (tag_.code != 0 || tag_.value != "SECTION") {
       if (tag_.line == 1)
-        throw DxfError(1, "expected 0 SECTION at the start of a DXF file, found " +
-                              std::to_string(tag_.code) + " " + Quoted(tag_.value) +
-                              "; this is not a DXF drawing");
+        throw DxfError(
+            1, "expected 0 SECTION at the start of a DXF file, found " +
+                   std::to_string(tag_.code) + " " + Quoted(tag_.value) +
+                   "; this is not a DXF drawing");
       Unexpected("0 SECTION or 0 EOF");
     }
     if (prefix_begin < tag_.offset) {
@@ -201,7 +220,8 @@ void Reader::ReadSection() {
   section_line_ = tag_.line;
   section_name_ = "a section";
   Advance("a section");
-  if (tag_.code != 2) Unexpected("2 and the name of the section after 0 SECTION");
+  if (tag_.code != 2)
+    Unexpected("2 and the name of the section after 0 SECTION");
   SectionImage section;
   section.name = std::string(tag_.value);
   section_name_ = section.name;
@@ -229,7 +249,8 @@ void Reader::ReadSection() {
   section.span = {start, section.tail.end};
   for (const auto& s : img_.sections)
     if (s.kind != SectionImage::Kind::kRaw && s.kind == section.kind)
-      throw DxfError(section_line_, "the " + section.name + " section appears twice");
+      throw DxfError(section_line_,
+                     "the " + section.name + " section appears twice");
   if (section.kind != SectionImage::Kind::kHeader && img_.version.empty())
     throw DxfError(section_line_, "the " + section.name +
                                       " section comes before a HEADER section "
@@ -241,7 +262,8 @@ void Reader::ReadSection() {
 void Reader::ReadHeader(SectionImage& section) {
   while (!(tag_.code == 0 && tag_.value == "ENDSEC")) {
     if (tag_.code == 0) Unexpected("0 ENDSEC to close the HEADER section");
-    if (tag_.code != 9) Unexpected("9 and a $VARIABLE name in the HEADER section");
+    if (tag_.code != 9)
+      Unexpected("9 and a $VARIABLE name in the HEADER section");
     HeaderVar var;
     var.name = std::string(tag_.value);
     size_t begin = tag_.offset;
@@ -254,22 +276,27 @@ void Reader::ReadHeader(SectionImage& section) {
     var.span = {begin, tag_.offset};
     auto point = [&](host::Point3& p) {
       for (const Tag& t : values) {
-        if (t.code == 10) p.x = RealValue(t);
-        else if (t.code == 20) p.y = RealValue(t);
-        else if (t.code == 30) p.z = RealValue(t);
+        if (t.code == 10)
+          p.x = RealValue(t);
+        else if (t.code == 20)
+          p.y = RealValue(t);
+        else if (t.code == 30)
+          p.z = RealValue(t);
       }
     };
     auto first = [&]() -> const Tag& {
       if (values.empty())
-        throw DxfError(tag_.line, "the header variable " + var.name + " has no value");
+        throw DxfError(tag_.line,
+                       "the header variable " + var.name + " has no value");
       return values.front();
     };
     if (var.name == "$ACADVER") {
       img_.version = std::string(first().value);
       if (img_.version.size() != 6 || img_.version.substr(0, 2) != "AC")
-        throw DxfError(first().line + 1,
-                       "$ACADVER should name a DXF version such as AC1015, found " +
-                           Quoted(img_.version));
+        throw DxfError(
+            first().line + 1,
+            "$ACADVER should name a DXF version such as AC1015, found " +
+                Quoted(img_.version));
       if (img_.version < "AC1015")
         throw DxfError(first().line + 1,
                        "the drawing is DXF version " + img_.version +
@@ -290,8 +317,9 @@ void Reader::ReadHeader(SectionImage& section) {
     section.vars.push_back(std::move(var));
   }
   if (img_.version.empty())
-    throw DxfError(section_line_,
-                   "the HEADER section does not name the DXF version ($ACADVER)");
+    throw DxfError(
+        section_line_,
+        "the HEADER section does not name the DXF version ($ACADVER)");
   img_.codec = TextCodec::For(img_.version, img_.codepage);
   img_.clayer = img_.codec.Decode(img_.clayer);
   img_.textstyle = img_.codec.Decode(img_.textstyle);
@@ -299,15 +327,16 @@ void Reader::ReadHeader(SectionImage& section) {
 
 void Reader::ReadRawSection(SectionImage& section) {
   while (!(tag_.code == 0 && tag_.value == "ENDSEC")) {
-    if (tag_.code != 0)
-      Unexpected(("0 and an object type in the " + section.name + " section").c_str());
-    if (tag_.value == "SECTION" || tag_.value == "EOF")
-      Unexpected(("0 ENDSEC to close the " + section.name + " section").c_str());
-    ReadShape();
-    if (shape_.handle != 0) {
-      ClaimHandle(shape_.handle, shape_.Line());
-      doc_.ReserveHandle(shape_.handle);
+    // Sections of plain tags (THUMBNAILIMAGE) hold no objects.
+    if (tag_.code != 0) {
+      Advance(("the " + section.name + " section").c_str());
+      continue;
     }
+    if (tag_.value == "SECTION" || tag_.value == "EOF")
+      Unexpected(
+          ("0 ENDSEC to close the " + section.name + " section").c_str());
+    ReadShape();
+    ReserveRaw(shape_.handle, shape_.Line());
   }
 }
 
@@ -333,17 +362,16 @@ void Reader::ReadTable(SectionImage& section) {
     if (t.code == 100) break;
   }
   if (table.name.empty())
-    throw DxfError(line, "the table has no name (expected 2 and a table name after 0 TABLE)");
-  if (table.handle != 0) {
-    ClaimHandle(table.handle, line);
-    doc_.ReserveHandle(table.handle);
-  }
+    throw DxfError(
+        line,
+        "the table has no name (expected 2 and a table name after 0 TABLE)");
+  ReserveRaw(table.handle, line);
   table.head = {begin, tag_.offset};
   while (!(tag_.code == 0 && tag_.value == "ENDTAB")) {
     if (tag_.code == 0 && (tag_.value == "ENDSEC" || tag_.value == "TABLE" ||
                            tag_.value == "SECTION" || tag_.value == "EOF"))
-      Unexpected(("0 ENDTAB to close the " + table.name + " table (started at line " +
-                  std::to_string(line) + ")")
+      Unexpected(("0 ENDTAB to close the " + table.name +
+                  " table (started at line " + std::to_string(line) + ")")
                      .c_str());
     ReadTableEntry(table);
   }
@@ -374,9 +402,10 @@ void Reader::ReadTableEntry(TableImage& table) {
   item.name = name;
   MemObject* obj = nullptr;
   auto check_twice = [&](MemObject* existing) {
-    if (existing != nullptr && from_file_.count(existing))
-      throw DxfError(shape_.Line(), "the " + table.name + " entry " + Quoted(name) +
-                                        " is defined twice");
+    if (existing != nullptr && RecordOf(*existing) != nullptr &&
+        RecordOf(*existing)->read)
+      throw DxfError(shape_.Line(), "the " + table.name + " entry " +
+                                        Quoted(name) + " is defined twice");
   };
   if (shape_.Type() == "LAYER" && table.name == "LAYER" && !name.empty()) {
     memhost::MemLayer* layer = doc_.FindLayer(name);
@@ -385,7 +414,8 @@ void Reader::ReadTableEntry(TableImage& table) {
     Claim(*layer, shape_.handle, shape_.Line());
     ReadLayerRecord(shape_, *layer, img_.codec);
     obj = layer;
-  } else if (shape_.Type() == "STYLE" && table.name == "STYLE" && !name.empty()) {
+  } else if (shape_.Type() == "STYLE" && table.name == "STYLE" &&
+             !name.empty()) {
     memhost::MemTextStyle* style = doc_.FindTextStyle(name);
     check_twice(style);
     if (style == nullptr) style = &doc_.AddTextStyle(name);
@@ -399,14 +429,12 @@ void Reader::ReadTableEntry(TableImage& table) {
     if (block == nullptr) block = &doc_.AddBlock(name, {});
     Claim(*block, shape_.handle, shape_.Line());
     block->name_ = name;
-    if (StartsWithNoCase(name, "*Paper_Space") || StartsWithNoCase(name, "*Model_Space"))
+    if (StartsWithNoCase(name, "*Paper_Space") ||
+        StartsWithNoCase(name, "*Model_Space"))
       block->is_layout_ = true;
     obj = block;
   } else {
-    if (shape_.handle != 0) {
-      ClaimHandle(shape_.handle, shape_.Line());
-      doc_.ReserveHandle(shape_.handle);
-    }
+    ReserveRaw(shape_.handle, shape_.Line());
     if (table.name == "APPID" && !name.empty()) doc_.RegisterApp(name);
     item.raw = true;
     table.items.push_back(std::move(item));
@@ -417,7 +445,8 @@ void Reader::ReadTableEntry(TableImage& table) {
   record.span = span;
   record.read = true;
   record.line = shape_.Line();
-  record.handle = obj->HandleValue();
+  record.handle = shape_.handle;
+  record.owner = shape_.owner;
   obj->file_data = record;
   item.handle = obj->HandleValue();
   table.items.push_back(std::move(item));
@@ -439,11 +468,16 @@ void Reader::ReadBlocks(SectionImage& section) {
     int64_t flags = 0;
     for (size_t i = shape_.head_end; i < shape_.xdata_begin; ++i) {
       const Tag& t = shape_.tags[i];
-      if (t.code == 2 && name.empty()) name = img_.codec.Decode(t.value);
-      else if (t.code == 10) origin.x = RealValue(t);
-      else if (t.code == 20) origin.y = RealValue(t);
-      else if (t.code == 30) origin.z = RealValue(t);
-      else if (t.code == 70) flags = IntValue(t);
+      if (t.code == 2 && name.empty())
+        name = img_.codec.Decode(t.value);
+      else if (t.code == 10)
+        origin.x = RealValue(t);
+      else if (t.code == 20)
+        origin.y = RealValue(t);
+      else if (t.code == 30)
+        origin.z = RealValue(t);
+      else if (t.code == 70)
+        flags = IntValue(t);
     }
     if (name.empty())
       throw DxfError(line, "the BLOCK has no name (group code 2)");
@@ -451,10 +485,7 @@ void Reader::ReadBlocks(SectionImage& section) {
     if (shape_.owner != 0)
       block = dynamic_cast<MemBlock*>(doc_.FindByHandle(shape_.owner));
     if (block == nullptr) block = doc_.FindBlock(name);
-    if (block == nullptr) {
-      block = &doc_.AddBlock(name, origin);
-      movable_.insert(block);
-    }
+    if (block == nullptr) block = &doc_.AddBlock(name, origin);
     ObjectRecord* record = RecordOf(*block);
     if (record == nullptr) {
       block->file_data = ObjectRecord{};
@@ -462,32 +493,26 @@ void Reader::ReadBlocks(SectionImage& section) {
     }
     if (!record->begin_span.Empty())
       throw DxfError(line, "the block " + Quoted(name) + " is defined twice");
-    if (begin_handle != 0) {
-      ClaimHandle(begin_handle, line);
-      doc_.ReserveHandle(begin_handle);
-    }
+    ReserveRaw(begin_handle, line);
     block->origin_ = origin;
     block->is_xref_ = (flags & 4) != 0;
-    if (StartsWithNoCase(name, "*Paper_Space") || StartsWithNoCase(name, "*Model_Space"))
+    if (StartsWithNoCase(name, "*Paper_Space") ||
+        StartsWithNoCase(name, "*Model_Space"))
       block->is_layout_ = true;
     section.blocks.push_back(block->HandleValue());
     ReadEntities(block, "ENDBLK");
     if (tag_.code != 0 || tag_.value != "ENDBLK")
-      Unexpected(("0 ENDBLK to close the block " + Quoted(name) + " (started at line " +
-                  std::to_string(line) + ")")
+      Unexpected(("0 ENDBLK to close the block " + Quoted(name) +
+                  " (started at line " + std::to_string(line) + ")")
                      .c_str());
     size_t end_begin = tag_.offset;
     ReadShape();
-    if (shape_.handle != 0) {
-      ClaimHandle(shape_.handle, shape_.Line());
-      doc_.ReserveHandle(shape_.handle);
-    }
+    ReserveRaw(shape_.handle, shape_.Line());
     record = RecordOf(*block);
     record->begin_span = begin_span;
     record->begin_handle = begin_handle;
     record->end_span = {end_begin, shape_.end_offset};
     record->end_handle = shape_.handle;
-    from_file_.insert(block);
   }
 }
 
@@ -497,8 +522,8 @@ void Reader::ReadEntities(MemBlock* owner, std::string_view stop) {
   while (true) {
     if (tag_.code != 0) Unexpected("0 and an entity type");
     if (tag_.value == "ENDSEC" || (!stop.empty() && tag_.value == stop)) return;
-    if (tag_.value == "SECTION" || tag_.value == "EOF" || tag_.value == "BLOCK" ||
-        tag_.value == "ENDBLK")
+    if (tag_.value == "SECTION" || tag_.value == "EOF" ||
+        tag_.value == "BLOCK" || tag_.value == "ENDBLK")
       Unexpected(stop.empty() ? "0 ENDSEC to close the ENTITIES section"
                               : "0 ENDBLK to close the block");
     ReadEntity(owner);
@@ -511,16 +536,18 @@ void Reader::ReadEntity(MemBlock* owner) {
   ReadShape();
   bool orphan = type == "ATTRIB" || type == "SEQEND" || type == "VERTEX";
   bool paper = false;
-  std::unique_ptr<MemEntity> entity = ReadEntityOfShape(shape_, ctx_, paper, orphan);
+  std::unique_ptr<MemEntity> entity =
+      ReadEntityOfShape(shape_, ctx_, paper, orphan);
   MemBlock* block = owner;
   if (block == nullptr && shape_.owner != 0)
     block = dynamic_cast<MemBlock*>(doc_.FindByHandle(shape_.owner));
-  if (block == nullptr) block = paper ? &doc_.PaperSpaceBlock() : &doc_.ModelSpaceBlock();
+  if (block == nullptr)
+    block = paper ? &doc_.PaperSpaceBlock() : &doc_.ModelSpaceBlock();
   uint64_t handle = shape_.handle;
   uint32_t line = shape_.Line();
   if (handle != 0) ClaimHandle(handle, line);
   MemEntity& e = block->AddNew(std::move(entity), handle);
-  if (handle == 0) movable_.insert(&e);
+  if (handle == 0) unhandled_.push_back(&e);
   ApplyXData(shape_, e, img_.codec);
   ObjectRecord record;
   record.span = {begin, shape_.end_offset};
@@ -528,14 +555,12 @@ void Reader::ReadEntity(MemBlock* owner) {
   record.line = line;
   // Without a handle in the file it is written with its new one.
   record.handle = handle;
-  from_file_.insert(&e);
+  record.owner = shape_.owner;
+  e.file_data = record;
 
   auto* insert = dynamic_cast<memhost::MemBlockReference*>(&e);
   auto reserve_shape_handle = [&]() {
-    if (shape_.handle != 0) {
-      ClaimHandle(shape_.handle, shape_.Line());
-      doc_.ReserveHandle(shape_.handle);
-    }
+    ReserveRaw(shape_.handle, shape_.Line());
   };
   if (insert != nullptr) {
     // Attributes join their reference; the SEQEND is kept with it.
@@ -543,40 +568,42 @@ void Reader::ReadEntity(MemBlock* owner) {
       size_t attr_begin = tag_.offset;
       ReadShape();
       bool ignored = false;
-      std::unique_ptr<MemEntity> a = ReadEntityOfShape(shape_, ctx_, ignored, false);
+      std::unique_ptr<MemEntity> a =
+          ReadEntityOfShape(shape_, ctx_, ignored, false);
       std::unique_ptr<memhost::MemAttributeReference> attr(
           static_cast<memhost::MemAttributeReference*>(a.release()));
       if (shape_.handle != 0) ClaimHandle(shape_.handle, shape_.Line());
       auto& adopted = insert->AdoptAttribute(std::move(attr), shape_.handle);
-      if (shape_.handle == 0) movable_.insert(&adopted);
+      if (shape_.handle == 0) unhandled_.push_back(&adopted);
       ApplyXData(shape_, adopted, img_.codec);
       ObjectRecord attr_record;
       attr_record.span = {attr_begin, shape_.end_offset};
       attr_record.read = true;
       attr_record.line = shape_.Line();
       attr_record.handle = shape_.handle;
+      attr_record.owner = shape_.owner;
       adopted.file_data = attr_record;
-      from_file_.insert(&adopted);
     }
     if (tag_.code == 0 && tag_.value == "SEQEND") {
       size_t seq_begin = tag_.offset;
       ReadShape();
       reserve_shape_handle();
-      record.end_span = {seq_begin, shape_.end_offset};
-      record.end_handle = shape_.handle;
+      RecordOf(e)->end_span = {seq_begin, shape_.end_offset};
+      RecordOf(e)->end_handle = shape_.handle;
     }
   } else if (type == "POLYLINE") {
     // Vertices and the SEQEND stay with the polyline, as read.
     size_t follow_begin = tag_.offset;
-    while (tag_.code == 0 && (tag_.value == "VERTEX" || tag_.value == "SEQEND")) {
+    while (tag_.code == 0 &&
+           (tag_.value == "VERTEX" || tag_.value == "SEQEND")) {
       bool seqend = tag_.value == "SEQEND";
       ReadShape();
       reserve_shape_handle();
       if (seqend) break;
     }
-    if (follow_begin < tag_.offset) record.end_span = {follow_begin, tag_.offset};
+    if (follow_begin < tag_.offset)
+      RecordOf(e)->end_span = {follow_begin, tag_.offset};
   }
-  e.file_data = record;
 }
 
 // ------------------------------------------------------------------ finish
@@ -586,24 +613,28 @@ void Reader::Finish() {
     bool found = false;
     for (const auto& s : img_.sections) found = found || s.name == needed;
     if (!found)
-      throw DxfError(0, std::string("the file has no ") + needed +
-                            " section; it is not a complete DXF drawing");
+      throw DxfError(eof_line_,
+                     std::string("the file ends (0 EOF) without the ") +
+                         needed + " section; it is not a complete DXF drawing");
   }
   // New handles follow every handle in use and the file's seed; objects
   // moved aside while loading do not count.
-  uint64_t seed = file_seed_;
-  for (const auto& [handle, line] : handle_lines_) seed = std::max(seed, handle + 1);
-  for (MemObject* obj : movable_) seed = std::max(seed, obj->HandleValue() + 1);
+  uint64_t seed = std::max({file_seed_, max_handle_ + 1, initial_seed_});
+  for (MemObject* obj : unhandled_)
+    seed = std::max(seed, obj->HandleValue() + 1);
   for (MemObject* obj : doc_.LayerList())
-    if (!from_file_.count(obj)) seed = std::max(seed, obj->HandleValue() + 1);
+    seed = std::max(seed, obj->HandleValue() + 1);
   for (MemObject* obj : doc_.TextStyleList())
-    if (!from_file_.count(obj)) seed = std::max(seed, obj->HandleValue() + 1);
+    seed = std::max(seed, obj->HandleValue() + 1);
+  for (MemObject* obj : doc_.BlockList())
+    seed = std::max(seed, obj->HandleValue() + 1);
   doc_.SetHandleSeed(seed);
 
   for (auto& pending : ctx_.pending_sources) {
     auto& loop = pending.hatch->loops_[pending.loop];
     for (uint64_t h : pending.handles)
-      if (MemObject* obj = doc_.FindByHandle(h)) loop.sources.push_back(obj->Id());
+      if (MemObject* obj = doc_.FindByHandle(h))
+        loop.sources.push_back(obj->Id());
   }
 
   {

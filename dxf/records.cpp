@@ -15,7 +15,8 @@ const Shape::Group* MainGroup(const Shape& s, std::string_view marker) {
 
 }  // namespace
 
-void ReadLayerRecord(const Shape& s, memhost::MemLayer& layer, const TextCodec&) {
+void ReadLayerRecord(const Shape& s, memhost::MemLayer& layer,
+                     const TextCodec&) {
   const Shape::Group* g = MainGroup(s, "AcDbLayerTableRecord");
   if (g == nullptr) return;
   for (size_t i = g->begin; i < g->end; ++i) {
@@ -33,15 +34,20 @@ void ReadLayerRecord(const Shape& s, memhost::MemLayer& layer, const TextCodec&)
   }
 }
 
-void ReadStyleRecord(const Shape& s, memhost::MemTextStyle& style, const TextCodec& codec) {
+void ReadStyleRecord(const Shape& s, memhost::MemTextStyle& style,
+                     const TextCodec& codec) {
   const Shape::Group* g = MainGroup(s, "AcDbTextStyleTableRecord");
   if (g == nullptr) return;
   for (size_t i = g->begin; i < g->end; ++i) {
     const Tag& t = s.tags[i];
-    if (t.code == 40) style.height_ = RealValue(t);
-    else if (t.code == 41) style.width_ = RealValue(t);
-    else if (t.code == 50) style.oblique_ = RealValue(t) * kDegree;
-    else if (t.code == 3) style.font_file_ = codec.Decode(t.value);
+    if (t.code == 40)
+      style.height_ = RealValue(t);
+    else if (t.code == 41)
+      style.width_ = RealValue(t);
+    else if (t.code == 50)
+      style.oblique_ = RealValue(t) * kDegree;
+    else if (t.code == 3)
+      style.font_file_ = codec.Decode(t.value);
   }
 }
 
@@ -76,28 +82,29 @@ uint64_t BlockHash(const memhost::MemBlock& b) {
   return h.Value();
 }
 
-void LayerSpec(memhost::MemLayer& l, const Shape* original, WriteSpec& spec) {
-  spec.type = "LAYER";
-  spec.groups.emplace_back("AcDbSymbolTableRecord");
-  FieldGroup& g = spec.groups.emplace_back("AcDbLayerTableRecord");
+void LayerPlan(memhost::MemLayer& l, const Shape* original, WritePlan& plan) {
+  plan.type = "LAYER";
+  plan.groups.emplace_back("AcDbSymbolTableRecord");
+  FieldGroup& g = plan.groups.emplace_back("AcDbLayerTableRecord");
   g.Text(2, l.name_);
   int64_t flags = 0;
   if (original != nullptr)
     if (const Shape::Group* og = MainGroup(*original, "AcDbLayerTableRecord"))
       for (size_t i = og->begin; i < og->end; ++i)
-        if (original->tags[i].code == 70) ParseInt(original->tags[i].value, flags);
+        if (original->tags[i].code == 70)
+          ParseInt(original->tags[i].value, flags);
   flags = (flags & ~int64_t{5}) | (l.frozen_ ? 1 : 0) | (l.locked_ ? 4 : 0);
   g.Int(70, flags);
   g.Int(62, l.on_ ? l.color_ : -l.color_);
   g.NewText(6, "Continuous");
   g.NewInt(370, -3);
-  spec.xdata = &l.XData();
+  plan.xdata = &l.XData();
 }
 
-void StyleSpec(memhost::MemTextStyle& s, WriteSpec& spec) {
-  spec.type = "STYLE";
-  spec.groups.emplace_back("AcDbSymbolTableRecord");
-  FieldGroup& g = spec.groups.emplace_back("AcDbTextStyleTableRecord");
+void StylePlan(memhost::MemTextStyle& s, WritePlan& plan) {
+  plan.type = "STYLE";
+  plan.groups.emplace_back("AcDbSymbolTableRecord");
+  FieldGroup& g = plan.groups.emplace_back("AcDbTextStyleTableRecord");
   g.Text(2, s.name_);
   g.NewInt(70, 0);
   g.Real(40, s.height_);
@@ -107,27 +114,27 @@ void StyleSpec(memhost::MemTextStyle& s, WriteSpec& spec) {
   g.NewText(42, "2.5");
   g.Text(3, s.font_file_);
   g.NewText(4, "");
-  spec.xdata = &s.XData();
+  plan.xdata = &s.XData();
 }
 
-void BlockRecordSpec(memhost::MemBlock& b, WriteSpec& spec) {
-  spec.type = "BLOCK_RECORD";
-  spec.groups.emplace_back("AcDbSymbolTableRecord");
-  FieldGroup& g = spec.groups.emplace_back("AcDbBlockTableRecord");
+void BlockRecordPlan(memhost::MemBlock& b, WritePlan& plan) {
+  plan.type = "BLOCK_RECORD";
+  plan.groups.emplace_back("AcDbSymbolTableRecord");
+  FieldGroup& g = plan.groups.emplace_back("AcDbBlockTableRecord");
   g.Text(2, b.name_);
   g.NewText(340, "0");
   g.NewInt(70, 0);
   g.NewInt(280, 1);
   g.NewInt(281, 0);
-  spec.xdata = &b.XData();
+  plan.xdata = &b.XData();
 }
 
-void BlockBeginSpec(memhost::MemBlock& b, bool paper_space, WriteSpec& spec) {
-  spec.type = "BLOCK";
-  FieldGroup& common = spec.groups.emplace_back("AcDbEntity");
+void BlockBeginPlan(memhost::MemBlock& b, bool paper_space, WritePlan& plan) {
+  plan.type = "BLOCK";
+  FieldGroup& common = plan.groups.emplace_back("AcDbEntity");
   if (paper_space) common.NewInt(67, 1);
   common.NewText(8, "0");
-  FieldGroup& g = spec.groups.emplace_back("AcDbBlockBegin");
+  FieldGroup& g = plan.groups.emplace_back("AcDbBlockBegin");
   g.Text(2, b.name_);
   g.NewInt(70, !b.name_.empty() && b.name_[0] == '*' && !b.is_layout_ ? 1 : 0);
   g.Point(10, b.origin_);
@@ -135,12 +142,12 @@ void BlockBeginSpec(memhost::MemBlock& b, bool paper_space, WriteSpec& spec) {
   g.NewText(1, "");
 }
 
-void BlockEndSpec(bool paper_space, WriteSpec& spec) {
-  spec.type = "ENDBLK";
-  FieldGroup& common = spec.groups.emplace_back("AcDbEntity");
+void BlockEndPlan(bool paper_space, WritePlan& plan) {
+  plan.type = "ENDBLK";
+  FieldGroup& common = plan.groups.emplace_back("AcDbEntity");
   if (paper_space) common.NewInt(67, 1);
   common.NewText(8, "0");
-  spec.groups.emplace_back("AcDbBlockEnd");
+  plan.groups.emplace_back("AcDbBlockEnd");
 }
 
 }  // namespace kestrana::dxf

@@ -21,11 +21,13 @@ uint64_t StyleHash(const memhost::MemTextStyle& style);
 // Covers the block record and the BLOCK entity.
 uint64_t BlockHash(const memhost::MemBlock& block);
 
-// The groups each record writes (WriteSpec::groups and xdata).
-void LayerSpec(memhost::MemLayer& layer, const Shape* original, WriteSpec& spec);
-void StyleSpec(memhost::MemTextStyle& style, WriteSpec& spec);
-void BlockRecordSpec(memhost::MemBlock& block, WriteSpec& spec);
-void BlockBeginSpec(memhost::MemBlock& block, bool paper_space, WriteSpec& spec);
-void BlockEndSpec(bool paper_space, WriteSpec& spec);
+// The groups each record writes (WritePlan::groups and xdata).
+void LayerPlan(memhost::MemLayer& layer, const Shape* original,
+               WritePlan& plan);
+void StylePlan(memhost::MemTextStyle& style, WritePlan& plan);
+void BlockRecordPlan(memhost::MemBlock& block, WritePlan& plan);
+void BlockBeginPlan(memhost::MemBlock& block, bool paper_space,
+                    WritePlan& plan);
+void BlockEndPlan(bool paper_space, WritePlan& plan);
 
 }  // namespace kestrana::dxf

@@ -29,7 +29,8 @@ void Shape::Build(int handle_code) {
                         tags[j].value[0] == '}'))
         ++j;
       if (j == n)
-        throw DxfError(t.line, "the application group \"" + std::string(t.value) +
+        throw DxfError(t.line, "the application group \"" +
+                                   std::string(t.value) +
                                    "\" is not closed (expected 102 \"}\")");
       i = j + 1;
     } else if (t.code == 360 || t.code == 330) {
@@ -96,7 +97,8 @@ bool ReadObject(Tokenizer& tok, const Tag& first, Shape& shape, Tag& next) {
   return false;
 }
 
-std::vector<host::XRecord> ParseXData(const Shape& shape, const TextCodec& codec) {
+std::vector<host::XRecord> ParseXData(const Shape& shape,
+                                      const TextCodec& codec) {
   std::vector<host::XRecord> out;
   for (size_t i = shape.xdata_begin; i < shape.tags.size(); ++i) {
     const Tag& t = shape.tags[i];
@@ -107,9 +109,10 @@ std::vector<host::XRecord> ParseXData(const Shape& shape, const TextCodec& codec
       continue;
     }
     if (out.empty())
-      throw DxfError(t.line, "extended data must start with group code 1001 "
-                             "(the application name), found group code " +
-                                 std::to_string(t.code));
+      throw DxfError(t.line,
+                     "extended data must start with group code 1001 "
+                     "(the application name), found group code " +
+                         std::to_string(t.code));
     host::XItem item;
     item.code = static_cast<int16_t>(t.code);
     if (t.code >= 1000 && t.code <= 1009) {
@@ -119,9 +122,10 @@ std::vector<host::XRecord> ParseXData(const Shape& shape, const TextCodec& codec
     } else if (t.code >= 1060 && t.code <= 1070) {
       int64_t v = IntValue(t);
       if (v < -32768 || v > 65535)
-        throw DxfError(t.line + 1, "group code " + std::to_string(t.code) +
-                                       " expects a 16-bit whole number, found " +
-                                       std::to_string(v));
+        throw DxfError(t.line + 1,
+                       "group code " + std::to_string(t.code) +
+                           " expects a 16-bit whole number, found " +
+                           std::to_string(v));
       item.value = static_cast<int16_t>(v);
     } else if (t.code == 1071) {
       item.value = static_cast<double>(IntValue(t));
@@ -136,22 +140,41 @@ std::vector<host::XRecord> ParseXData(const Shape& shape, const TextCodec& codec
 
 // ----------------------------------------------------------------- hasher
 
+namespace {
+// One 64-bit word into the state: multiply and fold.
+inline uint64_t Mix(uint64_t h, uint64_t word) {
+  h ^= word;
+  h *= 0x9E3779B97F4A7C15ull;
+  return h ^ (h >> 29);
+}
+}  // namespace
+
 void Hasher::Bytes(const void* data, size_t size) {
   const auto* p = static_cast<const unsigned char*>(data);
-  for (size_t i = 0; i < size; ++i) {
-    h_ ^= p[i];
-    h_ *= 1099511628211ull;
+  uint64_t h = h_;
+  while (size >= 8) {
+    uint64_t word;
+    std::memcpy(&word, p, 8);
+    h = Mix(h, word);
+    p += 8;
+    size -= 8;
   }
+  if (size > 0) {
+    uint64_t word = 0;
+    std::memcpy(&word, p, size);
+    h = Mix(h, word ^ (uint64_t{size} << 56));
+  }
+  h_ = h;
 }
 
 void Hasher::Add(double v) {
   if (v == 0) v = 0;
   uint64_t bits;
   std::memcpy(&bits, &v, sizeof bits);
-  Bytes(&bits, sizeof bits);
+  h_ = Mix(h_, bits);
 }
 
-void Hasher::Add(int64_t v) { Bytes(&v, sizeof v); }
+void Hasher::Add(int64_t v) { h_ = Mix(h_, static_cast<uint64_t>(v)); }
 
 void Hasher::Add(std::string_view s) {
   Add(static_cast<int64_t>(s.size()));
@@ -170,9 +193,12 @@ void Hasher::Add(const std::vector<host::XRecord>& xdata) {
     Add(static_cast<int64_t>(record.size()));
     for (const auto& item : record) {
       Add(static_cast<int64_t>(item.code));
-      if (item.value.IsText()) Add(std::string_view(item.value.Text()));
-      else if (item.value.IsReal()) Add(item.value.Real());
-      else Add(static_cast<int64_t>(item.value.Int()) + 0x10000);
+      if (item.value.IsText())
+        Add(std::string_view(item.value.Text()));
+      else if (item.value.IsReal())
+        Add(item.value.Real());
+      else
+        Add(static_cast<int64_t>(item.value.Int()) + 0x10000);
     }
   }
 }
@@ -199,8 +225,12 @@ Field& FieldGroup::Add(int code, ValueType type) {
 void FieldGroup::Text(int code, std::string_view v) {
   Add(code, ValueType::kText).text = v;
 }
-void FieldGroup::Real(int code, double v) { Add(code, ValueType::kReal).real = v; }
-void FieldGroup::Int(int code, int64_t v) { Add(code, ValueType::kInt).integer = v; }
+void FieldGroup::Real(int code, double v) {
+  Add(code, ValueType::kReal).real = v;
+}
+void FieldGroup::Int(int code, int64_t v) {
+  Add(code, ValueType::kInt).integer = v;
+}
 void FieldGroup::Handle(int code, uint64_t v) {
   Add(code, ValueType::kHandle).integer = static_cast<int64_t>(v);
 }
@@ -214,7 +244,8 @@ void FieldGroup::PointOr(int code, const host::Point3& p, bool optional) {
   for (size_t k = fields_.size() - 3; k < fields_.size(); ++k)
     fields_[k].optional = optional;
 }
-void FieldGroup::TextOr(int code, std::string_view v, std::string_view fallback) {
+void FieldGroup::TextOr(int code, std::string_view v,
+                        std::string_view fallback) {
   Field& f = Add(code, ValueType::kText);
   f.text = v;
   f.optional = v == fallback;
@@ -286,7 +317,8 @@ bool Same(const Field& f, const Tag& t, const TextCodec& codec) {
       double v;
       if (!ParseReal(t.value, v)) return false;
       if (v == f.real) return true;
-      return f.approx && std::fabs(v - f.real) <= 1e-12 * std::max(1.0, std::fabs(v));
+      return f.approx &&
+             std::fabs(v - f.real) <= 1e-12 * std::max(1.0, std::fabs(v));
     }
     case ValueType::kInt: {
       int64_t v;
@@ -322,7 +354,8 @@ void MergeGroup(const Shape& o, size_t begin, size_t end,
            owned_codes.end();
   };
   std::unordered_map<int, std::vector<size_t>> positions;
-  for (size_t k = 0; k < fields.size(); ++k) positions[fields[k]->code].push_back(k);
+  for (size_t k = 0; k < fields.size(); ++k)
+    positions[fields[k]->code].push_back(k);
   std::unordered_map<int, size_t> cursor;
   size_t j = 0;
   for (size_t i = begin; i < end; ++i) {
@@ -339,19 +372,21 @@ void MergeGroup(const Shape& o, size_t begin, size_t end,
     size_t k = it->second[cur++];
     for (size_t m = j; m < k; ++m)
       if (!fields[m]->optional) Emit(*fields[m], w, codec);
-    if (Same(*fields[k], t, codec)) w.Raw(o.TagBytes(i));
-    else Emit(*fields[k], w, codec);
+    if (Same(*fields[k], t, codec))
+      w.Raw(o.TagBytes(i));
+    else
+      Emit(*fields[k], w, codec);
     j = k + 1;
   }
   for (size_t m = j; m < fields.size(); ++m)
     if (!fields[m]->optional) Emit(*fields[m], w, codec);
 }
 
-void WriteNewGroup(const WriteSpec& spec, const FieldGroup& g, TagWriter& w,
+void WriteNewGroup(const WritePlan& plan, const FieldGroup& g, TagWriter& w,
                    const TextCodec& codec) {
   if (!g.Marker().empty()) w.Text(100, g.Marker());
-  if (spec.custom && g.Marker() == spec.custom_marker) {
-    spec.custom(nullptr, w);
+  if (plan.custom && g.Marker() == plan.custom_marker) {
+    plan.custom(nullptr, w);
     return;
   }
   for (const Field& f : g.Fields())
@@ -372,8 +407,10 @@ void WriteXData(const std::vector<host::XRecord>& xdata, TagWriter& w,
       if (item.value.IsText()) {
         w.Text(item.code, codec.Encode(item.value.Text()));
       } else if (item.value.IsReal()) {
-        if (item.code == 1071) w.Int(item.code, std::llround(item.value.Real()));
-        else w.Real(item.code, item.value.Real());
+        if (item.code == 1071)
+          w.Int(item.code, std::llround(item.value.Real()));
+        else
+          w.Real(item.code, item.value.Real());
       } else {
         w.Int(item.code, item.value.Int());
       }
@@ -381,20 +418,20 @@ void WriteXData(const std::vector<host::XRecord>& xdata, TagWriter& w,
   }
 }
 
-void WriteObject(const WriteSpec& spec, TagWriter& w, const TextCodec& codec) {
-  if (spec.original == nullptr) {
-    w.Text(0, spec.type);
-    w.Handle(spec.handle_code, spec.handle);
-    if (spec.owner != 0) w.Handle(330, spec.owner);
-    for (const FieldGroup& g : spec.groups) WriteNewGroup(spec, g, w, codec);
-    if (spec.xdata) WriteXData(*spec.xdata, w, codec);
+void WriteObject(const WritePlan& plan, TagWriter& w, const TextCodec& codec) {
+  if (plan.original == nullptr) {
+    w.Text(0, plan.type);
+    w.Handle(plan.handle_code, plan.handle);
+    if (plan.owner != 0) w.Handle(330, plan.owner);
+    for (const FieldGroup& g : plan.groups) WriteNewGroup(plan, g, w, codec);
+    if (plan.xdata) WriteXData(*plan.xdata, w, codec);
     return;
   }
-  const Shape& o = *spec.original;
-  if (spec.fresh_head) {
-    w.Text(0, spec.type);
-    w.Handle(spec.handle_code, spec.handle);
-    if (spec.owner != 0) w.Handle(330, spec.owner);
+  const Shape& o = *plan.original;
+  if (plan.fresh_head) {
+    w.Text(0, plan.type);
+    w.Handle(plan.handle_code, plan.handle);
+    if (plan.owner != 0) w.Handle(330, plan.owner);
   } else {
     size_t head_end_offset =
         o.head_end < o.tags.size() ? o.tags[o.head_end].offset : o.end_offset;
@@ -405,7 +442,7 @@ void WriteObject(const WriteSpec& spec, TagWriter& w, const TextCodec& codec) {
     // A file without subclass markers: one body holds every group's fields.
     std::vector<const Field*> fields;
     std::vector<int> codes;
-    for (const FieldGroup& g : spec.groups) {
+    for (const FieldGroup& g : plan.groups) {
       for (const Field* f : MergeFields(g)) fields.push_back(f);
       for (int c : g.Owned()) codes.push_back(c);
     }
@@ -414,53 +451,55 @@ void WriteObject(const WriteSpec& spec, TagWriter& w, const TextCodec& codec) {
   } else {
     // Match the state's groups to the original's by marker and occurrence.
     std::vector<int> match(o.groups.size(), -1);
-    for (size_t fi = 0; fi < spec.groups.size(); ++fi) {
+    for (size_t fi = 0; fi < plan.groups.size(); ++fi) {
       int occurrence = 0;
       for (size_t p = 0; p < fi; ++p)
-        occurrence += spec.groups[p].Marker() == spec.groups[fi].Marker();
+        occurrence += plan.groups[p].Marker() == plan.groups[fi].Marker();
       int seen = 0;
       for (size_t gi = 0; gi < o.groups.size(); ++gi)
-        if (o.groups[gi].marker == spec.groups[fi].Marker() &&
+        if (o.groups[gi].marker == plan.groups[fi].Marker() &&
             seen++ == occurrence) {
           match[gi] = static_cast<int>(fi);
           break;
         }
     }
-    std::vector<bool> done(spec.groups.size(), false);
+    std::vector<bool> done(plan.groups.size(), false);
     for (size_t gi = 0; gi < o.groups.size(); ++gi) {
       const Shape::Group& og = o.groups[gi];
       int fi = match[gi];
       if (fi >= 0)
         for (int p = 0; p < fi; ++p)
           if (!done[p]) {
-            WriteNewGroup(spec, spec.groups[p], w, codec);
+            WriteNewGroup(plan, plan.groups[p], w, codec);
             done[p] = true;
           }
-      if (og.begin > o.head_end && (o.tags[og.begin - 1].code == 100 || o.tags[og.begin - 1].code == 101))
+      if (og.begin > o.head_end && (o.tags[og.begin - 1].code == 100 ||
+                                    o.tags[og.begin - 1].code == 101))
         w.Raw(o.TagBytes(og.begin - 1));
       if (fi < 0) {
         for (size_t i = og.begin; i < og.end; ++i) w.Raw(o.TagBytes(i));
         continue;
       }
       done[fi] = true;
-      const FieldGroup& g = spec.groups[fi];
-      if (spec.custom && g.Marker() == spec.custom_marker) {
-        spec.custom(&og, w);
+      const FieldGroup& g = plan.groups[fi];
+      if (plan.custom && g.Marker() == plan.custom_marker) {
+        plan.custom(&og, w);
         continue;
       }
       MergeGroup(o, og.begin, og.end, MergeFields(g), g.Owned(), w, codec);
     }
-    for (size_t p = 0; p < spec.groups.size(); ++p)
-      if (!done[p]) WriteNewGroup(spec, spec.groups[p], w, codec);
+    for (size_t p = 0; p < plan.groups.size(); ++p)
+      if (!done[p]) WriteNewGroup(plan, plan.groups[p], w, codec);
   }
 
   // Extended data: as read while the state still says the same.
-  if (spec.xdata == nullptr || (o.xdata_begin < o.tags.size() &&
-                                SameXData(ParseXData(o, codec), *spec.xdata)) ||
-      (o.xdata_begin == o.tags.size() && spec.xdata->empty())) {
+  if (plan.xdata == nullptr ||
+      (o.xdata_begin < o.tags.size() &&
+       SameXData(ParseXData(o, codec), *plan.xdata)) ||
+      (o.xdata_begin == o.tags.size() && plan.xdata->empty())) {
     for (size_t i = o.xdata_begin; i < o.tags.size(); ++i) w.Raw(o.TagBytes(i));
   } else {
-    WriteXData(*spec.xdata, w, codec);
+    WriteXData(*plan.xdata, w, codec);
   }
 }
 

@@ -54,9 +54,10 @@ struct Shape {
 bool ReadObject(Tokenizer& tok, const Tag& first, Shape& shape, Tag& next);
 
 // Extended data of a shape, by application in order.
-std::vector<host::XRecord> ParseXData(const Shape& shape, const TextCodec& codec);
+std::vector<host::XRecord> ParseXData(const Shape& shape,
+                                      const TextCodec& codec);
 
-// 64-bit FNV-1a over the values of an object's state.
+// A 64-bit fingerprint of the values of an object's state.
 class Hasher {
  public:
   void Bytes(const void* data, size_t size);
@@ -120,8 +121,8 @@ class FieldGroup {
 };
 
 // Everything needed to write one object.
-struct WriteSpec {
-  std::string_view type;            // "LINE"
+struct WritePlan {
+  std::string_view type;  // "LINE"
   uint64_t handle = 0;
   int handle_code = 5;
   uint64_t owner = 0;               // 330 of a new object (0: none)
@@ -139,7 +140,7 @@ struct WriteSpec {
 
 // Writes the object: the original's tags with the fields merged in, or,
 // for a new object, the fields alone.
-void WriteObject(const WriteSpec& spec, TagWriter& w, const TextCodec& codec);
+void WriteObject(const WritePlan& plan, TagWriter& w, const TextCodec& codec);
 
 // Writes extended data from state.
 void WriteXData(const std::vector<host::XRecord>& xdata, TagWriter& w,

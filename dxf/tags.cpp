@@ -9,8 +9,10 @@ namespace kestrana::dxf {
 namespace {
 
 std::string_view Trim(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
+  while (!s.empty() && (s.front() == ' ' || s.front() == '\t'))
+    s.remove_prefix(1);
+  while (!s.empty() && (s.back() == ' ' || s.back() == '\t'))
+    s.remove_suffix(1);
   return s;
 }
 
@@ -26,51 +28,69 @@ std::string Shown(std::string_view s) {
 }  // namespace
 
 DxfError::DxfError(size_t line, const std::string& message)
-    : std::runtime_error(line == 0 ? message
-                                   : "line " + std::to_string(line) + ": " + message),
+    : std::runtime_error(line == 0
+                             ? message
+                             : "line " + std::to_string(line) + ": " + message),
       line_(line) {}
 
 DxfError DxfError::InFile(const std::string& path) const {
   return DxfError(path + ": " + what(), line_);
 }
 
-Tokenizer::Tokenizer(std::string_view text, size_t base_offset, uint32_t first_line)
+Tokenizer::Tokenizer(std::string_view text, size_t base_offset,
+                     uint32_t first_line)
     : text_(text), base_(base_offset), line_(first_line) {}
 
 std::string_view Tokenizer::ReadLine() {
   const char* start = text_.data() + pos_;
-  size_t left = text_.size() - pos_;
-  const void* nl = std::memchr(start, '\n', left);
-  size_t length = nl ? static_cast<const char*>(nl) - start : left;
+  const char* end = text_.data() + text_.size();
+  // Lines are mostly a few bytes long: a plain scan beats a library call.
+  const char* p = start;
+  while (p != end && *p != '\n') ++p;
+  size_t length = static_cast<size_t>(p - start);
   if (length > kMaxLineLength)
     throw DxfError(line_, "the line is " + std::to_string(length) +
                               " bytes long; a DXF line holds one group code or "
                               "one value (at most " +
                               std::to_string(kMaxLineLength) + " bytes)");
-  pos_ += nl ? length + 1 : length;
+  pos_ += p == end ? length : length + 1;
   ++line_;
-  std::string_view line(start, length);
-  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-  return line;
+  // CR of CRLF; stray ones before it are not part of any value either.
+  while (length > 0 && start[length - 1] == '\r') --length;
+  return std::string_view(start, length);
 }
 
 bool Tokenizer::Next(Tag& tag) {
   if (pos_ >= text_.size()) return false;
   tag.offset = base_ + pos_;
   tag.line = line_;
-  std::string_view code_text = Trim(ReadLine());
+  std::string_view code_text = ReadLine();
+  // The usual form: blanks, then digits.
+  size_t i = 0;
+  while (i < code_text.size() && code_text[i] == ' ') ++i;
   int code = 0;
-  const char* first = code_text.data();
-  const char* last = first + code_text.size();
-  if (first != last && *first == '+') ++first;
-  auto [ptr, ec] = std::from_chars(first, last, code);
-  if (code_text.empty() || ec != std::errc() || ptr != last)
-    throw DxfError(tag.line, "expected a group code (a whole number), found '" +
-                                 Shown(code_text) + "'");
+  size_t digits = 0;
+  while (i < code_text.size() && code_text[i] >= '0' && code_text[i] <= '9' &&
+         digits < 6) {
+    code = code * 10 + (code_text[i++] - '0');
+    ++digits;
+  }
+  if (digits == 0 || i != code_text.size()) {
+    // Anything else: signs, tabs, trailing blanks, or not a number at all.
+    code_text = Trim(code_text);
+    const char* first = code_text.data();
+    const char* last = first + code_text.size();
+    if (first != last && *first == '+') ++first;
+    auto [ptr, ec] = std::from_chars(first, last, code);
+    if (code_text.empty() || ec != std::errc() || ptr != last)
+      throw DxfError(tag.line,
+                     "expected a group code (a whole number), found '" +
+                         Shown(code_text) + "'");
+  }
   if (pos_ >= text_.size())
-    throw DxfError(tag.line, "the file ends after group code " +
-                                 std::to_string(code) +
-                                 "; the value line that belongs to it is missing");
+    throw DxfError(tag.line,
+                   "the file ends after group code " + std::to_string(code) +
+                       "; the value line that belongs to it is missing");
   tag.code = code;
   tag.value = ReadLine();
   return true;
@@ -78,7 +98,8 @@ bool Tokenizer::Next(Tag& tag) {
 
 ValueType TypeOfCode(int code) {
   if (code == 5 || code == 105 || (code >= 320 && code <= 369) ||
-      (code >= 390 && code <= 399) || (code >= 480 && code <= 481) || code == 1005)
+      (code >= 390 && code <= 399) || (code >= 480 && code <= 481) ||
+      code == 1005)
     return ValueType::kHandle;
   if ((code >= 10 && code <= 59) || (code >= 110 && code <= 149) ||
       (code >= 210 && code <= 239) || (code >= 460 && code <= 469) ||
@@ -97,7 +118,8 @@ bool ParseReal(std::string_view text, double& out) {
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
   if (text.empty()) return false;
   auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), out);
-  return ec == std::errc() && ptr == text.data() + text.size() && std::isfinite(out);
+  return ec == std::errc() && ptr == text.data() + text.size() &&
+         std::isfinite(out);
 }
 
 bool ParseInt(std::string_view text, int64_t& out) {
@@ -112,7 +134,8 @@ bool ParseHandle(std::string_view text, uint64_t& out) {
   text = Trim(text);
   // Handles stay below 2^60 so that new ones can always follow.
   if (text.empty() || text.size() > 15) return false;
-  auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), out, 16);
+  auto [ptr, ec] =
+      std::from_chars(text.data(), text.data() + text.size(), out, 16);
   return ec == std::errc() && ptr == text.data() + text.size();
 }
 
@@ -137,9 +160,10 @@ int64_t IntValue(const Tag& tag) {
 uint64_t HandleValue(const Tag& tag) {
   uint64_t v = 0;
   if (!ParseHandle(tag.value, v))
-    throw DxfError(tag.line + 1, "group code " + std::to_string(tag.code) +
-                                     " expects a handle (hexadecimal), found '" +
-                                     Shown(tag.value) + "'");
+    throw DxfError(tag.line + 1,
+                   "group code " + std::to_string(tag.code) +
+                       " expects a handle (hexadecimal), found '" +
+                       Shown(tag.value) + "'");
   return v;
 }
 
@@ -178,7 +202,9 @@ void TagWriter::Text(int code, std::string_view value) {
 
 void TagWriter::Real(int code, double value) { Text(code, FormatReal(value)); }
 
-void TagWriter::Int(int code, int64_t value) { Text(code, std::to_string(value)); }
+void TagWriter::Int(int code, int64_t value) {
+  Text(code, std::to_string(value));
+}
 
 void TagWriter::Handle(int code, uint64_t handle) {
   Text(code, FormatHandle(handle));

@@ -20,7 +20,8 @@ class DxfError : public std::runtime_error {
   DxfError InFile(const std::string& path) const;
 
  private:
-  DxfError(std::string text, size_t line) : std::runtime_error(text), line_(line) {}
+  DxfError(std::string text, size_t line)
+      : std::runtime_error(text), line_(line) {}
   size_t line_;
 };
 

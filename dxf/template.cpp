@@ -93,12 +93,13 @@ std::string NewDrawingTemplate(memhost::MemDocument& doc) {
   uint64_t vport_table = next(), ltype_table = next(), layer_table = next(),
            style_table = next(), view_table = next(), ucs_table = next(),
            appid_table = next(), dimstyle_table = next(), block_table = next();
-  uint64_t vport = next(), by_block = next(), by_layer = next(), continuous = next(),
-           acad = next(), dimstyle = next();
+  uint64_t vport = next(), by_block = next(), by_layer = next(),
+           continuous = next(), acad = next(), dimstyle = next();
   uint64_t model_begin = next(), model_end = next(), paper_begin = next(),
            paper_end = next();
-  uint64_t root = next(), groups = next(), layouts = next(), model_layout = next(),
-           paper_layout = next(), plot_styles = next(), normal = next();
+  uint64_t root = next(), groups = next(), layouts = next(),
+           model_layout = next(), paper_layout = next(), plot_styles = next(),
+           normal = next();
 
   std::string out;
   TagWriter w(out);
@@ -200,8 +201,9 @@ std::string NewDrawingTemplate(memhost::MemDocument& doc) {
   w.Text(0, "ENDTAB");
 
   TableHead(w, "LTYPE", ltype_table, 3);
-  for (auto [handle, name] : {std::pair{by_block, "ByBlock"}, std::pair{by_layer, "ByLayer"},
-                              std::pair{continuous, "Continuous"}}) {
+  for (auto [handle, name] :
+       {std::pair{by_block, "ByBlock"}, std::pair{by_layer, "ByLayer"},
+        std::pair{continuous, "Continuous"}}) {
     RecordHead(w, "LTYPE", handle, ltype_table, "AcDbLinetypeTableRecord");
     w.Text(2, name);
     w.Int(70, 0);
@@ -213,7 +215,8 @@ std::string NewDrawingTemplate(memhost::MemDocument& doc) {
   w.Text(0, "ENDTAB");
 
   TableHead(w, "LAYER", layer_table, 1);
-  RecordHead(w, "LAYER", layer0.HandleValue(), layer_table, "AcDbLayerTableRecord");
+  RecordHead(w, "LAYER", layer0.HandleValue(), layer_table,
+             "AcDbLayerTableRecord");
   w.Text(2, layer0.name_);
   w.Int(70, (layer0.frozen_ ? 1 : 0) | (layer0.locked_ ? 4 : 0));
   w.Int(62, layer0.on_ ? layer0.color_ : -layer0.color_);
@@ -223,7 +226,8 @@ std::string NewDrawingTemplate(memhost::MemDocument& doc) {
   w.Text(0, "ENDTAB");
 
   TableHead(w, "STYLE", style_table, 1);
-  RecordHead(w, "STYLE", standard.HandleValue(), style_table, "AcDbTextStyleTableRecord");
+  RecordHead(w, "STYLE", standard.HandleValue(), style_table,
+             "AcDbTextStyleTableRecord");
   w.Text(2, standard.name_);
   w.Int(70, 0);
   w.Real(40, standard.height_);
@@ -270,7 +274,8 @@ std::string NewDrawingTemplate(memhost::MemDocument& doc) {
   w.Text(0, "ENDTAB");
 
   TableHead(w, "BLOCK_RECORD", block_table, 2);
-  for (auto [block, layout] : {std::pair{&model, model_layout}, std::pair{&paper, paper_layout}}) {
+  for (auto [block, layout] :
+       {std::pair{&model, model_layout}, std::pair{&paper, paper_layout}}) {
     RecordHead(w, "BLOCK_RECORD", block->HandleValue(), block_table,
                "AcDbBlockTableRecord");
     w.Text(2, block->name_);
@@ -283,8 +288,9 @@ std::string NewDrawingTemplate(memhost::MemDocument& doc) {
   w.Text(0, "ENDSEC");
 
   section("BLOCKS");
-  for (auto [block, begin, end] : {std::tuple{&model, model_begin, model_end},
-                                   std::tuple{&paper, paper_begin, paper_end}}) {
+  for (auto [block, begin, end] :
+       {std::tuple{&model, model_begin, model_end},
+        std::tuple{&paper, paper_begin, paper_end}}) {
     bool is_paper = block == &paper;
     w.Text(0, "BLOCK");
     w.Handle(5, begin);

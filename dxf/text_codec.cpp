@@ -45,14 +45,15 @@ bool PlainAscii(std::string_view s) {
 }  // namespace
 
 bool IsUtf8Version(std::string_view version) {
-  return version.size() == 6 && version.substr(0, 2) == "AC" && version >= "AC1021";
+  return version.size() == 6 && version.substr(0, 2) == "AC" &&
+         version >= "AC1021";
 }
 
 TextCodec TextCodec::For(std::string_view version, std::string_view codepage) {
   TextCodec codec;
   codec.utf8_ = IsUtf8Version(version);
-  codec.cp1252_ = codepage.empty() || codepage == "ANSI_1252" ||
-                  codepage == "ansi_1252";
+  codec.cp1252_ =
+      codepage.empty() || codepage == "ANSI_1252" || codepage == "ansi_1252";
   return codec;
 }
 
@@ -61,8 +62,8 @@ std::string TextCodec::Decode(std::string_view s) const {
   std::string out;
   out.reserve(s.size() + 8);
   for (size_t i = 0; i < s.size(); ++i) {
-    if (s[i] == '\\' && i + 6 < s.size() && (s[i + 1] == 'U' || s[i + 1] == 'u') &&
-        s[i + 2] == '+') {
+    if (s[i] == '\\' && i + 6 < s.size() &&
+        (s[i + 1] == 'U' || s[i + 1] == 'u') && s[i + 2] == '+') {
       int value = 0;
       bool ok = true;
       for (size_t k = 3; k < 7; ++k) {

@@ -31,13 +31,14 @@ bool SameNoCase(std::string_view a, std::string_view b) {
 }
 
 bool IsPaperLayout(const MemBlock& b) {
-  return b.name_.size() >= 12 && SameNoCase(std::string_view(b.name_).substr(0, 12),
-                                            "*Paper_Space");
+  return b.name_.size() >= 12 &&
+         SameNoCase(std::string_view(b.name_).substr(0, 12), "*Paper_Space");
 }
 
 class Writer {
  public:
-  Writer(MemDocument& doc, FileImage& img) : doc_(doc), img_(img), w_(out_, img.eol) {}
+  Writer(MemDocument& doc, FileImage& img)
+      : doc_(doc), img_(img), w_(out_, img.eol) {}
   std::string Run();
 
  private:
@@ -50,9 +51,10 @@ class Writer {
   void Entities();
   void WriteEntity(MemEntity& e, uint64_t owner, bool paper);
   // Writes an object from its record: as read while `hash` still matches.
+  // Returns true when the object went out as read.
   template <class Fill>
-  void WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
-                     uint64_t owner, Fill fill);
+  bool WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
+                     uint64_t owner, Fill fill, bool moved = false);
   bool LoadOriginal(const Span& span, Shape& shape, int handle_code = 5) const;
   void Raw(const Span& s) { w_.Raw(img_.Bytes(s)); }
 
@@ -68,7 +70,8 @@ uint64_t Writer::NewHandle() {
   return h;
 }
 
-bool Writer::LoadOriginal(const Span& span, Shape& shape, int handle_code) const {
+bool Writer::LoadOriginal(const Span& span, Shape& shape,
+                          int handle_code) const {
   if (span.Empty()) return false;
   Tokenizer tok(img_.Bytes(span), span.begin);
   Tag first, next;
@@ -84,7 +87,8 @@ void Writer::Prepare() {
   for (MemBlock* b : doc_.BlockList()) {
     if (RecordOf(*b) == nullptr) b->file_data = ObjectRecord{};
     ObjectRecord& r = *RecordOf(*b);
-    if (r.begin_handle == 0) r.begin_handle = NewHandle();
+    if (r.begin_handle == 0 && r.begin_span.Empty())
+      r.begin_handle = NewHandle();
     if (r.end_handle == 0 && r.end_span.Empty()) r.end_handle = NewHandle();
     for (MemEntity* e : b->MemEntities()) {
       std::vector<MemEntity*> parts{e};
@@ -106,7 +110,8 @@ void Writer::Prepare() {
       if (ref != nullptr && ref->HasAttributes()) {
         if (RecordOf(*ref) == nullptr) ref->file_data = ObjectRecord{};
         ObjectRecord& rr = *RecordOf(*ref);
-        if (rr.end_span.Empty() && rr.end_handle == 0) rr.end_handle = NewHandle();
+        if (rr.end_span.Empty() && rr.end_handle == 0)
+          rr.end_handle = NewHandle();
       }
     }
   }
@@ -130,7 +135,8 @@ void Writer::Prepare() {
     if (t.name != "APPID") continue;
     for (const std::string& app : doc_.RegisteredApps()) {
       bool found = false;
-      for (const auto& item : t.items) found = found || SameNoCase(item.name, app);
+      for (const auto& item : t.items)
+        found = found || SameNoCase(item.name, app);
       if (found) continue;
       TableItem item;
       item.handle = NewHandle();
@@ -145,10 +151,18 @@ std::string Writer::Run() {
   out_.reserve(img_.buffer.size() + img_.buffer.size() / 8 + 4096);
   for (const SectionImage& s : img_.sections) {
     switch (s.kind) {
-      case SectionImage::Kind::kRaw: Raw(s.span); break;
-      case SectionImage::Kind::kHeader: Header(s); break;
-      case SectionImage::Kind::kTables: Tables(s); break;
-      case SectionImage::Kind::kBlocks: Blocks(s); break;
+      case SectionImage::Kind::kRaw:
+        Raw(s.span);
+        break;
+      case SectionImage::Kind::kHeader:
+        Header(s);
+        break;
+      case SectionImage::Kind::kTables:
+        Tables(s);
+        break;
+      case SectionImage::Kind::kBlocks:
+        Blocks(s);
+        break;
       case SectionImage::Kind::kEntities:
         Raw(s.head);
         Entities();
@@ -156,8 +170,10 @@ std::string Writer::Run() {
         break;
     }
   }
-  if (img_.trailer.Empty()) w_.Text(0, "EOF");
-  else Raw(img_.trailer);
+  if (img_.trailer.Empty())
+    w_.Text(0, "EOF");
+  else
+    Raw(img_.trailer);
   return std::move(out_);
 }
 
@@ -198,20 +214,28 @@ void Writer::Header(const SectionImage& s) {
       }
     } else if (var.name == "$CLAYER") {
       wrote_layer = true;
-      if (clayer == img_.clayer) Raw(var.span);
-      else w_.Text(9, "$CLAYER"), w_.Text(8, codec.Encode(clayer));
+      if (clayer == img_.clayer)
+        Raw(var.span);
+      else
+        w_.Text(9, "$CLAYER"), w_.Text(8, codec.Encode(clayer));
     } else if (var.name == "$TEXTSTYLE") {
       wrote_style = true;
-      if (style == img_.textstyle) Raw(var.span);
-      else w_.Text(9, "$TEXTSTYLE"), w_.Text(7, codec.Encode(style));
+      if (style == img_.textstyle)
+        Raw(var.span);
+      else
+        w_.Text(9, "$TEXTSTYLE"), w_.Text(7, codec.Encode(style));
     } else if (var.name == "$UCSXDIR") {
       wrote_x = true;
-      if (xdir == img_.ucsxdir) Raw(var.span);
-      else write_point("$UCSXDIR", xdir);
+      if (xdir == img_.ucsxdir)
+        Raw(var.span);
+      else
+        write_point("$UCSXDIR", xdir);
     } else if (var.name == "$UCSYDIR") {
       wrote_y = true;
-      if (ydir == img_.ucsydir) Raw(var.span);
-      else write_point("$UCSYDIR", ydir);
+      if (ydir == img_.ucsydir)
+        Raw(var.span);
+      else
+        write_point("$UCSYDIR", ydir);
     } else {
       Raw(var.span);
     }
@@ -221,31 +245,38 @@ void Writer::Header(const SectionImage& s) {
     w_.Text(9, "$CLAYER"), w_.Text(8, codec.Encode(clayer));
   if (!wrote_style && style != "Standard")
     w_.Text(9, "$TEXTSTYLE"), w_.Text(7, codec.Encode(style));
-  if (!wrote_x && !(xdir == host::Point3{1, 0, 0})) write_point("$UCSXDIR", xdir);
-  if (!wrote_y && !(ydir == host::Point3{0, 1, 0})) write_point("$UCSYDIR", ydir);
+  if (!wrote_x && !(xdir == host::Point3{1, 0, 0}))
+    write_point("$UCSXDIR", xdir);
+  if (!wrote_y && !(ydir == host::Point3{0, 1, 0}))
+    write_point("$UCSYDIR", ydir);
   Raw(s.tail);
 }
 
 // ----------------------------------------------------------------- tables
 
 template <class Fill>
-void Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
-                           uint64_t owner, Fill fill) {
+bool Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
+                           uint64_t owner, Fill fill, bool moved) {
   ObjectRecord* r = RecordOf(obj);
-  if (r != nullptr && r->read && !r->copied && r->hash == hash) {
+  // A copy, an object the file gave no handle, or an entity that now lives
+  // in another block than its file said gets a head of its own.
+  bool fresh =
+      r != nullptr && (r->copied || r->handle != obj.HandleValue() || moved);
+  if (r != nullptr && r->read && !fresh && r->hash == hash) {
     Raw(r->span);
-    return;
+    return true;
   }
   Shape original;
   bool has = r != nullptr && r->read && LoadOriginal(r->span, original);
-  WriteSpec spec;
-  spec.type = type;
-  spec.handle = obj.HandleValue();
-  spec.owner = owner;
-  spec.original = has ? &original : nullptr;
-  spec.fresh_head = has && r->copied;
-  fill(spec, spec.original);
-  WriteObject(spec, w_, img_.codec);
+  WritePlan plan;
+  plan.type = type;
+  plan.handle = obj.HandleValue();
+  plan.owner = owner;
+  plan.original = has ? &original : nullptr;
+  plan.fresh_head = has && fresh;
+  fill(plan, plan.original);
+  WriteObject(plan, w_, img_.codec);
+  return false;
 }
 
 void Writer::Tables(const SectionImage& s) {
@@ -273,29 +304,32 @@ void Writer::Table(const TableImage& t) {
     }
     listed.insert(item.handle);
     if (t.name == "APPID") {
-      WriteSpec spec;
-      spec.type = "APPID";
-      spec.handle = item.handle;
-      spec.owner = t.handle;
-      spec.groups.emplace_back("AcDbSymbolTableRecord");
-      FieldGroup& g = spec.groups.emplace_back("AcDbRegAppTableRecord");
+      WritePlan plan;
+      plan.type = "APPID";
+      plan.handle = item.handle;
+      plan.owner = t.handle;
+      plan.groups.emplace_back("AcDbSymbolTableRecord");
+      FieldGroup& g = plan.groups.emplace_back("AcDbRegAppTableRecord");
       g.Text(2, item.name);
       g.Int(70, 0);
-      WriteObject(spec, w_, img_.codec);
+      WriteObject(plan, w_, img_.codec);
       ++count;
       continue;
     }
     MemObject* obj = doc_.FindByHandle(item.handle);
     if (obj == nullptr || obj->IsErased()) continue;
     if (auto* l = dynamic_cast<memhost::MemLayer*>(obj)) {
-      WriteRecorded(*l, LayerHash(*l), "LAYER", t.handle,
-                    [&](WriteSpec& spec, const Shape* o) { LayerSpec(*l, o, spec); });
+      WriteRecorded(
+          *l, LayerHash(*l), "LAYER", t.handle,
+          [&](WritePlan& plan, const Shape* o) { LayerPlan(*l, o, plan); });
     } else if (auto* st = dynamic_cast<memhost::MemTextStyle*>(obj)) {
-      WriteRecorded(*st, StyleHash(*st), "STYLE", t.handle,
-                    [&](WriteSpec& spec, const Shape*) { StyleSpec(*st, spec); });
+      WriteRecorded(
+          *st, StyleHash(*st), "STYLE", t.handle,
+          [&](WritePlan& plan, const Shape*) { StylePlan(*st, plan); });
     } else if (auto* b = dynamic_cast<MemBlock*>(obj)) {
-      WriteRecorded(*b, BlockHash(*b), "BLOCK_RECORD", t.handle,
-                    [&](WriteSpec& spec, const Shape*) { BlockRecordSpec(*b, spec); });
+      WriteRecorded(
+          *b, BlockHash(*b), "BLOCK_RECORD", t.handle,
+          [&](WritePlan& plan, const Shape*) { BlockRecordPlan(*b, plan); });
     } else {
       continue;
     }
@@ -305,22 +339,25 @@ void Writer::Table(const TableImage& t) {
   if (t.name == "LAYER") {
     for (auto* l : doc_.LayerList())
       if (!listed.count(l->HandleValue())) {
-        WriteRecorded(*l, LayerHash(*l), "LAYER", t.handle,
-                      [&](WriteSpec& spec, const Shape* o) { LayerSpec(*l, o, spec); });
+        WriteRecorded(
+            *l, LayerHash(*l), "LAYER", t.handle,
+            [&](WritePlan& plan, const Shape* o) { LayerPlan(*l, o, plan); });
         ++count;
       }
   } else if (t.name == "STYLE") {
     for (auto* st : doc_.TextStyleList())
       if (!listed.count(st->HandleValue())) {
-        WriteRecorded(*st, StyleHash(*st), "STYLE", t.handle,
-                      [&](WriteSpec& spec, const Shape*) { StyleSpec(*st, spec); });
+        WriteRecorded(
+            *st, StyleHash(*st), "STYLE", t.handle,
+            [&](WritePlan& plan, const Shape*) { StylePlan(*st, plan); });
         ++count;
       }
   } else if (t.name == "BLOCK_RECORD") {
     for (auto* b : doc_.BlockList())
       if (!listed.count(b->HandleValue())) {
-        WriteRecorded(*b, BlockHash(*b), "BLOCK_RECORD", t.handle,
-                      [&](WriteSpec& spec, const Shape*) { BlockRecordSpec(*b, spec); });
+        WriteRecorded(
+            *b, BlockHash(*b), "BLOCK_RECORD", t.handle,
+            [&](WritePlan& plan, const Shape*) { BlockRecordPlan(*b, plan); });
         ++count;
       }
   }
@@ -350,8 +387,10 @@ void Writer::Table(const TableImage& t) {
     }
   }
   out_ += body;
-  if (t.tail.Empty()) w_.Text(0, "ENDTAB");
-  else Raw(t.tail);
+  if (t.tail.Empty())
+    w_.Text(0, "ENDTAB");
+  else
+    Raw(t.tail);
 }
 
 // ----------------------------------------------------------------- blocks
@@ -362,7 +401,8 @@ void Writer::Blocks(const SectionImage& s) {
   std::unordered_set<MemBlock*> seen;
   for (uint64_t h : s.blocks) {
     auto* b = dynamic_cast<MemBlock*>(doc_.FindByHandle(h));
-    if (b != nullptr && !b->IsErased() && seen.insert(b).second) order.push_back(b);
+    if (b != nullptr && !b->IsErased() && seen.insert(b).second)
+      order.push_back(b);
   }
   for (MemBlock* b : doc_.BlockList())
     if (seen.insert(b).second) order.push_back(b);
@@ -376,24 +416,25 @@ void Writer::Blocks(const SectionImage& s) {
     } else {
       Shape original;
       bool has = LoadOriginal(r.begin_span, original);
-      WriteSpec spec;
-      spec.handle = r.begin_handle;
-      spec.owner = b->HandleValue();
-      spec.original = has ? &original : nullptr;
-      BlockBeginSpec(*b, paper, spec);
-      WriteObject(spec, w_, img_.codec);
+      WritePlan plan;
+      plan.handle = r.begin_handle;
+      plan.owner = b->HandleValue();
+      plan.original = has ? &original : nullptr;
+      BlockBeginPlan(*b, paper, plan);
+      WriteObject(plan, w_, img_.codec);
     }
     // Entities of model space and the active paper space live in ENTITIES.
     if (b != &doc_.ModelSpaceBlock() && b != &doc_.PaperSpaceBlock())
-      for (MemEntity* e : b->MemEntities()) WriteEntity(*e, b->HandleValue(), paper);
+      for (MemEntity* e : b->MemEntities())
+        WriteEntity(*e, b->HandleValue(), paper);
     if (!r.end_span.Empty()) {
       Raw(r.end_span);
     } else {
-      WriteSpec spec;
-      spec.handle = r.end_handle;
-      spec.owner = b->HandleValue();
-      BlockEndSpec(paper, spec);
-      WriteObject(spec, w_, img_.codec);
+      WritePlan plan;
+      plan.handle = r.end_handle;
+      plan.owner = b->HandleValue();
+      BlockEndPlan(paper, plan);
+      WriteObject(plan, w_, img_.codec);
     }
   }
   Raw(s.tail);
@@ -419,17 +460,27 @@ void Writer::Entities() {
 void Writer::WriteEntity(MemEntity& e, uint64_t owner, bool paper) {
   ObjectRecord* r = RecordOf(e);
   host::Entity& he = e.AsHostEntity();
-  WriteRecorded(e, EntityHash(e), he.EntityName(), owner,
-                [&](WriteSpec& spec, const Shape* original) {
-                  WriteContext ctx{doc_, img_.codec, original, paper};
-                  EntitySpec(e, ctx, spec);
-                });
+  bool moved = false;
+  if (r != nullptr && r->owner != 0)
+    if (auto* b = dynamic_cast<MemBlock*>(doc_.FindByHandle(r->owner)))
+      moved = b != &e.Owner();
+  bool as_read = WriteRecorded(
+      e, EntityHash(e), he.EntityName(), owner,
+      [&](WritePlan& plan, const Shape* original) {
+        WriteContext ctx{doc_, img_.codec, original, paper};
+        EntityPlan(e, ctx, plan);
+      },
+      moved);
   auto* ref = dynamic_cast<memhost::MemBlockReference*>(&e);
   if (ref == nullptr) {
     if (r != nullptr && !r->end_span.Empty()) Raw(r->end_span);  // vertices
     return;
   }
-  if (!ref->HasAttributes()) return;
+  if (!ref->HasAttributes()) {
+    // A reference written as read keeps the SEQEND it was read with.
+    if (as_read && !r->end_span.Empty()) Raw(r->end_span);
+    return;
+  }
   for (auto* a : ref->Attributes())
     if (!a->IsErased()) WriteEntity(*a, e.HandleValue(), paper);
   r = RecordOf(e);
@@ -437,14 +488,14 @@ void Writer::WriteEntity(MemEntity& e, uint64_t owner, bool paper) {
     Raw(r->end_span);
     return;
   }
-  WriteSpec spec;
-  spec.type = "SEQEND";
-  spec.handle = r ? r->end_handle : NewHandle();
-  spec.owner = e.HandleValue();
-  FieldGroup& g = spec.groups.emplace_back("AcDbEntity");
+  WritePlan plan;
+  plan.type = "SEQEND";
+  plan.handle = r ? r->end_handle : NewHandle();
+  plan.owner = e.HandleValue();
+  FieldGroup& g = plan.groups.emplace_back("AcDbEntity");
   if (paper) g.Int(67, 1);
   g.Text(8, e.LayerName());
-  WriteObject(spec, w_, img_.codec);
+  WriteObject(plan, w_, img_.codec);
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ class CrossingCommands : public ::testing::Test {
   // between two high points. The clearances are 88.55 and 89.05.
   std::string Site(bool zero_length_pipe = false) {
     memhost::MemDocument doc;
-    core::CreateProject(doc, "Metric");
+    core::CreateProjectRecord(doc, "Metric");
     auto sewer = test::AddFixtureNetwork(doc, "Sewer", "Gravity");
     auto water = test::AddFixtureNetwork(doc, "Water", "Pressure");
     test::AddPipe(doc, sewer,

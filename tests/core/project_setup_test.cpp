@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <set>
 
 #include "core/general.h"
@@ -27,13 +26,6 @@ Record MarkerRecord(host::Document& doc, host::ObjectId id) {
   return Record::ReadRequired(object);
 }
 
-// Every list field of a record holds entries each followed by ";".
-V Entries(const Record& record, int field) {
-  std::string text = record.Text(field);
-  EXPECT_TRUE(text.empty() || text.back() == ';') << text;
-  return ListEntries(text);
-}
-
 class ProjectSetup : public ::testing::TestWithParam<std::string> {
  protected:
   bool Metric() const { return GetParam() == "Metric"; }
@@ -41,19 +33,19 @@ class ProjectSetup : public ::testing::TestWithParam<std::string> {
 };
 
 TEST_P(ProjectSetup, ProjectRecordNamesItsMarkers) {
-  ProjectMarkers markers = CreateProject(doc_, GetParam());
+  ProjectMarkers markers = CreateProjectRecord(doc_, GetParam());
   Record project = ReadProjectRecord(doc_);
   ASSERT_EQ(project.Size(), kProjectRecordLength);
   for (int i = 1; i < project.Size(); ++i)
     EXPECT_EQ(project.Code(i), kProjectRecordCodes[i - 1]) << i;
-  EXPECT_EQ(project.Text(ProjectField::kViewStyles),
-            "Standard;;" + IdListEntry(markers.view_style));
+  // The view style and library markers are registered by their own
+  // subsystems afterwards.
+  EXPECT_EQ(project.Text(ProjectField::kViewStyles), "Standard;;");
   EXPECT_EQ(General::CheckEventsFlag(doc_), 1);
   EXPECT_EQ(project.Text(ProjectField::kNetworkNames), "");
   EXPECT_EQ(project.Text(ProjectField::kNetworkTypes), "");
-  EXPECT_EQ(project.Text(ProjectField::kMaterialsLibrary),
-            IdText(markers.materials));
-  EXPECT_EQ(project.Text(ProjectField::kSizesLibrary), IdText(markers.sizes));
+  EXPECT_EQ(project.Text(ProjectField::kMaterialsLibrary), "");
+  EXPECT_EQ(project.Text(ProjectField::kSizesLibrary), "");
   EXPECT_EQ(General::GetModelUnits(doc_), GetParam());
   EXPECT_LT(NumericValue(project.Text(ProjectField::kCrossingSettings)), 0);
   EXPECT_EQ(project.Text(ProjectField::kLowHighNetworks), "");
@@ -63,90 +55,24 @@ TEST_P(ProjectSetup, ProjectRecordNamesItsMarkers) {
   EXPECT_TRUE(General::VerfiyVersionKestranaCompatibility(doc_));
   EXPECT_TRUE(doc_.GetSession().Messages().empty());
 
-  std::set<host::ObjectId> ids = {markers.view_style, markers.materials,
-                                  markers.sizes, markers.profile_style};
-  EXPECT_EQ(ids.size(), 4u);
-  EXPECT_EQ(MarkerRecord(doc_, markers.materials).Text(2),
-            kMaterialLibraryPoint);
-  EXPECT_EQ(MarkerRecord(doc_, markers.sizes).Text(2),
-            kSectionSizeLibraryPoint);
-  EXPECT_EQ(MarkerRecord(doc_, markers.view_style).Text(2), kViewStylePoint);
+  EXPECT_EQ(doc_.ModelSpace().Count(), 1);
   EXPECT_EQ(MarkerRecord(doc_, markers.profile_style).Text(2),
             kProfileStylePoint);
 }
 
 TEST_P(ProjectSetup, NetworksBuildOnTheNewRecord) {
-  ProjectMarkers markers = CreateProject(doc_, GetParam());
+  CreateProjectRecord(doc_, GetParam());
   General::CreateNetworkDefintion(doc_, "Sewer", "Gravity");
   General::CreateNetworkDefintion(doc_, "Water", "Pressure");
   Record project = ReadProjectRecord(doc_);
-  EXPECT_EQ(project.Text(ProjectField::kViewStyles),
-            "Standard;11;" + IdListEntry(markers.view_style));
+  EXPECT_EQ(project.Text(ProjectField::kViewStyles), "Standard;11;");
   EXPECT_EQ(project.Text(ProjectField::kCrossingSettings), "-1;Water;Sewer");
   General::CreateStandardBlock(doc_, "Node");
   EXPECT_NE(doc_.GetBlocks().Find("Kestrana_Node"), nullptr);
 }
 
-TEST_P(ProjectSetup, LibrariesListEveryEntryWithZeroUse) {
-  ProjectMarkers markers = CreateProject(doc_, GetParam());
-  Record materials = MarkerRecord(doc_, markers.materials);
-  V names = Entries(materials, 3);
-  EXPECT_EQ(Entries(materials, 4), V(names.size(), "0"));
-  EXPECT_NE(std::find(names.begin(), names.end(), "PVC"), names.end());
-  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(),
-            names.size());
-
-  Record sizes = MarkerRecord(doc_, markers.sizes);
-  ASSERT_EQ(sizes.Size(), 11);
-  for (int list : {3, 5, 7, 9}) {
-    V keys = Entries(sizes, list);
-    EXPECT_GE(keys.size(), 5u) << list;
-    EXPECT_EQ(Entries(sizes, list + 1), V(keys.size(), "0")) << list;
-    for (const std::string& key : keys) {
-      // Circular keys are one number, box keys "<span>x<rise>", both in
-      // the general text form the library compares by.
-      V numbers = Split(key, 'x');
-      EXPECT_EQ(numbers.size(), list == 3 || list == 7 ? 1u : 2u) << key;
-      for (const std::string& n : numbers) {
-        EXPECT_GT(NumericValue(n), 0) << key;
-        EXPECT_EQ(GeneralText(NumericValue(n)), n) << key;
-      }
-    }
-  }
-  // The sizes a new pipe gets are in the library.
-  V metric = Entries(sizes, 3), us = Entries(sizes, 7);
-  EXPECT_NE(std::find(metric.begin(), metric.end(), "200"), metric.end());
-  EXPECT_NE(std::find(us.begin(), us.end(), "8"), us.end());
-}
-
-TEST_P(ProjectSetup, StandardViewStyleHasItsItemForms) {
-  ProjectMarkers markers = CreateProject(doc_, GetParam());
-  Record style = MarkerRecord(doc_, markers.view_style);
-  ASSERT_EQ(style.Size(), 43);
-  for (int i = 1; i < 43; ++i) EXPECT_EQ(style.Code(i), 1000) << i;
-  EXPECT_EQ(style.Text(1).substr(2), "Standard");
-  EXPECT_EQ(style.Text(3), "Standard");
-  EXPECT_GT(NumericValue(style.Text(4)), 0);
-  auto pieces = [](int index) -> size_t {
-    if (index == 18 || index == 32) return 1;  // arrow flag
-    if (index == 8 || index == 22) return 6;   // slope
-    if (index == 41 || index == 42) return 3;  // coordinates
-    for (int text : {5, 7, 9, 19, 21, 23, 33, 37})
-      if (index == text) return 3;  // text
-    return 5;                       // number
-  };
-  for (int i = 5; i <= 42; ++i) {
-    V item = Split(style.Text(i));
-    EXPECT_EQ(item.size(), pieces(i)) << i << ": " << style.Text(i);
-    EXPECT_TRUE(item[0] == "0" || item[0] == "1") << i;
-  }
-  // Something is shown for every kind of element.
-  for (int first : {5, 19, 33, 37}) EXPECT_EQ(Split(style.Text(first))[0], "1");
-  EXPECT_EQ(style.Text(18), "1");
-}
-
 TEST_P(ProjectSetup, StandardProfileStylePassesImportValidation) {
-  ProjectMarkers markers = CreateProject(doc_, GetParam());
+  ProjectMarkers markers = CreateProjectRecord(doc_, GetParam());
   Record style = MarkerRecord(doc_, markers.profile_style);
   ASSERT_EQ(style.Size(), 21);
   for (int i = 1; i < 21; ++i) EXPECT_EQ(style.Code(i), 1000) << i;
@@ -183,14 +109,14 @@ INSTANTIATE_TEST_SUITE_P(Units, ProjectSetup,
 
 TEST(ProjectSetupRefusals, ExistingProjectAndUnknownUnits) {
   memhost::MemDocument doc;
-  EXPECT_THROW(CreateProject(doc, "metric"), std::invalid_argument);
+  EXPECT_THROW(CreateProjectRecord(doc, "metric"), std::invalid_argument);
   EXPECT_FALSE(FindProjectRecord(doc));
   EXPECT_EQ(doc.ModelSpace().Count(), 0);
-  CreateProject(doc, "Metric");
+  CreateProjectRecord(doc, "Metric");
   int entities = doc.ModelSpace().Count();
   host::XRecord before = ReadProjectRecord(doc).Items();
   try {
-    CreateProject(doc, "US");
+    CreateProjectRecord(doc, "US");
     FAIL() << "a second project was accepted";
   } catch (const std::runtime_error& e) {
     EXPECT_STREQ(e.what(), "This drawing already contains a Kestrana project!");
@@ -203,7 +129,7 @@ TEST(ProjectSetupRefusals, LockedLayersStayLocked) {
   memhost::MemDocument doc;
   host::Layer& zero = doc.GetLayers().Item("0");
   zero.SetLock(true);
-  CreateProject(doc, "Metric");
+  CreateProjectRecord(doc, "Metric");
   EXPECT_TRUE(zero.Lock());
   EXPECT_EQ(ReadProjectRecord(doc).Text(ProjectField::kModelUnits), "Metric");
 }

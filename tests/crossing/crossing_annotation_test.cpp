@@ -30,7 +30,7 @@ using F = CrossingAnnoField;
 class CrossingAnnotations : public ::testing::Test {
  protected:
   void SetUp() override {
-    core::CreateProject(*doc_, "Metric");
+    core::CreateProjectRecord(*doc_, "Metric");
     sewer_ = test::AddFixtureNetwork(*doc_, "Sewer", "Gravity");
     water_ = test::AddFixtureNetwork(*doc_, "Water", "Pressure");
     p1_ = &test::AddPipe(*doc_, sewer_,

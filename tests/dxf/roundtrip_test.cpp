@@ -26,7 +26,8 @@ template <class T>
 T& Only(MemDocument& doc, const char* type, size_t index = 0) {
   size_t seen = 0;
   for (auto* e : doc.ModelSpaceBlock().MemEntities())
-    if (e->AsHostEntity().EntityName() == type && seen++ == index) return dynamic_cast<T&>(*e);
+    if (e->AsHostEntity().EntityName() == type && seen++ == index)
+      return dynamic_cast<T&>(*e);
   throw std::runtime_error(std::string("no ") + type);
 }
 
@@ -40,7 +41,8 @@ std::set<uint64_t> Handles(const std::string& text) {
     if (t.code == 0) type = t.value;
     if (t.code == 2 && type == "SECTION") section = t.value;
     if (section == "HEADER") continue;  // $HANDSEED is no object's
-    if ((t.code == 5 && type != "DIMSTYLE") || t.code == 105) out.insert(HandleValue(t));
+    if ((t.code == 5 && type != "DIMSTYLE") || t.code == 105)
+      out.insert(HandleValue(t));
   }
   return out;
 }
@@ -55,7 +57,8 @@ std::string HeaderValue(const std::string& text, const std::string& name) {
 
 TEST(RoundTrip, EveryModelledKindKeepsItsState) {
   MemDocument doc;
-  auto& layer = static_cast<memhost::MemLayer&>(doc.GetLayers().Add("Sewer - Network"));
+  auto& layer =
+      static_cast<memhost::MemLayer&>(doc.GetLayers().Add("Sewer - Network"));
   layer.SetTrueColor(3);
   auto& ms = doc.ModelSpaceBlock();
   auto& line = static_cast<memhost::MemLine&>(ms.AddLine({1, 2, 3}, {4, 5, 6}));
@@ -71,16 +74,20 @@ TEST(RoundTrip, EveryModelledKindKeepsItsState) {
   auto& point = static_cast<memhost::MemPoint&>(ms.AddPoint({7, 8, 9}));
   point.SetVisible(false);
   auto& circle = static_cast<memhost::MemCircle&>(ms.AddCircle({1, 1, 0}, 2.5));
-  auto& ellipse = static_cast<memhost::MemEllipse&>(ms.AddEllipse({3, 3, 0}, {0, 4, 0}, 0.25));
+  auto& ellipse = static_cast<memhost::MemEllipse&>(
+      ms.AddEllipse({3, 3, 0}, {0, 4, 0}, 0.25));
   ellipse.SetParameters(0.5, 2.5);
-  auto& text = static_cast<memhost::MemText&>(ms.AddText("Grüße, Ж水", {5, 5, 0}, 1.75));
+  auto& text =
+      static_cast<memhost::MemText&>(ms.AddText("Grüße, Ж水", {5, 5, 0}, 1.75));
   text.SetRotation(0.7);
   text.SetScaleFactor(0.8);
   text.SetObliqueAngle(0.2);
-  auto& block = static_cast<memhost::MemBlock&>(doc.GetBlocks().Add({1, 2, 0}, "Kestrana_Node"));
+  auto& block = static_cast<memhost::MemBlock&>(
+      doc.GetBlocks().Add({1, 2, 0}, "Kestrana_Node"));
   block.AddCircle({0, 0, 0}, 1);
-  auto& attdef = static_cast<memhost::MemAttributeDefinition&>(
-      block.AddAttribute(0.5, 8 | 1, "Node label", {0.5, 0.5, 0}, "LABEL", "N-?"));
+  auto& attdef =
+      static_cast<memhost::MemAttributeDefinition&>(block.AddAttribute(
+          0.5, 8 | 1, "Node label", {0.5, 0.5, 0}, "LABEL", "N-?"));
   attdef.SetAlignment(TextAlignment::kMiddleRight);
   auto& ref = static_cast<memhost::MemBlockReference&>(
       ms.InsertBlock({20, 30, 0}, "Kestrana_Node", 2, 3, 1, 0.5));
@@ -156,7 +163,8 @@ TEST(RoundTrip, EveryModelledKindKeepsItsState) {
 TEST(RoundTrip, AllFifteenTextAlignments) {
   MemDocument doc;
   for (int a = 0; a <= 14; ++a) {
-    auto& t = doc.ModelSpace().AddText("T" + std::to_string(a), {double(a), 0, 0}, 1);
+    auto& t =
+        doc.ModelSpace().AddText("T" + std::to_string(a), {double(a), 0, 0}, 1);
     t.SetAlignment(static_cast<TextAlignment>(a));
     t.SetTextAlignmentPoint({double(a), 5, 0});
   }
@@ -213,13 +221,15 @@ TEST(RoundTrip, ExtendedDataOfEveryValueKindOnEveryKindOfObject) {
     EXPECT_EQ(l2.GetXData("Kestrana"), AllKinds("Kestrana")) << version;
     EXPECT_EQ(l2.GetXData("OtherApp"), AllKinds("OtherApp"));
     EXPECT_EQ(back->ModelSpace().GetXData("Kestrana"), AllKinds("Kestrana"));
-    EXPECT_EQ(back->GetLayers().Item("Pipes").GetXData("LayerApp"), AllKinds("LayerApp"));
+    EXPECT_EQ(back->GetLayers().Item("Pipes").GetXData("LayerApp"),
+              AllKinds("LayerApp"));
     EXPECT_EQ(back->GetTextStyles().Item("Standard").GetXData("StyleApp"),
               AllKinds("StyleApp"));
     // Each application has its APPID entry.
     for (const char* app : {"Kestrana", "OtherApp", "LayerApp", "StyleApp"})
-      EXPECT_NE(text.find("AcDbRegAppTableRecord\n  2\n" + std::string(app) + "\n"),
-                std::string::npos)
+      EXPECT_NE(
+          text.find("AcDbRegAppTableRecord\n  2\n" + std::string(app) + "\n"),
+          std::string::npos)
           << app;
     // The long integer is written as one.
     EXPECT_NE(text.find("1071\n2147483647\n"), std::string::npos);
@@ -228,7 +238,9 @@ TEST(RoundTrip, ExtendedDataOfEveryValueKindOnEveryKindOfObject) {
 
 TEST(RoundTrip, AnUnchangedDrawingWritesBackByteForByte) {
   MemDocument doc;
-  doc.ModelSpace().AddLightWeightPolyline({0, 0, 1, 1}).SetXData(AllKinds("Kestrana"));
+  doc.ModelSpace()
+      .AddLightWeightPolyline({0, 0, 1, 1})
+      .SetXData(AllKinds("Kestrana"));
   doc.ModelSpace().AddText("x", {0, 0, 0}, 1);
   std::string first = WriteDxf(doc);
   EXPECT_EQ(WriteDxf(*Read(first)), first);
@@ -244,18 +256,38 @@ TEST(RoundTrip, AnUnchangedDrawingWritesBackByteForByte) {
   doc2->ModelSpace().AddPoint({1, 2, 3});
   std::string changed = WriteDxf(*doc2);
   EXPECT_EQ(changed.find("\n\n"), std::string::npos);
-  for (size_t i = 0; i < changed.size(); ++i)
-    if (changed[i] == '\n') ASSERT_EQ(changed[i - 1], '\r') << "bare LF at " << i;
+  for (size_t i = 0; i < changed.size(); ++i) {
+    if (changed[i] == '\n') {
+      ASSERT_EQ(changed[i - 1], '\r') << "bare LF at " << i;
+    }
+  }
 }
 
 // A LINE as another program writes it: codes the model ignores, texts
 // in a format of its own.
 const char* kForeignEntities =
-    "0\nLINE\n5\n2A\n102\n{ACAD_REACTORS\n330\n40\n102\n}\n330\n1F\n100\nAcDbEntity\n8\n0\n"
-    "6\nDASHED\n370\n25\n100\nAcDbLine\n39\n2.5\n10\n0.0000\n20\n1.50\n30\n0\n11\n4\n21\n"
+    "0\nLINE\n5\n2A\n102\n{ACAD_REACTORS\n330\n40\n102\n}"
+    "\n330\n1\n100\nAcDbEntity\n8\n0\n"
+    "6\nDASHED\n370\n25\n100\nAcDbLine\n39\n2.5\n10\n0.0000\n20\n1."
+    "50\n30\n0\n11\n4\n21\n"
     "5\n31\n0\n210\n0\n220\n0\n230\n1\n"
-    "0\nMTEXT\n5\n2B\n100\nAcDbEntity\n8\nNotes\n100\nAcDbMText\n10\n1\n20\n2\n30\n0\n"
+    "0\nMTEXT\n5\n2B\n100\nAcDbEntity\n8\nNotes\n100\nAcDbMText\n10\n1\n20\n2\n"
+    "30\n0\n"
     "40\n2.5\n1\nfirst\\Psecond\n999\nkept\n1001\nACAD\n1000\nx\n";
+
+TEST(RoundTrip, SectionsOfOtherKindsStayAsRead) {
+  std::string text = MinimalDxf("0\nPOINT\n5\n2A\n");
+  std::string extra =
+      "0\nSECTION\n2\nTHUMBNAILIMAGE\n90\n4\n310\n0A0B0C0D\n0\nENDSEC\n"
+      "0\nSECTION\n2\nOBJECTS\n0\nDICTIONARY\n5\nC\n330\n0\n100\nAcDbDictionary"
+      "\n"
+      "0\nXRECORD\n5\n2B\n100\nAcDbXrecord\n5\nnot a handle here\n0\nENDSEC\n"
+      "999\nbetween sections\n";
+  text.insert(text.find("0\nEOF"), extra);
+  auto doc = Read(text);
+  std::string out = WriteDxf(*doc);
+  EXPECT_NE(out.find(extra), std::string::npos);
+}
 
 TEST(RoundTrip, ChangesAreMergedIntoTheTagsTheyWereReadFrom) {
   std::string text = MinimalDxf(kForeignEntities);
@@ -270,22 +302,29 @@ TEST(RoundTrip, ChangesAreMergedIntoTheTagsTheyWereReadFrom) {
   // The end point's X changed, the colour joined the end of its group, and
   // every code the model does not own stayed where it was, with the texts
   // of untouched values as they were.
-  EXPECT_NE(out.find("0\nLINE\n5\n2A\n102\n{ACAD_REACTORS\n330\n40\n102\n}\n330\n1F\n100\n"
-                     "AcDbEntity\n8\n0\n6\nDASHED\n370\n25\n 62\n2\n100\nAcDbLine\n39\n2.5\n10\n"
-                     "0.0000\n20\n1.50\n30\n0\n 11\n7.0\n21\n5\n31\n0\n210\n0\n220\n0\n230\n1\n"),
-            std::string::npos)
+  EXPECT_NE(
+      out.find(
+          "0\nLINE\n5\n2A\n102\n{ACAD_REACTORS\n330\n40\n102\n}\n330\n1\n100\n"
+          "AcDbEntity\n8\n0\n6\nDASHED\n370\n25\n "
+          "62\n2\n100\nAcDbLine\n39\n2.5\n10\n"
+          "0.0000\n20\n1.50\n30\n0\n "
+          "11\n7.0\n21\n5\n31\n0\n210\n0\n220\n0\n230\n1\n"),
+      std::string::npos)
       << out.substr(out.find("LINE"), 400);
   // The MTEXT the model does not know is untouched.
   EXPECT_NE(out.find("0\nMTEXT\n5\n2B\n"), std::string::npos);
-  EXPECT_NE(out.find("1\nfirst\\Psecond\n999\nkept\n1001\nACAD\n1000\nx\n"), std::string::npos);
+  EXPECT_NE(out.find("1\nfirst\\Psecond\n999\nkept\n1001\nACAD\n1000\nx\n"),
+            std::string::npos);
 
   // Even an unknown kind takes a new layer and keeps the rest.
   auto& mtext = Only<memhost::MemOtherEntity>(*doc, "MTEXT");
   EXPECT_EQ(mtext.ObjectName(), "AcDbMText");
   mtext.SetLayerUnchecked("0");
   out = WriteDxf(*doc);
-  EXPECT_NE(out.find("0\nMTEXT\n5\n2B\n100\nAcDbEntity\n  8\n0\n100\nAcDbMText\n10\n1\n"),
-            std::string::npos);
+  EXPECT_NE(
+      out.find(
+          "0\nMTEXT\n5\n2B\n100\nAcDbEntity\n  8\n0\n100\nAcDbMText\n10\n1\n"),
+      std::string::npos);
 }
 
 TEST(RoundTrip, NewObjectsGetFreshHandlesAndTheSeedFollows) {
@@ -311,18 +350,24 @@ TEST(RoundTrip, NewObjectsGetFreshHandlesAndTheSeedFollows) {
   // Layer, block record, BLOCK, ATTDEF, ENDBLK, INSERT, ATTRIB, SEQEND,
   // POINT, the APPID of Kestrana, and the tables the file lacked.
   EXPECT_GE(fresh.size(), 10u);
-  for (host::Object* obj : std::vector<host::Object*>{&layer, &block, &ref, &point}) {
+  for (host::Object* obj :
+       std::vector<host::Object*>{&layer, &block, &ref, &point}) {
     uint64_t h = std::stoull(obj->Handle(), nullptr, 16);
     EXPECT_TRUE(after.count(h) && !before.count(h)) << obj->Handle();
   }
   // New entities name their block record as owner.
   std::string owner = "\n330\n" + doc->ModelSpace().Handle() + "\n";
-  EXPECT_NE(out.find("POINT\n  5\n" + point.Handle() + owner), std::string::npos);
+  EXPECT_NE(out.find("POINT\n  5\n" + point.Handle() + owner),
+            std::string::npos);
 
   auto back = Read(out);
-  EXPECT_EQ(back->HandleToObject(point.Handle()).GetXData("Kestrana")->at(1).value.Text(),
+  EXPECT_EQ(back->HandleToObject(point.Handle())
+                .GetXData("Kestrana")
+                ->at(1)
+                .value.Text(),
             "marker");
-  auto& r2 = dynamic_cast<memhost::MemBlockReference&>(back->HandleToObject(ref.Handle()));
+  auto& r2 = dynamic_cast<memhost::MemBlockReference&>(
+      back->HandleToObject(ref.Handle()));
   ASSERT_EQ(r2.Attributes().size(), 1u);
   EXPECT_EQ(r2.Attributes()[0]->tag_, "TAG");
   // Written again, nothing moves.
@@ -376,19 +421,26 @@ TEST(RoundTrip, AttributesAndTheirSeqend) {
   std::string third = WriteDxf(*loaded);
   EXPECT_EQ(third.find("SEQEND"), std::string::npos);
   EXPECT_EQ(third.find("\n 66\n1\n"), std::string::npos);
-  EXPECT_TRUE(Only<memhost::MemBlockReference>(*Read(third), "INSERT").Attributes().empty());
+  EXPECT_TRUE(Only<memhost::MemBlockReference>(*Read(third), "INSERT")
+                  .Attributes()
+                  .empty());
 }
 
 TEST(RoundTrip, LayerStateAndHeaderVariables) {
-  std::string text = MinimalDxf("0\nLINE\n5\n30\n8\nOff\n10\n0\n20\n0\n11\n1\n21\n1\n");
+  std::string text =
+      MinimalDxf("0\nLINE\n5\n30\n8\nOff\n10\n0\n20\n0\n11\n1\n21\n1\n");
   text.insert(text.find("0\nENDSEC\n0\nSECTION\n2\nBLOCKS"),
               "0\nTABLE\n2\nLAYER\n5\n2\n70\n3\n"
-              "0\nLAYER\n5\n10\n100\nAcDbSymbolTableRecord\n100\nAcDbLayerTableRecord\n2\n0\n70\n0\n62\n7\n"
-              "0\nLAYER\n5\n11\n100\nAcDbSymbolTableRecord\n100\nAcDbLayerTableRecord\n2\nOff\n70\n4\n62\n-3\n"
-              "0\nLAYER\n5\n12\n100\nAcDbSymbolTableRecord\n100\nAcDbLayerTableRecord\n2\nIce\n70\n1\n62\n5\n"
+              "0\nLAYER\n5\n10\n100\nAcDbSymbolTableRecord\n100\nAcDbLayerTable"
+              "Record\n2\n0\n70\n0\n62\n7\n"
+              "0\nLAYER\n5\n11\n100\nAcDbSymbolTableRecord\n100\nAcDbLayerTable"
+              "Record\n2\nOff\n70\n4\n62\n-3\n"
+              "0\nLAYER\n5\n12\n100\nAcDbSymbolTableRecord\n100\nAcDbLayerTable"
+              "Record\n2\nIce\n70\n1\n62\n5\n"
               "0\nENDTAB\n");
   text.insert(text.find("0\nENDSEC"),
-              "9\n$CLAYER\n8\nOff\n9\n$UCSXDIR\n10\n0\n20\n1\n30\n0\n9\n$UCSYDIR\n10\n-1\n20\n0\n30\n0\n");
+              "9\n$CLAYER\n8\nOff\n9\n$UCSXDIR\n10\n0\n20\n1\n30\n0\n9\n$"
+              "UCSYDIR\n10\n-1\n20\n0\n30\n0\n");
   auto doc = Read(text);
   auto* off = doc->FindLayer("Off");
   ASSERT_NE(off, nullptr);
@@ -420,7 +472,8 @@ TEST(RoundTrip, LayerStateAndHeaderVariables) {
 
 TEST(RoundTrip, HatchBoundariesOfEveryEdgeKind) {
   MemDocument doc;
-  auto& hatch = static_cast<memhost::MemHatch&>(doc.ModelSpace().AddHatch(1, "ANSI31", false));
+  auto& hatch = static_cast<memhost::MemHatch&>(
+      doc.ModelSpace().AddHatch(1, "ANSI31", false));
   host::HatchLoop outer;
   outer.flags = 1;
   outer.is_polyline = true;
@@ -449,7 +502,8 @@ TEST(RoundTrip, HatchBoundariesOfEveryEdgeKind) {
   ell.end_angle = 3.0;
   host::HatchEdge spline;
   spline.type = host::HatchEdge::Type::kSpline;
-  spline.control_points = {{0, 0, 0}, {1, 2, 0}, {3, 2, 0}, {4, 0, 0}, {5, 1, 0}};
+  spline.control_points = {
+      {0, 0, 0}, {1, 2, 0}, {3, 2, 0}, {4, 0, 0}, {5, 1, 0}};
   edges.edges = {line, arc, cw, ell, spline};
   hatch.loops_ = {outer, edges};
   hatch.pattern_scale_ = 0.5;
@@ -486,14 +540,16 @@ TEST(RoundTrip, HatchBoundariesOfEveryEdgeKind) {
 
 TEST(RoundTrip, HatchSourcesFollowTheirObjects) {
   MemDocument doc;
-  auto& square = doc.ModelSpace().AddLightWeightPolyline({0, 0, 4, 0, 4, 4, 0, 4});
+  auto& square =
+      doc.ModelSpace().AddLightWeightPolyline({0, 0, 4, 0, 4, 4, 0, 4});
   square.SetClosed(true);
   auto& hatch = doc.ModelSpace().AddHatch(1, "SOLID", true);
   hatch.AppendOuterLoop({&square});
   auto back = RoundTrip(doc);
   auto& h2 = Only<memhost::MemHatch>(*back, "HATCH");
   ASSERT_EQ(h2.loops_[0].sources.size(), 1u);
-  EXPECT_EQ(back->ObjectIdToObject(h2.loops_[0].sources[0]).Handle(), square.Handle());
+  EXPECT_EQ(back->ObjectIdToObject(h2.loops_[0].sources[0]).Handle(),
+            square.Handle());
 }
 
 TEST(RoundTrip, CopiesOfReadObjectsGetTheirOwnHandles) {
@@ -506,10 +562,12 @@ TEST(RoundTrip, CopiesOfReadObjectsGetTheirOwnHandles) {
   std::string out = WriteDxf(*doc);
   auto back = Read(out);
   auto& l1 = dynamic_cast<memhost::MemLine&>(back->HandleToObject("2A"));
-  auto& l2 = dynamic_cast<memhost::MemLine&>(back->HandleToObject(copy.Handle()));
+  auto& l2 =
+      dynamic_cast<memhost::MemLine&>(back->HandleToObject(copy.Handle()));
   EXPECT_EQ(l1.start_, (Point3{0, 1.5, 0}));
   EXPECT_EQ(l2.start_, (Point3{10, 1.5, 0}));
-  auto& m2 = dynamic_cast<memhost::MemOtherEntity&>(back->HandleToObject(mtext_copy.Handle()));
+  auto& m2 = dynamic_cast<memhost::MemOtherEntity&>(
+      back->HandleToObject(mtext_copy.Handle()));
   EXPECT_EQ(m2.type_name_, "MTEXT");
   EXPECT_EQ(back->HandleToObject("2B").ObjectName(), "AcDbMText");
   // The copy keeps the original's codes, not its reactors.

@@ -1,9 +1,10 @@
+#include "dxf/tags.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "dxf/tags.h"
 #include "dxf/text_codec.h"
 
 namespace kestrana::dxf {
@@ -27,7 +28,8 @@ std::string ErrorOf(std::string_view text) {
 }
 
 TEST(Tokenizer, SplitsTagsWithLineNumbersOffsetsAndBothLineEndings) {
-  std::string text = "  0\r\nSECTION\r\n  2\r\nHEADER\r\n999\r\n  spaced value \r\n";
+  std::string text =
+      "  0\r\nSECTION\r\n  2\r\nHEADER\r\n999\r\n  spaced value \r\n";
   auto tags = Tokens(text);
   ASSERT_EQ(tags.size(), 3u);
   EXPECT_EQ(tags[0].code, 0);
@@ -51,9 +53,11 @@ TEST(Tokenizer, NamesTheLineOfEveryMalformedTag) {
   EXPECT_EQ(ErrorOf("0\nSECTION\n2\n"),
             "line 3: the file ends after group code 2; the value line that "
             "belongs to it is missing");
-  std::string huge = "0\nSECTION\n1\n" + std::string(kMaxLineLength + 1, 'x') + "\n";
+  std::string huge =
+      "0\nSECTION\n1\n" + std::string(kMaxLineLength + 1, 'x') + "\n";
   std::string error = ErrorOf(huge);
-  EXPECT_EQ(error.rfind("line 4: the line is 1048577 bytes long", 0), 0u) << error;
+  EXPECT_EQ(error.rfind("line 4: the line is 1048577 bytes long", 0), 0u)
+      << error;
 }
 
 TEST(Values, ParseStrictlyAndNameTheValueLine) {
@@ -69,7 +73,8 @@ TEST(Values, ParseStrictlyAndNameTheValueLine) {
     RealValue(t);
     FAIL() << "1,5 was accepted";
   } catch (const DxfError& e) {
-    EXPECT_STREQ(e.what(), "line 8: group code 10 expects a real number, found '1,5'");
+    EXPECT_STREQ(e.what(),
+                 "line 8: group code 10 expects a real number, found '1,5'");
     EXPECT_EQ(e.line(), 8u);
   }
   t.value = "nan";
@@ -89,7 +94,8 @@ TEST(Values, ParseStrictlyAndNameTheValueLine) {
 }
 
 TEST(Values, RealsWriteInTheirShortestExactForm) {
-  for (double v : {0.1, 1.0 / 3.0, 1e-300, 123456789.125, -2.5, 1e20, 6.283185307179586}) {
+  for (double v :
+       {0.1, 1.0 / 3.0, 1e-300, 123456789.125, -2.5, 1e20, 6.283185307179586}) {
     double back = 0;
     ASSERT_TRUE(ParseReal(FormatReal(v), back)) << FormatReal(v);
     EXPECT_EQ(back, v);
@@ -107,7 +113,9 @@ TEST(TagWriter, AlignsGroupCodesLikeTheFilesItReads) {
   w.Int(370, -3);
   w.Handle(1005, 0x2F);
   w.Point(10, 1, 2, 0);
-  EXPECT_EQ(out, "  0\r\nLINE\r\n370\r\n-3\r\n1005\r\n2F\r\n 10\r\n1.0\r\n 20\r\n2.0\r\n 30\r\n0.0\r\n");
+  EXPECT_EQ(out,
+            "  0\r\nLINE\r\n370\r\n-3\r\n1005\r\n2F\r\n 10\r\n1.0\r\n "
+            "20\r\n2.0\r\n 30\r\n0.0\r\n");
 }
 
 TEST(TextCodec, OlderFilesUseTheCodePageAndEscapesNewerOnesUtf8) {
@@ -116,10 +124,15 @@ TEST(TextCodec, OlderFilesUseTheCodePageAndEscapesNewerOnesUtf8) {
   // ß and € exist in Windows-1252, Ж and 水 need escapes.
   std::string text = "Straße €5 Ж水";
   std::string encoded = old.Encode(text);
-  EXPECT_EQ(encoded, "Stra\xDF" "e \x80" "5 \\U+0416\\U+6C34");
+  EXPECT_EQ(encoded,
+            "Stra\xDF"
+            "e \x80"
+            "5 \\U+0416\\U+6C34");
   EXPECT_EQ(old.Decode(encoded), text);
-  EXPECT_EQ(old.Decode("a\\u+00e9b"), "a\xC3\xA9" "b");  // é, lower-case escape
-  EXPECT_EQ(old.Decode("\\U+12"), "\\U+12");          // too short: kept
+  EXPECT_EQ(old.Decode("a\\u+00e9b"),
+            "a\xC3\xA9"
+            "b");                             // é, lower-case escape
+  EXPECT_EQ(old.Decode("\\U+12"), "\\U+12");  // too short: kept
 
   TextCodec modern = TextCodec::For("AC1024", "ANSI_1252");
   EXPECT_TRUE(modern.Utf8());

@@ -20,7 +20,7 @@ using core::PipeField;
 class ProfileRecords : public ::testing::Test {
  protected:
   void SetUp() override {
-    markers_ = core::CreateProject(*doc_, "Metric");
+    markers_ = core::CreateProjectRecord(*doc_, "Metric");
     sewer_ = test::AddFixtureNetwork(*doc_, "Sewer", "Gravity");
     storm_ = test::AddFixtureNetwork(*doc_, "Storm", "Gravity");
     a_ = &test::AddPipe(*doc_, sewer_, {.label = "P-1", .xy = {0, 0, 10, 0}});

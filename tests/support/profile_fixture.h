@@ -25,7 +25,7 @@ struct ProfileSpec {
   double width = 200, height = 80;            // of the frame
 };
 
-// The drawing must hold the style (a project made by CreateProject has
+// The drawing must hold the style (a project made by CreateProjectRecord has
 // "Standard").
 host::BlockReference& AddProfileBlock(host::Document& document,
                                       const ProfileSpec& spec);

@@ -1,4 +1,4 @@
-#include "dxf/inspect.h"
+#include "dxf/summary.h"
 
 #include <map>
 
@@ -59,7 +59,8 @@ std::vector<RecordDump> KestranaRecords(memhost::MemDocument& doc) {
     d.record = std::move(*record);
     out.push_back(std::move(d));
   };
-  for (memhost::MemBlock* b : doc.BlockList()) add(*b, "BLOCK_RECORD", "", b->name_);
+  for (memhost::MemBlock* b : doc.BlockList())
+    add(*b, "BLOCK_RECORD", "", b->name_);
   for (memhost::MemBlock* b : doc.BlockList()) {
     for (memhost::MemEntity* e : b->MemEntities()) {
       add(*e, e->AsHostEntity().EntityName(), e->LayerName(), b->name_);
@@ -69,7 +70,8 @@ std::vector<RecordDump> KestranaRecords(memhost::MemDocument& doc) {
     }
   }
   for (memhost::MemLayer* l : doc.LayerList()) add(*l, "LAYER", "", l->name_);
-  for (memhost::MemTextStyle* s : doc.TextStyleList()) add(*s, "STYLE", "", s->name_);
+  for (memhost::MemTextStyle* s : doc.TextStyleList())
+    add(*s, "STYLE", "", s->name_);
   return out;
 }
 

@@ -57,7 +57,7 @@ struct Drawing {
 
 Drawing Generate(int pipes) {
   Drawing d{std::make_unique<kestrana::memhost::MemDocument>(), {}};
-  kestrana::core::CreateProject(*d.document, "Metric");
+  kestrana::core::CreateProjectRecord(*d.document, "Metric");
   kestrana::test::AddRandomNetworks(*d.document,
                                     {.pipes_per_network = pipes, .seed = 2024});
   d.networks = kestrana::crossing::Crossing::GetNetworkSetsAll(
