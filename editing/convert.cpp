@@ -62,12 +62,32 @@ PlanPoint LastVertex(const std::vector<double>& xy) {
   return {xy[xy.size() - 2], xy[xy.size() - 1]};
 }
 
-// Steps 2 to 6 of making a node: its record, the block, its layer and its
-// annotation. The caller has chosen the label.
+// What placing new elements needs from the drawing: the active view
+// style's annotation format, the text angle of the coordinate system and
+// the size of a new pipe. A single conversion reads it for each element, a
+// batch once.
+struct Placing {
+  core::TextTable format;
+  double correction = 0;
+  double pipe_size = 0;
+};
+
+Placing ReadPlacing(host::Document& document) {
+  return {viewstyle::ViewStyle::GetAnnotationFormatArray(
+              viewstyle::ViewStyle::GetActiveViewStyleSettingsArray(document)),
+          General::GetCorrectionAngleForCS(document),
+          General::GetModelUnits(document) == core::kMetric ? kNewPipeSizeMetric
+                                                            : kNewPipeSizeUS};
+}
+
+// Steps 2, 4, 5 and 6 of making a node: its record, the block, its layer
+// and its annotation. The caller has chosen the label and made sure the
+// block exists.
 host::BlockReference& InsertNode(host::Document& document, PlanPoint at,
                                  std::string_view network_name,
                                  std::string_view network_type,
-                                 const std::string& label) {
+                                 const std::string& label,
+                                 const Placing& placing) {
   core::Record record = core::Record::WithCodes(core::kNodeRecordCodes);
   record.SetText(NodeField::kCombinedLabel, std::string(core::kNodeKind) + ";" +
                                                 std::string(network_name) +
@@ -78,13 +98,12 @@ host::BlockReference& InsertNode(host::Document& document, PlanPoint at,
       static_cast<int16_t>(network_type == core::kGravity
                                ? Matching::kNone
                                : Matching::kCenterlines));
-  General::CreateStandardBlock(document, core::kNodeKind);
   host::BlockReference& node = document.ModelSpace().InsertBlock(
       {at.x, at.y, 0}, core::kNodeBlock, 1, 1, 1, 0);
   record.Write(node);
   node.SetLayer(NetworkLayer(network_name));
   viewstyle::ViewStyle::InsertAnnotationsForNewEntity(
-      document, node, General::GetCorrectionAngleForCS(document));
+      document, node, placing.correction, placing.format);
   return node;
 }
 
@@ -93,12 +112,9 @@ host::BlockReference& InsertNode(host::Document& document, PlanPoint at,
 void LinkPipe(host::Document& document, host::LwPolyline& pipe,
               host::BlockReference& start, host::BlockReference& end,
               std::string_view network_name, std::string_view network_type,
-              const std::string& label) {
+              const std::string& label, double size) {
   core::Record start_node = ReadNode(start);
   core::Record end_node = ReadNode(end);
-  const double size = General::GetModelUnits(document) == core::kMetric
-                          ? kNewPipeSizeMetric
-                          : kNewPipeSizeUS;
   core::Record record = core::Record::WithCodes(core::kPipeRecordCodes);
   record.SetText(PipeField::kCombinedLabel, std::string(core::kPipeKind) + ";" +
                                                 std::string(network_name) +
@@ -167,8 +183,9 @@ class BatchConversion {
             document, network_name, PipeType(network_type), {})),
         node_labels_(Editing::GetExistingLabelsArray(
             document, network_name, NodeType(network_type), {})),
-        correction_(General::GetCorrectionAngleForCS(document)),
+        placing_(ReadPlacing(document)),
         low_high_(set_nodes_for_low_high) {
+    General::CreateStandardBlock(document, core::kNodeKind);
     for (host::Entity* node : existing_nodes)
       nodes_.Add(host::As<host::BlockReference>(*node));
   }
@@ -181,12 +198,13 @@ class BatchConversion {
     if (ends.start == nullptr) ends.start = &NewNode(first);
     if (ends.end == nullptr) ends.end = &NewNode(last);
     LinkPipe(document_, pipe, *ends.start, *ends.end, network_, type_,
-             MakeLabel(PipeType(type_), pipe_labels_.Take()));
+             MakeLabel(PipeType(type_), pipe_labels_.Take()),
+             placing_.pipe_size);
     low_high_.AddItems({ends.start, ends.end});
     for (host::BlockReference* node : {ends.start, ends.end})
       if (touched_set_.insert(node).second) touched_.push_back(node);
-    viewstyle::ViewStyle::InsertAnnotationsForNewEntity(document_, pipe,
-                                                        correction_);
+    viewstyle::ViewStyle::InsertAnnotationsForNewEntity(
+        document_, pipe, placing_.correction, placing_.format);
   }
 
   // A node's rule gives each of its pipes the same invert however many
@@ -204,7 +222,7 @@ class BatchConversion {
   host::BlockReference& NewNode(PlanPoint at) {
     host::BlockReference& node =
         InsertNode(document_, at, network_, type_,
-                   MakeLabel(NodeType(type_), node_labels_.Take()));
+                   MakeLabel(NodeType(type_), node_labels_.Take()), placing_);
     nodes_.Add(node);
     return node;
   }
@@ -214,7 +232,7 @@ class BatchConversion {
   const std::string type_;
   LabelNumbers pipe_labels_;
   LabelNumbers node_labels_;
-  const double correction_;
+  const Placing placing_;
   host::SelectionSet& low_high_;
   NodeIndex nodes_;
   std::vector<host::BlockReference*> touched_;
@@ -366,23 +384,28 @@ void Editing::ConvertPlIntoPipe(host::Document& document,
   if (end == nullptr)
     end = &CreateNewNode(document, last.x, last.y, network_name, network_type,
                          set_existing_nodes);
+  const Placing placing = ReadPlacing(document);
   LinkPipe(document, pipe_entity, *start, *end, network_name, network_type,
-           GetNextLabel(document, network_name, PipeType(network_type)));
+           GetNextLabel(document, network_name, PipeType(network_type)),
+           placing.pipe_size);
   set_nodes_for_low_high.AddItems({start, end});
   for (host::BlockReference* node : {start, end})
     MatchNode(document, *node,
               [&](host::Entity& pipe) { RefreshEditedPipe(document, pipe); });
   viewstyle::ViewStyle::InsertAnnotationsForNewEntity(
-      document, pipe_entity, General::GetCorrectionAngleForCS(document));
+      document, pipe_entity, placing.correction, placing.format);
 }
 
 host::BlockReference& Editing::CreateNewNode(
     host::Document& document, double ins_pnt_x, double ins_pnt_y,
     std::string_view network_name, std::string_view network_type,
     host::SelectionSet& set_existing_nodes) {
+  const std::string label =
+      GetNextLabel(document, network_name, NodeType(network_type));
+  General::CreateStandardBlock(document, core::kNodeKind);
   host::BlockReference& node =
       InsertNode(document, {ins_pnt_x, ins_pnt_y}, network_name, network_type,
-                 GetNextLabel(document, network_name, NodeType(network_type)));
+                 label, ReadPlacing(document));
   set_existing_nodes.AddItems({&node});
   return node;
 }
