@@ -152,13 +152,13 @@ void LinkPipe(host::Document& document, host::LwPolyline& pipe,
 
 // Applies a node's own rule to all its pipes, `written` seeing each pipe.
 void MatchNode(host::Document& document, host::Entity& node,
-               const PipeWritten& written) {
+               const PipeMatched& matched) {
   const core::Record record = ReadNode(node);
   MatchPipesAtNode(document, node, LabelOf(record),
                    record.Text(NodeField::kPipesAtStartOID),
                    record.Text(NodeField::kPipesAtEndOID),
                    record.Number(NodeField::kSumpLevel),
-                   record.Int16(NodeField::kMatching), written);
+                   record.Int16(NodeField::kMatching), matched);
 }
 
 bool SamePoint(const host::Point3& node, PlanPoint end) {
@@ -201,6 +201,7 @@ class BatchConversion {
              MakeLabel(PipeType(type_), pipe_labels_.Take()),
              placing_.pipe_size);
     low_high_.AddItems({ends.start, ends.end});
+    new_pipes_.insert(&pipe);
     for (host::BlockReference* node : {ends.start, ends.end})
       if (touched_set_.insert(node).second) touched_.push_back(node);
     viewstyle::ViewStyle::InsertAnnotationsForNewEntity(
@@ -209,12 +210,14 @@ class BatchConversion {
 
   // A node's rule gives each of its pipes the same invert however many
   // pipes joined it one by one, so each node is matched once, with all its
-  // pipes, and each pipe refreshed once.
+  // pipes, and each pipe refreshed once. A new pipe whose record the rule
+  // left as it was still shows what its annotation was made from.
   void Finish() {
     std::vector<host::Entity*> edited;
     for (host::BlockReference* node : touched_)
-      MatchNode(document_, *node,
-                [&](host::Entity& pipe) { edited.push_back(&pipe); });
+      MatchNode(document_, *node, [&](host::Entity& pipe, bool changed) {
+        if (changed || !new_pipes_.contains(&pipe)) edited.push_back(&pipe);
+      });
     RefreshEditedPipes(document_, edited);
   }
 
@@ -237,6 +240,7 @@ class BatchConversion {
   NodeIndex nodes_;
   std::vector<host::BlockReference*> touched_;
   std::unordered_set<host::BlockReference*> touched_set_;
+  std::unordered_set<host::Entity*> new_pipes_;
 };
 
 // New pipes take their material and size from the libraries' point of view
@@ -390,8 +394,9 @@ void Editing::ConvertPlIntoPipe(host::Document& document,
            placing.pipe_size);
   set_nodes_for_low_high.AddItems({start, end});
   for (host::BlockReference* node : {start, end})
-    MatchNode(document, *node,
-              [&](host::Entity& pipe) { RefreshEditedPipe(document, pipe); });
+    MatchNode(document, *node, [&](host::Entity& pipe, bool) {
+      RefreshEditedPipe(document, pipe);
+    });
   viewstyle::ViewStyle::InsertAnnotationsForNewEntity(
       document, pipe_entity, placing.correction, placing.format);
 }

@@ -148,20 +148,30 @@ void MatchPipesAtNode(host::Document& document, host::Entity& node_entity,
                       std::string_view node_label,
                       std::string_view pipes_at_start_oid,
                       std::string_view pipes_at_end_oid, double sump_level,
-                      int16_t matching, const PipeWritten& written) {
-  const double largest = Editing::GetLargestRise(document, node_entity);
+                      int16_t matching, const PipeMatched& matched) {
+  // Only the rules that line pipes up on the tallest one need its rise.
+  const auto rule = static_cast<Matching>(matching);
+  const bool by_tallest =
+      rule == Matching::kCenterlines || rule == Matching::kSoffits;
+  const double largest =
+      by_tallest ? Editing::GetLargestRise(document, node_entity) : 0;
   const std::string units = General::GetModelUnits(document);
+  const std::string node_entry = core::ReferenceEntry(node_label);
   auto match_side = [&](std::string_view list, PipeField invert_field,
                         PipeField node_label_field) {
     for (const std::string& id : core::ReferenceValues(list)) {
       host::Entity& pipe = core::EntityFromIdText(document, id);
       core::Record record = ReadPipe(pipe);
+      const host::XValue invert_before = record.Value(invert_field);
+      const host::XValue label_before = record.Value(node_label_field);
       if (std::optional<double> invert = MatchedInvert(
               matching, largest, sump_level, RiseOf(record, units)))
         record.SetReal(invert_field, *invert);
-      record.SetText(node_label_field, core::ReferenceEntry(node_label));
-      record.Write(pipe);
-      written(pipe);
+      record.SetText(node_label_field, node_entry);
+      const bool changed = !(record.Value(invert_field) == invert_before &&
+                             record.Value(node_label_field) == label_before);
+      if (changed) record.Write(pipe);
+      matched(pipe, changed);
     }
   };
   match_side(pipes_at_start_oid, PipeField::kStartInvert,
@@ -248,7 +258,7 @@ void Editing::UpdateConnectedPipesAtNode(host::Document& document,
   MatchPipesAtNode(
       document, node_entity, node_label, pipes_at_start_oid, pipes_at_end_oid,
       sump_level, matching,
-      [&](host::Entity& pipe) { RefreshEditedPipe(document, pipe); });
+      [&](host::Entity& pipe, bool) { RefreshEditedPipe(document, pipe); });
 }
 
 void Editing::UpdateNodeData(host::Document& document,

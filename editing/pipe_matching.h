@@ -17,17 +17,17 @@ class Object;
 
 namespace kestrana::editing {
 
-// Called with each pipe and its record just written.
-using PipeWritten = std::function<void(host::Entity& pipe)>;
+// Called with each pipe matched, and whether its record changed.
+using PipeMatched = std::function<void(host::Entity& pipe, bool changed)>;
 
-// Sets the invert at the node's end of every listed pipe by the rule, names
-// the node in the pipe's node-label field and writes the pipe; start-side
-// pipes first, each list in order.
+// Sets the invert at the node's end of every listed pipe by the rule and
+// names the node in the pipe's node-label field, writing the pipe when that
+// changed it; start-side pipes first, each list in order.
 void MatchPipesAtNode(host::Document& document, host::Entity& node_entity,
                       std::string_view node_label,
                       std::string_view pipes_at_start_oid,
                       std::string_view pipes_at_end_oid, double sump_level,
-                      int16_t matching, const PipeWritten& written);
+                      int16_t matching, const PipeMatched& matched);
 
 // The annotation texts, crossings and profile flags of one edited pipe.
 void RefreshEditedPipe(host::Document& document, host::Entity& pipe);

@@ -45,29 +45,25 @@ void Convert(host::Document& document, const test::DrawnGridOptions& grid,
                   existing, network, type, path);
 }
 
-host::Entity& NodeLabelled(host::Document& document, const std::string& network,
-                           const std::string& label) {
-  for (host::Entity* node : General::GetNetworkSet(document, network, 2).Entities())
-    if (General::EntityLabelFromCombined(core::Record::ReadRequired(*node).Text(
-            NodeField::kCombinedLabel)) == label)
-      return *node;
-  throw std::runtime_error("no node " + label);
-}
-
-// Sumps, rules and pipe sizes that make matching move inverts when new
-// pipes join these nodes.
-void EditWaterNodes(host::Document& document) {
+// Sumps and rules that make matching move inverts, and so slopes, when new
+// pipes join these nodes; and a larger main.
+void EditNodes(host::Document& document, const std::string& network) {
   const char* rules[] = {kMatchSoffits, kMatchCenterlines, kMatchInverts,
                          kNoMatching};
   host::SelectionSet& low_high =
       General::InitializeSelectionSet(document, "EditedForLowHigh");
-  for (int n = 1; n <= 12; ++n) {
-    host::Entity& node = NodeLabelled(document, "Water", "N-" + std::to_string(n));
-    Editing::UpdateNodeData(document, core::IdText(node.ObjectID()),
-                            "N-" + std::to_string(n), 100 + n, 98 - 0.1 * n,
-                            rules[n % 4], low_high);
+  int k = 0;
+  for (host::Entity* node :
+       General::GetNetworkSet(document, network, 2).Entities()) {
+    ++k;
+    Editing::UpdateNodeData(
+        document, core::IdText(node->ObjectID()),
+        General::EntityLabelFromCombined(core::Record::ReadRequired(*node).Text(
+            NodeField::kCombinedLabel)),
+        100 + k % 7, 98 - 0.01 * k, rules[k % 4], low_high);
   }
-  host::Entity& pipe = *General::GetNetworkSet(document, "Water", 1).Entities()[2];
+  host::Entity& pipe =
+      *General::GetNetworkSet(document, network, 1).Entities()[2];
   Editing::UpdatePipeData(
       document, core::IdText(pipe.ObjectID()), "P-3", 97.5, 97.2, "PE",
       "Circular - 400", 1,
@@ -89,7 +85,7 @@ std::unique_ptr<memhost::MemDocument> Site(ConversionPath path, int size) {
                                .awkward = true};
   Convert(*document, water, false, "Water", core::kPressure,
           ConversionPath::kSteps);
-  EditWaterNodes(*document);
+  EditNodes(*document, "Water");
 
   test::DrawnGridOptions sewer{.polylines = size, .layer = "Sewer lines",
                                .seed = 5, .awkward = true};
@@ -98,7 +94,9 @@ std::unique_ptr<memhost::MemDocument> Site(ConversionPath path, int size) {
   sewer.origin_x = 100;
   sewer.seed = 6;
   Convert(*document, sewer, false, "Sewer", core::kGravity, path);
-  // Joined to whichever of the doubled nodes the walk takes.
+  // Joined to whichever of the doubled nodes the walk takes, whose rules
+  // move the new pipes' inverts.
+  EditNodes(*document, "Sewer");
   sewer.origin_y = 150;
   sewer.seed = 7;
   Convert(*document, sewer, true, "Sewer", core::kGravity, path);
