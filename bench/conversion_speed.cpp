@@ -34,7 +34,10 @@ using kestrana::editing::ConversionPath;
 namespace core = kestrana::core;
 namespace fs = std::filesystem;
 
+// Medians of at least this many runs, and of more for the small sizes,
+// whose times are short enough for the machine's other work to show.
 constexpr int kRepetitions = 3;
+constexpr int kPolylinesPerSizeRuns = 20000;
 // The documented steps grow with the square of the size; beyond this they
 // take minutes.
 constexpr int kLargestStepsSize = 2000;
@@ -52,10 +55,14 @@ Site MakeSite(int n) {
   kestrana::cli::AddNetwork(doc, "Sewer", core::kGravity);
   // Mains on a grid twice as wide, half a block off the sewers, so that
   // about every fourth sewer is crossed.
-  auto mains = kestrana::test::AddDrawnGrid(
-      doc, {.polylines = n / 4, .spacing = 100, .origin_x = 25,
-            .origin_y = 25, .layer = "Water lines", .seed = 2});
-  auto& set = core::General::InitializeSelectionSet(doc, "SetEntitiesToConvert");
+  auto mains = kestrana::test::AddDrawnGrid(doc, {.polylines = n / 4,
+                                                  .spacing = 100,
+                                                  .origin_x = 25,
+                                                  .origin_y = 25,
+                                                  .layer = "Water lines",
+                                                  .seed = 2});
+  auto& set =
+      core::General::InitializeSelectionSet(doc, "SetEntitiesToConvert");
   set.AddItems({mains.begin(), mains.end()});
   kestrana::editing::Editing::CreateElementsInNetwork(doc, set, false, "Water",
                                                       core::kPressure);
@@ -85,8 +92,10 @@ struct Row {
 Row Measure(int n, const fs::path& folder) {
   Row row;
   std::vector<double> convert, save, steps;
-  for (int r = 0; r < kRepetitions; ++r) {
-    for (ConversionPath path : {ConversionPath::kBatch, ConversionPath::kSteps}) {
+  const int runs = std::max(kRepetitions, kPolylinesPerSizeRuns / n);
+  for (int r = 0; r < runs; ++r) {
+    for (ConversionPath path :
+         {ConversionPath::kBatch, ConversionPath::kSteps}) {
       if (path == ConversionPath::kSteps && (n > kLargestStepsSize || r > 0))
         continue;
       Site site = MakeSite(n);
@@ -123,7 +132,8 @@ int main(int argc, char** argv) {
   std::vector<int> sizes;
   for (int i = 1; i < argc; ++i) sizes.push_back(std::atoi(argv[i]));
   if (sizes.empty()) sizes = {1000, 5000, 10000};
-  const fs::path folder = fs::temp_directory_path() / "kestrana_conversion_bench";
+  const fs::path folder =
+      fs::temp_directory_path() / "kestrana_conversion_bench";
   fs::create_directories(folder);
 
   std::printf("%9s %10s %11s %9s %13s %12s %13s\n", "polylines", "crossings",

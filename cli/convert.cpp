@@ -191,7 +191,8 @@ int Run(const std::vector<std::string>& args, Io& io) {
 
 Registrar convert_command(
     {"convert", "turn lines and polylines into the pipes of a network",
-     "Usage: kestrana convert DRAWING --network NAME [--type Gravity|Pressure]\n"
+     "Usage: kestrana convert DRAWING --network NAME [--type "
+     "Gravity|Pressure]\n"
      "         (--layer L | --handles H,H,... | --window X1,Y1,X2,Y2 | --all)\n"
      "         [-o OUT]\n\n"
      "Answers \"Select Entities to Convert:\" with the chosen entities and\n"

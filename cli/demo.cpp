@@ -116,7 +116,8 @@ std::vector<DrawnLine> DrawnLines(memhost::MemDocument& document,
     } else if (auto* pl = dynamic_cast<host::LwPolyline*>(&entity)) {
       const std::vector<double> xy = pl->Coordinates();
       lines.push_back({&entity, Key(xy[0], xy[1]),
-                       Key(xy[xy.size() - 2], xy[xy.size() - 1]), pl->Length()});
+                       Key(xy[xy.size() - 2], xy[xy.size() - 1]),
+                       pl->Length()});
     }
   }
   return lines;
@@ -162,7 +163,8 @@ void OrientTowardsOutlet(memhost::MemDocument& document,
     queue.pop();
     if (d > distance[point]) continue;
     for (size_t i : at[point]) {
-      const Point other = lines[i].start == point ? lines[i].end : lines[i].start;
+      const Point other =
+          lines[i].start == point ? lines[i].end : lines[i].start;
       const double through = d + lines[i].length;
       if (!distance.contains(other) || through < distance[other]) {
         distance[other] = through;
@@ -198,26 +200,31 @@ struct Graph {
 Graph ReadGraph(host::Document& document, const std::string& network) {
   Graph graph;
   std::map<std::string, size_t> node_at;
-  for (host::Entity* node : General::GetNetworkSet(document, network, 2).Entities()) {
+  for (host::Entity* node :
+       General::GetNetworkSet(document, network, 2).Entities()) {
     core::Record record = core::Record::ReadRequired(*node);
     node_at[core::IdText(node->ObjectID())] = graph.nodes.size();
-    graph.nodes.push_back(
-        {node,
-         General::EntityLabelFromCombined(record.Text(NodeField::kCombinedLabel)),
-         record.Number(NodeField::kGroundLevel), {}, {}});
+    graph.nodes.push_back({node,
+                           General::EntityLabelFromCombined(
+                               record.Text(NodeField::kCombinedLabel)),
+                           record.Number(NodeField::kGroundLevel),
+                           {},
+                           {}});
   }
-  for (host::Entity* pipe : General::GetNetworkSet(document, network, 1).Entities()) {
+  for (host::Entity* pipe :
+       General::GetNetworkSet(document, network, 1).Entities()) {
     core::Record record = core::Record::ReadRequired(*pipe);
-    const size_t from =
-        node_at.at(core::ReferenceValues(record.Text(PipeField::kStartNodeOID)).at(0));
-    const size_t to =
-        node_at.at(core::ReferenceValues(record.Text(PipeField::kEndNodeOID)).at(0));
+    const size_t from = node_at.at(
+        core::ReferenceValues(record.Text(PipeField::kStartNodeOID)).at(0));
+    const size_t to = node_at.at(
+        core::ReferenceValues(record.Text(PipeField::kEndNodeOID)).at(0));
     graph.nodes[from].out.push_back(graph.pipes.size());
     graph.nodes[to].in.push_back(graph.pipes.size());
-    graph.pipes.push_back(
-        {pipe,
-         General::EntityLabelFromCombined(record.Text(PipeField::kCombinedLabel)),
-         from, to, host::As<host::LwPolyline>(*pipe).Length()});
+    graph.pipes.push_back({pipe,
+                           General::EntityLabelFromCombined(
+                               record.Text(PipeField::kCombinedLabel)),
+                           from, to,
+                           host::As<host::LwPolyline>(*pipe).Length()});
   }
   return graph;
 }
@@ -247,7 +254,8 @@ void DesignSewer(memhost::MemDocument& document) {
   std::function<int(size_t)> count = [&](size_t p) {
     if (draining[p] == 0) {
       draining[p] = 1;
-      for (size_t q : graph.nodes[graph.pipes[p].from].in) draining[p] += count(q);
+      for (size_t q : graph.nodes[graph.pipes[p].from].in)
+        draining[p] += count(q);
     }
     return draining[p];
   };
@@ -265,12 +273,14 @@ void DesignSewer(memhost::MemDocument& document) {
   for (size_t n : UpstreamFirst(graph)) {
     soffit[n] = graph.nodes[n].ground - kSewerCover;
     for (size_t p : graph.nodes[n].in)
-      soffit[n] = std::min(soffit[n], soffit[graph.pipes[p].from] -
-                                          kSewerMinSlope * graph.pipes[p].length);
+      soffit[n] =
+          std::min(soffit[n], soffit[graph.pipes[p].from] -
+                                  kSewerMinSlope * graph.pipes[p].length);
   }
   for (size_t n = 0; n < graph.nodes.size(); ++n) {
     double tallest = 0;
-    for (const std::vector<size_t>* pipes : {&graph.nodes[n].in, &graph.nodes[n].out})
+    for (const std::vector<size_t>* pipes :
+         {&graph.nodes[n].in, &graph.nodes[n].out})
       for (size_t p : *pipes) tallest = std::max(tallest, rise[p]);
     SetNodeInDocument(document, {.network = kSewer,
                                  .label = graph.nodes[n].label,
@@ -291,8 +301,7 @@ void DesignWater(memhost::MemDocument& document) {
   std::vector<double> rise(graph.pipes.size());
   for (size_t rank = 0; rank < by_length.size(); ++rank) {
     const size_t p = by_length[rank];
-    const SewerSize& size =
-        rank < kTrunkMains ? kTrunkMain : kDistributionMain;
+    const SewerSize& size = rank < kTrunkMains ? kTrunkMain : kDistributionMain;
     SetPipeInDocument(document, {.network = kWater,
                                  .label = graph.pipes[p].label,
                                  .size = size.size,
@@ -425,7 +434,8 @@ Obstacles ObstaclesOf(memhost::MemDocument& document,
                       std::vector<PipeAnnotation>& annotations) {
   Obstacles obstacles;
   for (const std::string& network : networks)
-    for (host::Entity* e : General::GetNetworkSet(document, network, 0).Entities()) {
+    for (host::Entity* e :
+         General::GetNetworkSet(document, network, 0).Entities()) {
       if (auto* pipe = dynamic_cast<host::LwPolyline*>(e)) {
         obstacles.lines.push_back({pipe, pipe->Coordinates()});
         core::Record r = core::Record::ReadRequired(*pipe);
@@ -441,11 +451,12 @@ Obstacles ObstaclesOf(memhost::MemDocument& document,
   for (memhost::MemEntity* e :
        document.SelectAll({{kLayerCode, core::kCrossingLinesLayer}}))
     if (auto* line = dynamic_cast<host::Line*>(&e->AsHostEntity()))
-      obstacles.lines.push_back(
-          {line, {line->StartPoint().x, line->StartPoint().y,
-                  line->EndPoint().x, line->EndPoint().y}});
+      obstacles.lines.push_back({line,
+                                 {line->StartPoint().x, line->StartPoint().y,
+                                  line->EndPoint().x, line->EndPoint().y}});
   for (host::Entity* c :
-       crossing::Crossing::GetExistingCrossingPointsSet(document, "").Entities())
+       crossing::Crossing::GetExistingCrossingPointsSet(document, "")
+           .Entities())
     obstacles.texts.push_back(c);
   return obstacles;
 }
@@ -462,8 +473,8 @@ void MoveAnnotationsClear(memhost::MemDocument& document,
   const double correction = General::GetCorrectionAngleForCS(document);
   std::vector<viewstyle::AnnoAnchor> at;
   for (const PipeAnnotation& a : annotations)
-    at.push_back(
-        viewstyle::ViewStyle::GetAnnoXYTheta(*a.pipe, core::kPipeKind, correction));
+    at.push_back(viewstyle::ViewStyle::GetAnnoXYTheta(*a.pipe, core::kPipeKind,
+                                                      correction));
   for (int round = 0; round < kRounds; ++round) {
     for (size_t i = 0; i < annotations.size(); ++i) {
       const PipeAnnotation& a = annotations[i];
@@ -497,7 +508,8 @@ void MoveAnnotationsClear(memhost::MemDocument& document,
 void ReportNetwork(host::Document& document, const std::string& network,
                    std::ostream& out) {
   const Graph graph = ReadGraph(document, network);
-  out << "\n" << network << " pipes (start node to end node; inverts at "
+  out << "\n"
+      << network << " pipes (start node to end node; inverts at "
       << "start and end)\n";
   for (const Graph::Pipe& pipe : graph.pipes) {
     core::Record r = core::Record::ReadRequired(*pipe.entity);

@@ -21,10 +21,10 @@ namespace kestrana::cli {
 
 // Exactly one way of answering "Select Entities to Convert:".
 struct ConvertSelection {
-  std::optional<std::string> layer{};            // every entity on the layer
-  std::vector<std::string> handles{};            // these entities
-  std::optional<std::array<double, 4>> window{}; // X1, Y1, X2, Y2: inside it
-  bool all = false;                            // every entity
+  std::optional<std::string> layer{};             // every entity on the layer
+  std::vector<std::string> handles{};             // these entities
+  std::optional<std::array<double, 4>> window{};  // X1, Y1, X2, Y2: inside it
+  bool all = false;                               // every entity
 };
 
 struct ConvertOptions {
@@ -50,7 +50,8 @@ ConvertResult ConvertInDocument(memhost::MemDocument& document,
                                 const ConvertOptions& options);
 ConvertResult Convert(const ConvertOptions& options);
 
-// --- kestrana node set / pipe set ---------------------------------------------
+// --- kestrana node set / pipe set
+// ---------------------------------------------
 
 struct NodeSetOptions {
   std::string drawing{};
@@ -60,7 +61,8 @@ struct NodeSetOptions {
   std::optional<std::string> new_label{};
   std::optional<double> ground{};
   std::optional<double> sump{};
-  std::optional<std::string> matching{};  // "No Matching", "Match Centerlines", ...
+  std::optional<std::string>
+      matching{};  // "No Matching", "Match Centerlines", ...
 };
 
 // A node as it stands after an edit.

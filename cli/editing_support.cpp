@@ -58,9 +58,9 @@ host::Entity& FindElement(host::Document& document, const std::string& network,
   RequireNetwork(document, network);
   std::vector<host::Entity*> found;
   for (host::Entity* element :
-       General::GetNetworkSet(document, network,
-                              kind == ElementKind::kPipe ? kPipesOption
-                                                         : kNodesOption)
+       General::GetNetworkSet(
+           document, network,
+           kind == ElementKind::kPipe ? kPipesOption : kNodesOption)
            .Entities())
     if (ElementLabel(*element) == label) found.push_back(element);
   if (found.empty())

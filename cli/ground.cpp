@@ -32,8 +32,8 @@ std::string ChooseSurface(
     for (const auto& s : surfaces)
       if (s->Name() == *options.surface_name) return s->Name();
     throw CommandError(options.surface_file + " has no surface named \"" +
-                       *options.surface_name + "\" (it has " +
-                       Names(surfaces) + ")");
+                       *options.surface_name + "\" (it has " + Names(surfaces) +
+                       ")");
   }
   if (surfaces.size() > 1)
     throw UsageError(options.surface_file + " holds " +
@@ -57,8 +57,7 @@ GroundResult GroundInDocument(
     memhost::MemDocument& document,
     std::vector<std::unique_ptr<memhost::MemSurface>> surfaces,
     const GroundOptions& options) {
-  if (options.networks.empty())
-    throw UsageError("--networks names no network");
+  if (options.networks.empty()) throw UsageError("--networks names no network");
   for (const std::string& network : options.networks)
     RequireNetwork(document, network);
   GroundResult result;
@@ -71,14 +70,13 @@ GroundResult GroundInDocument(
   editing::GroundLevelUpdate update = editing::GroundLevelsFromSurface(
       document, options.networks, result.surface);
   for (host::Entity* node : update.outside)
-    result.outside.push_back(
-        core::General::GetElementNetwork(*node) + " " + ElementLabel(*node));
+    result.outside.push_back(core::General::GetElementNetwork(*node) + " " +
+                             ElementLabel(*node));
   if (update.updated.empty())
-    throw CommandError(
-        update.outside.empty()
-            ? "the networks hold no nodes"
-            : "no node lies on the surface \"" + result.surface +
-                  "\"; nothing was changed");
+    throw CommandError(update.outside.empty()
+                           ? "the networks hold no nodes"
+                           : "no node lies on the surface \"" + result.surface +
+                                 "\"; nothing was changed");
   result.updated = static_cast<int>(update.updated.size());
   return result;
 }
@@ -87,11 +85,10 @@ GroundResult Ground(const GroundOptions& options) {
   std::vector<std::unique_ptr<memhost::MemSurface>> surfaces =
       ReadSurfaceFile(options.surface_file);
   GroundResult result;
-  EditProjectDrawing(options.drawing, options.output,
-                     [&](memhost::MemDocument& document) {
-                       result = GroundInDocument(document, std::move(surfaces),
-                                                 options);
-                     });
+  EditProjectDrawing(
+      options.drawing, options.output, [&](memhost::MemDocument& document) {
+        result = GroundInDocument(document, std::move(surfaces), options);
+      });
   result.written = options.output.value_or(options.drawing);
   return result;
 }
@@ -119,7 +116,8 @@ int Run(const std::vector<std::string>& args, Io& io) {
     io.err << "kestrana ground: warning: " << r.outside.size() << " node"
            << (r.outside.size() == 1 ? " lies" : "s lie")
            << " outside the surface and keep"
-           << (r.outside.size() == 1 ? "s its ground level" : " their ground levels")
+           << (r.outside.size() == 1 ? "s its ground level"
+                                     : " their ground levels")
            << ":";
     for (const std::string& node : r.outside) io.err << " " << node << ";";
     io.err << "\n";

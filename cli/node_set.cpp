@@ -35,24 +35,25 @@ std::string RuleText(int16_t code) {
 void CheckRuleText(const std::string& text) {
   for (const char* rule : kRuleTexts)
     if (text == rule) return;
-  throw UsageError("--matching must be \"No Matching\", \"Match Centerlines\", "
-                   "\"Match Soffits\" or \"Match Inverts\", not '" +
-                   text + "'");
+  throw UsageError(
+      "--matching must be \"No Matching\", \"Match Centerlines\", "
+      "\"Match Soffits\" or \"Match Inverts\", not '" +
+      text + "'");
 }
 
 NodeState StateOf(const std::string& network, const host::Entity& node) {
   core::Record record = core::Record::ReadRequired(node);
-  return {network,
-          General::EntityLabelFromCombined(
-              record.Text(NodeField::kCombinedLabel)),
-          record.Number(NodeField::kGroundLevel),
-          record.Number(NodeField::kSumpLevel),
-          RuleText(record.Int16(NodeField::kMatching)),
-          static_cast<int>(
-              core::ReferenceValues(record.Text(NodeField::kPipesAtStartOID))
-                  .size() +
-              core::ReferenceValues(record.Text(NodeField::kPipesAtEndOID))
-                  .size())};
+  return {
+      network,
+      General::EntityLabelFromCombined(record.Text(NodeField::kCombinedLabel)),
+      record.Number(NodeField::kGroundLevel),
+      record.Number(NodeField::kSumpLevel),
+      RuleText(record.Int16(NodeField::kMatching)),
+      static_cast<int>(
+          core::ReferenceValues(record.Text(NodeField::kPipesAtStartOID))
+              .size() +
+          core::ReferenceValues(record.Text(NodeField::kPipesAtEndOID))
+              .size())};
 }
 
 }  // namespace
@@ -60,8 +61,8 @@ NodeState StateOf(const std::string& network, const host::Entity& node) {
 NodeState SetNodeInDocument(memhost::MemDocument& document,
                             const NodeSetOptions& options) {
   if (options.matching) CheckRuleText(*options.matching);
-  host::Entity& node = FindElement(document, options.network,
-                                   ElementKind::kNode, options.label);
+  host::Entity& node =
+      FindElement(document, options.network, ElementKind::kNode, options.label);
   if (options.new_label && *options.new_label != options.label)
     CheckNewLabel(document, options.network, ElementKind::kNode,
                   *options.new_label, node);
@@ -131,7 +132,8 @@ Registrar node_set_command(
      "  --label L            the node's label (unique in the network)\n"
      "  --new-label L2       a new label, not yet used in the network\n"
      "  --ground Z           ground (cover) level\n"
-     "  --sump Z             sump level; with \"No Matching\" it is lowered to\n"
+     "  --sump Z             sump level; with \"No Matching\" it is lowered "
+     "to\n"
      "                       the lowest pipe invert at the node if above it\n"
      "  --matching RULE      \"No Matching\": pipes keep their inverts;\n"
      "                       \"Match Centerlines\", \"Match Soffits\": the\n"

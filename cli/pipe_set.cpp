@@ -46,14 +46,14 @@ std::string CurrentFormText(const core::Record& pipe) {
 
 PipeState StateOf(const std::string& network, host::Entity& entity) {
   core::Record record = core::Record::ReadRequired(entity);
-  return {network,
-          General::EntityLabelFromCombined(
-              record.Text(PipeField::kCombinedLabel)),
-          General::BuildSectionSizeString(record),
-          record.Text(PipeField::kMaterial),
-          record.Number(PipeField::kStartInvert),
-          record.Number(PipeField::kEndInvert),
-          host::As<host::LwPolyline>(entity).Length()};
+  return {
+      network,
+      General::EntityLabelFromCombined(record.Text(PipeField::kCombinedLabel)),
+      General::BuildSectionSizeString(record),
+      record.Text(PipeField::kMaterial),
+      record.Number(PipeField::kStartInvert),
+      record.Number(PipeField::kEndInvert),
+      host::As<host::LwPolyline>(entity).Length()};
 }
 
 }  // namespace
@@ -78,8 +78,8 @@ PipeState SetPipeInDocument(memhost::MemDocument& document,
       (options.material->empty() ||
        General::CheckTextForBannedCharacters(*options.material, 0)))
     throw UsageError("--material takes a name without \";\"");
-  host::Entity& pipe = FindElement(document, options.network,
-                                   ElementKind::kPipe, options.label);
+  host::Entity& pipe =
+      FindElement(document, options.network, ElementKind::kPipe, options.label);
   if (options.new_label && *options.new_label != options.label)
     CheckNewLabel(document, options.network, ElementKind::kPipe,
                   *options.new_label, pipe);
@@ -137,10 +137,10 @@ int Run(const std::vector<std::string>& args, Io& io) {
     options.end_invert = ParseReal(*v, "--end-invert");
   PipeSetResult r = SetPipe(options);
   const PipeState& p = r.pipe;
-  io.out << "pipe " << p.label << " of " << p.network << ": "
-         << p.size << " " << p.material << ", inverts "
-         << core::GeneralText(p.start_invert) << " to "
-         << core::GeneralText(p.end_invert) << "\nwrote " << r.written << "\n";
+  io.out << "pipe " << p.label << " of " << p.network << ": " << p.size << " "
+         << p.material << ", inverts " << core::GeneralText(p.start_invert)
+         << " to " << core::GeneralText(p.end_invert) << "\nwrote " << r.written
+         << "\n";
   return 0;
 }
 

@@ -93,11 +93,10 @@ host::BlockReference& InsertNode(host::Document& document, PlanPoint at,
                                                 std::string(network_name) +
                                                 ";" + label);
   record.SetText(NodeField::kElementType, NodeType(network_type));
-  record.SetInt16(
-      NodeField::kMatching,
-      static_cast<int16_t>(network_type == core::kGravity
-                               ? Matching::kNone
-                               : Matching::kCenterlines));
+  record.SetInt16(NodeField::kMatching,
+                  static_cast<int16_t>(network_type == core::kGravity
+                                           ? Matching::kNone
+                                           : Matching::kCenterlines));
   host::BlockReference& node = document.ModelSpace().InsertBlock(
       {at.x, at.y, 0}, core::kNodeBlock, 1, 1, 1, 0);
   record.Write(node);
@@ -193,8 +192,7 @@ class BatchConversion {
   void Convert(host::LwPolyline& pipe) {
     const std::vector<double> xy = pipe.Coordinates();
     const PlanPoint first = FirstVertex(xy), last = LastVertex(xy);
-    EndNodes ends =
-        nodes_.Find(KeyOf(first.x, first.y), KeyOf(last.x, last.y));
+    EndNodes ends = nodes_.Find(KeyOf(first.x, first.y), KeyOf(last.x, last.y));
     if (ends.start == nullptr) ends.start = &NewNode(first);
     if (ends.end == nullptr) ends.end = &NewNode(last);
     LinkPipe(document_, pipe, *ends.start, *ends.end, network_, type_,
@@ -300,8 +298,8 @@ host::SelectionSet& Editing::GetEntitiesToConvert(host::Document& document) {
     if (entity->ObjectName() != kLineClass) continue;
     auto& line = host::As<host::Line>(*entity);
     const host::Point3 from = line.StartPoint(), to = line.EndPoint();
-    host::LwPolyline& polyline =
-        document.ModelSpace().AddLightWeightPolyline({from.x, from.y, to.x, to.y});
+    host::LwPolyline& polyline = document.ModelSpace().AddLightWeightPolyline(
+        {from.x, from.y, to.x, to.y});
     set.AddItems({&polyline});
     set.RemoveItems({&line});
     line.Delete();
@@ -321,9 +319,9 @@ void ConvertEntities(host::Document& document,
   for (const char* layer : {"Network", "Annotation", "Arrow"})
     General::CreateStandardLayer(document, network_name, layer);
   viewstyle::ViewStyle::DefineAttributeBlocks(
-      document, viewstyle::ViewStyle::GetAnnotationFormatArray(
-                    viewstyle::ViewStyle::GetActiveViewStyleSettingsArray(
-                        document)));
+      document,
+      viewstyle::ViewStyle::GetAnnotationFormatArray(
+          viewstyle::ViewStyle::GetActiveViewStyleSettingsArray(document)));
   host::SelectionSet& low_high =
       General::InitializeSelectionSet(document, "SetNodesForLowHigh");
 
@@ -339,8 +337,8 @@ void ConvertEntities(host::Document& document,
       Editing::ConvertPlIntoPipe(document, *pipe, nodes, network_name,
                                  network_type, low_high);
   } else {
-    BatchConversion batch(document, network_name, network_type,
-                          existing_nodes, low_high);
+    BatchConversion batch(document, network_name, network_type, existing_nodes,
+                          low_high);
     for (host::LwPolyline* pipe : pipes) batch.Convert(*pipe);
     batch.Finish();
   }
@@ -348,10 +346,13 @@ void ConvertEntities(host::Document& document,
 
   crossing::Crossing::BuildCrossingPointsAfterImporting(
       document, set_entities_to_convert, General::GetModelUnits(document));
-  lowhigh::LowHigh::BuildLowHighPointsAfterImporting(
-      document,
-      lowhigh::LowHigh::GetInitialNodesOIDArrayForLowHigh(document, low_high),
-      network_name);
+  // Gravity networks have no low and high points: the analysis would only
+  // read the touched nodes to find that out.
+  if (network_type != core::kGravity)
+    lowhigh::LowHigh::BuildLowHighPointsAfterImporting(
+        document,
+        lowhigh::LowHigh::GetInitialNodesOIDArrayForLowHigh(document, low_high),
+        network_name);
   General::RestoreLockedLayers(document, locked);
 }
 

@@ -56,11 +56,10 @@ class Editing {
   static host::SelectionSet& GetEntitiesToConvert(host::Document& document);
   // Turns every polyline of the set into a pipe of the network, with nodes
   // found or made at its ends, then builds crossings and low/high points.
-  static void CreateElementsInNetwork(host::Document& document,
-                                      host::SelectionSet& set_entities_to_convert,
-                                      bool is_existing_network,
-                                      std::string_view network_name,
-                                      std::string_view network_type);
+  static void CreateElementsInNetwork(
+      host::Document& document, host::SelectionSet& set_entities_to_convert,
+      bool is_existing_network, std::string_view network_name,
+      std::string_view network_type);
   // One polyline. Nodes made here join `set_existing_nodes`; both end nodes
   // join `set_nodes_for_low_high`.
   static void ConvertPlIntoPipe(host::Document& document,
@@ -87,21 +86,20 @@ class Editing {
 
   // --- Node and pipe data ------------------------------------------------
 
-  static void UpdateNodeData(host::Document& document, std::string_view node_oid,
-                             std::string_view label, double ground_level,
-                             double sump_level, std::string_view pipes_matching,
+  static void UpdateNodeData(host::Document& document,
+                             std::string_view node_oid, std::string_view label,
+                             double ground_level, double sump_level,
+                             std::string_view pipes_matching,
                              host::SelectionSet& set_nodes_for_low_high);
   // `section_size_shape` is the form's text: "Circular - 300" (the diameter
   // after 11 characters) or "Box - 1200x800" (after 6).
-  static void UpdatePipeData(host::Document& document, std::string_view pipe_oid,
-                             std::string_view label, double start_invert,
-                             double end_invert, std::string_view material,
-                             std::string_view section_size_shape,
-                             int16_t number_of_cells,
-                             const core::TextTable& ar_circular_sizes,
-                             const core::TextTable& ar_box_sizes,
-                             const core::TextTable& ar_materials,
-                             host::SelectionSet& set_nodes_for_low_high);
+  static void UpdatePipeData(
+      host::Document& document, std::string_view pipe_oid,
+      std::string_view label, double start_invert, double end_invert,
+      std::string_view material, std::string_view section_size_shape,
+      int16_t number_of_cells, const core::TextTable& ar_circular_sizes,
+      const core::TextTable& ar_box_sizes, const core::TextTable& ar_materials,
+      host::SelectionSet& set_nodes_for_low_high);
   // `rise` in level units.
   static void UpdateConnectedNodeAtPipe(host::Document& document,
                                         std::string_view node_oid,

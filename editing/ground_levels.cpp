@@ -24,8 +24,7 @@ namespace {
 const host::Surface& FindSurface(host::Document& document,
                                  std::string_view surface_name) {
   host::Application& application = document.GetApplication();
-  return application
-      .GetInterfaceObject(General::GetAeccAppString(application))
+  return application.GetInterfaceObject(General::GetAeccAppString(application))
       .ActiveDocument()
       .GetSurfaces()
       .Item(std::string(surface_name));
@@ -45,8 +44,8 @@ GroundLevelUpdate GroundLevelsFromSurface(
 
   std::string changed_pipes, changed_nodes;
   for (const std::string& network : network_names) {
-    for (host::Entity* node : General::GetNetworkSet(document, network, 2)
-                                  .Entities()) {
+    for (host::Entity* node :
+         General::GetNetworkSet(document, network, 2).Entities()) {
       const host::Point3 at =
           host::As<host::BlockReference>(*node).InsertionPoint();
       double elevation = 0;
@@ -73,9 +72,9 @@ GroundLevelUpdate GroundLevelsFromSurface(
     viewstyle::ViewStyle::UpdateAnnotationsAfterEditing(
         document, changed_pipes + changed_nodes, false);
   for (const std::string& pipe_id : core::ListEntries(changed_pipes))
-    for (const std::string& profile :
-         core::ReferenceValues(ReadPipe(core::EntityFromIdText(document, pipe_id))
-                                   .Text(PipeField::kProfileOIDRefs)))
+    for (const std::string& profile : core::ReferenceValues(
+             ReadPipe(core::EntityFromIdText(document, pipe_id))
+                 .Text(PipeField::kProfileOIDRefs)))
       profile::Profile::FlagProfileForUpdate(document, profile);
 
   General::RestoreLockedLayers(document, locked);

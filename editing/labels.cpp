@@ -38,8 +38,7 @@ LabelNumbers::LabelNumbers(const std::vector<std::string>& labels) {
     double number = 0;
     try {
       number = core::RoundHalfEven(
-          core::NumericValue(std::string_view(label).substr(kPrefixLength)),
-          0);
+          core::NumericValue(std::string_view(label).substr(kPrefixLength)), 0);
     } catch (const std::overflow_error&) {
       continue;  // far beyond the numbers that count
     }

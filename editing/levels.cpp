@@ -124,7 +124,8 @@ Section SectionOfFormText(std::string_view text) {
     const double span = core::NumericValue(After(text, kCircularSizeOffset));
     return {core::kSectionShapeCircular, span, span};
   }
-  std::vector<std::string> sides = core::Split(After(text, kBoxSizeOffset), 'x');
+  std::vector<std::string> sides =
+      core::Split(After(text, kBoxSizeOffset), 'x');
   sides.resize(2);
   return {core::kSectionShapeBox, core::NumericValue(sides[0]),
           core::NumericValue(sides[1])};
@@ -242,10 +243,12 @@ double Editing::GetLargestRise(host::Document& document,
   const core::Record node = ReadNode(node_entity);
   const std::string units = General::GetModelUnits(document);
   double largest = 0;
-  for (NodeField list : {NodeField::kPipesAtStartOID, NodeField::kPipesAtEndOID})
+  for (NodeField list :
+       {NodeField::kPipesAtStartOID, NodeField::kPipesAtEndOID})
     for (const std::string& id : core::ReferenceValues(node.Text(list)))
       largest = std::max(
-          largest, RiseOf(ReadPipe(core::EntityFromIdText(document, id)), units));
+          largest,
+          RiseOf(ReadPipe(core::EntityFromIdText(document, id)), units));
   return largest;
 }
 
@@ -270,9 +273,9 @@ void Editing::UpdateNodeData(host::Document& document,
   core::Record record = ReadNode(node);
   const std::string network = General::EntityNetworkFromCombined(
       record.Text(NodeField::kCombinedLabel));
-  record.SetText(NodeField::kCombinedLabel, std::string(core::kNodeKind) +
-                                                ";" + network + ";" +
-                                                std::string(label));
+  record.SetText(
+      NodeField::kCombinedLabel,
+      std::string(core::kNodeKind) + ";" + network + ";" + std::string(label));
   record.SetReal(NodeField::kGroundLevel, ground_level);
   record.SetReal(NodeField::kSumpLevel, sump_level);
   if (std::optional<Matching> matching = MatchingOfText(pipes_matching)) {
@@ -329,10 +332,10 @@ void Editing::UpdateConnectedNodeAtPipe(host::Document& document,
 }
 
 void Editing::UpdatePipeData(
-    host::Document& document, std::string_view pipe_oid,
-    std::string_view label, double start_invert, double end_invert,
-    std::string_view material, std::string_view section_size_shape,
-    int16_t number_of_cells, const core::TextTable& ar_circular_sizes,
+    host::Document& document, std::string_view pipe_oid, std::string_view label,
+    double start_invert, double end_invert, std::string_view material,
+    std::string_view section_size_shape, int16_t number_of_cells,
+    const core::TextTable& ar_circular_sizes,
     const core::TextTable& ar_box_sizes, const core::TextTable& ar_materials,
     host::SelectionSet& set_nodes_for_low_high) {
   const std::string units = General::GetModelUnits(document);
@@ -340,9 +343,9 @@ void Editing::UpdatePipeData(
   core::Record record = ReadPipe(pipe);
   const std::string network = General::EntityNetworkFromCombined(
       record.Text(PipeField::kCombinedLabel));
-  record.SetText(PipeField::kCombinedLabel, std::string(core::kPipeKind) +
-                                                ";" + network + ";" +
-                                                std::string(label));
+  record.SetText(
+      PipeField::kCombinedLabel,
+      std::string(core::kPipeKind) + ";" + network + ";" + std::string(label));
 
   const library::PipeSize old_size = library::PipeSizeOf(record);
   const Section section = SectionOfFormText(section_size_shape);

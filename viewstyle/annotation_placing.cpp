@@ -196,9 +196,10 @@ void ViewStyle::InsertAnnotationsForNewEntity(host::Document& document,
       GetAnnotationFormatArray(GetActiveViewStyleSettingsArray(document)));
 }
 
-void ViewStyle::InsertAnnotationsForNewEntity(
-    host::Document& document, host::Entity& entity,
-    double correction_angle_for_cs, const core::TextTable& format) {
+void ViewStyle::InsertAnnotationsForNewEntity(host::Document& document,
+                                              host::Entity& entity,
+                                              double correction_angle_for_cs,
+                                              const core::TextTable& format) {
   std::vector<std::string> texts =
       GetAnnotationStrings(document, entity, format);
   std::string network = General::EntityNetworkFromCombined(

@@ -29,11 +29,11 @@ using core::PipeField;
 class EditingCommands : public ::testing::Test {
  protected:
   void SetUp() override {
-    dir_ = fs::temp_directory_path() /
-           ("kestrana_editing_cli_" +
-            std::string(::testing::UnitTest::GetInstance()
-                            ->current_test_info()
-                            ->name()));
+    dir_ =
+        fs::temp_directory_path() /
+        ("kestrana_editing_cli_" +
+         std::string(
+             ::testing::UnitTest::GetInstance()->current_test_info()->name()));
     fs::remove_all(dir_);
     fs::create_directories(dir_);
     path_ = (dir_ / "site.dxf").string();
@@ -64,8 +64,8 @@ class EditingCommands : public ::testing::Test {
                    "--layer", "Sewer lines"}),
               0)
         << err_.str();
-    ASSERT_EQ(Run({"convert", path_, "--network", "Water", "--type",
-                   "Pressure", "--layer", "Water lines"}),
+    ASSERT_EQ(Run({"convert", path_, "--network", "Water", "--type", "Pressure",
+                   "--layer", "Water lines"}),
               0)
         << err_.str();
   }
@@ -131,7 +131,8 @@ TEST_F(EditingCommands, ConvertTurnsTheChosenLinesIntoANetwork) {
   // The drawn lines are gone, replaced by the pipes.
   int lines = 0;
   for (host::Entity* e : doc->ModelSpace().Entities())
-    lines += e->EntityName() == "LINE" && e->Layer() != core::kCrossingLinesLayer;
+    lines +=
+        e->EntityName() == "LINE" && e->Layer() != core::kCrossingLinesLayer;
   EXPECT_EQ(lines, 0);
   // The polyline comes first; the lines' polylines join the set after it.
   core::Record p3 = Element(*doc, "Sewer", "Pipe", "P-3");
@@ -153,9 +154,9 @@ TEST_F(EditingCommands, ConvertPicksByHandlesOrWindowIntoAnExistingNetwork) {
       << err_.str();
   // The window holds the second line and the bent polyline's first half
   // only, so just the line.
-  ASSERT_EQ(Run({"convert", path_, "--network", "Sewer", "--window",
-                 "45,-5,110,5"}),
-            0)
+  ASSERT_EQ(
+      Run({"convert", path_, "--network", "Sewer", "--window", "45,-5,110,5"}),
+      0)
       << err_.str();
   auto doc = Load();
   EXPECT_EQ(core::General::GetNetworkSet(*doc, "Sewer", 1).Count(), 2);
@@ -164,28 +165,29 @@ TEST_F(EditingCommands, ConvertPicksByHandlesOrWindowIntoAnExistingNetwork) {
 
 TEST_F(EditingCommands, ConvertRefusalsLeaveTheDrawingAsItWas) {
   Site();
-  const std::vector<std::string> to_sewer = {"convert", path_, "--network",
-                                             "Sewer", "--type", "Gravity"};
+  const std::vector<std::string> to_sewer = {"convert", path_,    "--network",
+                                             "Sewer",   "--type", "Gravity"};
   auto with = [&](std::vector<std::string> more) {
     std::vector<std::string> args = to_sewer;
     args.insert(args.end(), more.begin(), more.end());
     return args;
   };
   Refused(with({"--layer", "Roads"}), "the drawing has no layer \"Roads\"");
-  Refused(with({"--handles", "FFFF0"}), "no entity of the drawing has the handle");
+  Refused(with({"--handles", "FFFF0"}),
+          "no entity of the drawing has the handle");
   Refused(with({"--window", "1000,1000,1100,1100"}),
           "the window 1000,1000,1100,1100 holds no entity");
   Refused(with({"--layer", "0"}), "nothing to convert");
   Refused(with({"--all", "--layer", "Sewer lines"}), "choose what to convert",
           2);
-  Refused({"convert", path_, "--network", "Sewer", "--all"},
-          "give its --type", 2);
+  Refused({"convert", path_, "--network", "Sewer", "--all"}, "give its --type",
+          2);
   Refused(with({"--all", "--type", "Storm"}), "given twice", 2);
   ASSERT_EQ(Run(with({"--layer", "Sewer lines"})), 0) << err_.str();
   Refused(with({"--layer", "Sewer lines"}), "nothing to convert");
-  Refused({"convert", path_, "--network", "Sewer", "--type", "Pressure",
-           "--all"},
-          "\"Sewer\" is a Gravity network");
+  Refused(
+      {"convert", path_, "--network", "Sewer", "--type", "Pressure", "--all"},
+      "\"Sewer\" is a Gravity network");
 }
 
 TEST_F(EditingCommands, NodeAndPipeSetStoreTheirDataAndPassItOn) {
@@ -249,12 +251,14 @@ TEST_F(EditingCommands, NodeAndPipeSetRefusals) {
     dxf::SaveDrawing(*doc, path_);
   }
   auto node = [&](std::vector<std::string> more) {
-    std::vector<std::string> args = {"node", "set", path_, "--network", "Sewer"};
+    std::vector<std::string> args = {"node", "set", path_, "--network",
+                                     "Sewer"};
     args.insert(args.end(), more.begin(), more.end());
     return args;
   };
   auto pipe = [&](std::vector<std::string> more) {
-    std::vector<std::string> args = {"pipe", "set", path_, "--network", "Sewer"};
+    std::vector<std::string> args = {"pipe", "set", path_, "--network",
+                                     "Sewer"};
     args.insert(args.end(), more.begin(), more.end());
     return args;
   };
@@ -270,12 +274,12 @@ TEST_F(EditingCommands, NodeAndPipeSetRefusals) {
           "--matching must be", 2);
   Refused({"node", "set", path_, "--network", "Storm", "--label", "N-1"},
           "no network named \"Storm\"");
-  Refused(pipe({"--label", "P-1", "--size", "12a"}),
-          "--size takes a diameter", 2);
+  Refused(pipe({"--label", "P-1", "--size", "12a"}), "--size takes a diameter",
+          2);
   Refused(pipe({"--label", "P-1", "--size", "1200x"}),
           "--size takes a diameter", 2);
-  Refused(pipe({"--label", "P-1", "--size", "-300"}),
-          "--size takes a diameter", 2);
+  Refused(pipe({"--label", "P-1", "--size", "-300"}), "--size takes a diameter",
+          2);
   Refused(pipe({"--label", "P-1", "--new-label", "P-3"}),
           "already has a pipe labelled \"P-3\"");
   Refused(pipe({"--label", "P-7", "--material", "PE"}),
@@ -343,7 +347,8 @@ TEST_F(EditingCommands, DemoDesignsTheExampleTown) {
   const std::string report = Bytes(out + "/report.txt");
   EXPECT_NE(report.find("Sewer  Gravity  9 pipes  10 nodes"), std::string::npos)
       << report;
-  EXPECT_NE(report.find("Water  Pressure  3 pipes  5 nodes"), std::string::npos);
+  EXPECT_NE(report.find("Water  Pressure  3 pipes  5 nodes"),
+            std::string::npos);
 
   auto doc = dxf::LoadDrawing(out + "/town-network.dxf");
   // Every sewer falls in its direction at 1 in 200 or more, below cover.
@@ -361,8 +366,8 @@ TEST_F(EditingCommands, DemoDesignsTheExampleTown) {
        at = report.find("clearance ", at + 1), ++crossings)
     EXPECT_GT(std::stod(report.substr(at + 10)), 0.2) << report.substr(at);
   EXPECT_EQ(crossings, 3);
-  EXPECT_GT(lowhigh::LowHigh::GetExistingLowHighPointsSet(*doc, "Water").Count(),
-            0);
+  EXPECT_GT(
+      lowhigh::LowHigh::GetExistingLowHighPointsSet(*doc, "Water").Count(), 0);
 }
 
 }  // namespace

@@ -39,8 +39,8 @@ host::SelectionSet& SetOf(host::Document& document,
 }
 
 void Convert(host::Document& document, const test::DrawnGridOptions& grid,
-             bool existing, const std::string& network,
-             const std::string& type, ConversionPath path) {
+             bool existing, const std::string& network, const std::string& type,
+             ConversionPath path) {
   ConvertEntities(document, SetOf(document, test::AddDrawnGrid(document, grid)),
                   existing, network, type, path);
 }
@@ -58,8 +58,8 @@ void EditNodes(host::Document& document, const std::string& network) {
     ++k;
     Editing::UpdateNodeData(
         document, core::IdText(node->ObjectID()),
-        General::EntityLabelFromCombined(core::Record::ReadRequired(*node).Text(
-            NodeField::kCombinedLabel)),
+        General::EntityLabelFromCombined(
+            core::Record::ReadRequired(*node).Text(NodeField::kCombinedLabel)),
         100 + k % 7, 98 - 0.01 * k, rules[k % 4], low_high);
   }
   host::Entity& pipe =
@@ -79,16 +79,19 @@ std::unique_ptr<memhost::MemDocument> Site(ConversionPath path, int size) {
   auto document = test::NewFullProjectDocument();
   cli::AddNetwork(*document, "Water", core::kPressure);
   cli::AddNetwork(*document, "Sewer", core::kGravity);
-  test::DrawnGridOptions water{.polylines = size, .spacing = 60,
-                               .origin_x = 30, .origin_y = 20,
-                               .layer = "Water lines", .seed = 11,
+  test::DrawnGridOptions water{.polylines = size,
+                               .spacing = 60,
+                               .origin_x = 30,
+                               .origin_y = 20,
+                               .layer = "Water lines",
+                               .seed = 11,
                                .awkward = true};
   Convert(*document, water, false, "Water", core::kPressure,
           ConversionPath::kSteps);
   EditNodes(*document, "Water");
 
-  test::DrawnGridOptions sewer{.polylines = size, .layer = "Sewer lines",
-                               .seed = 5, .awkward = true};
+  test::DrawnGridOptions sewer{
+      .polylines = size, .layer = "Sewer lines", .seed = 5, .awkward = true};
   Convert(*document, sewer, false, "Sewer", core::kGravity, path);
   // Half on the first batch's junctions, not joined to its nodes.
   sewer.origin_x = 100;
@@ -131,7 +134,8 @@ TEST(ConversionPaths, BatchLeavesTheDrawingTheStepsLeave) {
     EXPECT_GT(sewer_pipes, 2 * size);
     EXPECT_LT(sewer_nodes, sewer_pipes);
     int moved_inverts = 0, crossed = 0;
-    for (host::Entity* pipe : General::GetNetworkSet(*batch, "Water", 1).Entities()) {
+    for (host::Entity* pipe :
+         General::GetNetworkSet(*batch, "Water", 1).Entities()) {
       core::Record record = core::Record::ReadRequired(*pipe);
       moved_inverts += record.Number(PipeField::kStartInvert) != 0;
       crossed += !record.Text(PipeField::kCrossingRefs).empty();

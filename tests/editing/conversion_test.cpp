@@ -94,7 +94,8 @@ TEST_F(Conversion, EndsThatAgreeToFiveDecimalsShareANode) {
            // 10.000006 rounds to 10.00001: a node of its own.
            &Polyline({10, 10.000006, 20, 10})},
           "Sewer", core::kGravity, false);
-  EXPECT_EQ(Labels("Sewer", 1), (std::vector<std::string>{"P-1", "P-2", "P-3"}));
+  EXPECT_EQ(Labels("Sewer", 1),
+            (std::vector<std::string>{"P-1", "P-2", "P-3"}));
   EXPECT_EQ(Labels("Sewer", 2),
             (std::vector<std::string>{"N-1", "N-2", "N-3", "N-4", "N-5"}));
   host::Entity& shared = Node("N-2");
@@ -129,9 +130,10 @@ TEST_F(Conversion, NewLabelsTakeTheSmallestFreeNumbersOfTheirKind) {
   Convert({&Polyline({10, 0, 20, 0}), &Polyline({20, 0, 30, 0})}, "Sewer",
           core::kGravity);
   // P-3 is free in the sewer; the nodes take 2 (after N-1, MH3) and 4.
-  EXPECT_EQ(Labels("Sewer", 1),
-            (std::vector<std::string>{"P-1", "P-2", "P-4", "P-x", "P-3", "P-5"}));
-  EXPECT_EQ(Labels("Sewer", 2), (std::vector<std::string>{"N-1", "MH3", "N-2", "N-4"}));
+  EXPECT_EQ(Labels("Sewer", 1), (std::vector<std::string>{
+                                    "P-1", "P-2", "P-4", "P-x", "P-3", "P-5"}));
+  EXPECT_EQ(Labels("Sewer", 2),
+            (std::vector<std::string>{"N-1", "MH3", "N-2", "N-4"}));
 }
 
 TEST(LabelNumbers, TheLastNumberIsAnsweredOnceEveryOtherIsTaken) {
@@ -157,8 +159,10 @@ TEST_F(Conversion, NewElementsCarryTheirInitialRecords) {
     core::Record record = core::Record::ReadRequired(pipe);
     ASSERT_EQ(record.Size(), core::kPipeRecordLength);
     EXPECT_EQ(record.Text(PipeField::kElementType), core::kPressurePipe);
-    EXPECT_EQ(record.Text(PipeField::kSectionShape), core::kSectionShapeCircular);
-    EXPECT_EQ(record.Number(PipeField::kSpan), units == std::string("US") ? 8 : 200);
+    EXPECT_EQ(record.Text(PipeField::kSectionShape),
+              core::kSectionShapeCircular);
+    EXPECT_EQ(record.Number(PipeField::kSpan),
+              units == std::string("US") ? 8 : 200);
     EXPECT_EQ(record.Number(PipeField::kRise), record.Number(PipeField::kSpan));
     EXPECT_EQ(record.Int16(PipeField::kNumCells), 1);
     EXPECT_EQ(record.Text(PipeField::kMaterial), "PVC");
@@ -224,11 +228,14 @@ TEST_F(Conversion, JoiningAnExistingNetworkMatchesItsNodes) {
   // Centre lines meet the 400 pipe's standing on the sump: 50.1 for the
   // new 200 pipe, 50 for the old one, which the conversion refreshed.
   host::Entity& joined = test::ElementLabelled(*doc_, "Water", "Pipe", "P-2");
-  EXPECT_NEAR(core::Record::ReadRequired(joined).Number(PipeField::kStartInvert),
-              50.1, 1e-12);
-  EXPECT_EQ(core::Record::ReadRequired(first).Number(PipeField::kEndInvert), 50);
+  EXPECT_NEAR(
+      core::Record::ReadRequired(joined).Number(PipeField::kStartInvert), 50.1,
+      1e-12);
+  EXPECT_EQ(core::Record::ReadRequired(first).Number(PipeField::kEndInvert),
+            50);
   EXPECT_EQ(Text(joined, PipeField::kStartNodeLabel), ";RelatedToN-2");
-  EXPECT_EQ(Labels("Water", 2), (std::vector<std::string>{"N-1", "N-2", "N-3"}));
+  EXPECT_EQ(Labels("Water", 2),
+            (std::vector<std::string>{"N-1", "N-2", "N-3"}));
 }
 
 }  // namespace

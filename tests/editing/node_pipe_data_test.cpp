@@ -117,9 +117,10 @@ TEST_F(NodePipeData, EachRuleLinesPipesUpOnTheSumpAndTheTallestPipe) {
 
 TEST_F(NodePipeData, ImperialRisesCountInFeet) {
   Start("US", core::kGravity);
-  Junction({.span = 24.0, .start_invert = 60},
-           {.shape = core::kSectionShapeBox, .span = 4.0, .rise = 3.0,
-            .end_invert = 60});
+  Junction({.span = 24.0, .start_invert = 60}, {.shape = core::kSectionShapeBox,
+                                                .span = 4.0,
+                                                .rise = 3.0,
+                                                .end_invert = 60});
   EXPECT_EQ(Editing::GetLargestRise(*doc_, *m_), 3);
   SetNode("M", 60, 50, kMatchSoffits);
   // The 24 in pipe is 2 ft tall: its soffit meets the box's at 53.
@@ -202,9 +203,9 @@ TEST_F(NodePipeData, SizesAndMaterialsAreCountedInTheLibraries) {
   EXPECT_EQ(Count(circular, "200"), "-1");  // made by hand, never counted
   EXPECT_EQ(Count(circular, "300"), "1");
   SetPipe(*a_, "A", 1, 0, "Concrete", "Box - 1200x800");
-  EXPECT_EQ(Count(library::Library::GetSizesArray(*doc_, library::kCircular),
-                  "300"),
-            "0");
+  EXPECT_EQ(
+      Count(library::Library::GetSizesArray(*doc_, library::kCircular), "300"),
+      "0");
   EXPECT_EQ(Count(library::Library::GetSizesArray(*doc_, library::kBox),
                   "1200 x 800"),
             "1");
@@ -262,7 +263,8 @@ TEST_F(NodePipeData, EditsRefreshAnnotationsAndCrossings) {
   host::Entity& crossing =
       host::As<host::Entity>(doc_->ObjectIdToObject(std::stoi(crossings[0])));
   EXPECT_NEAR(core::Record::ReadRequired(crossing).Number(
-                  crossing::CrossingAnnoField::kClearance), 0.95, 1e-9);
+                  crossing::CrossingAnnoField::kClearance),
+              0.95, 1e-9);
 }
 
 TEST_F(NodePipeData, GroundLevelsComeFromTheSurfaceWherePointsLieOnIt) {

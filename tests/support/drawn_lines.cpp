@@ -21,7 +21,8 @@ std::vector<host::LwPolyline*> AddDrawnGrid(host::Document& document,
   std::uniform_int_distribution<int> percent(0, 99);
   // A square grid of n x n junctions has 2 n (n - 1) street sections.
   const int n = std::max(
-      2, static_cast<int>(std::ceil((1 + std::sqrt(1 + 2.0 * options.polylines)) / 2)));
+      2, static_cast<int>(
+             std::ceil((1 + std::sqrt(1 + 2.0 * options.polylines)) / 2)));
   document.GetLayers().Add(options.layer);
   auto junction = [&](int i, int j) {
     return std::pair<double, double>{options.origin_x + i * options.spacing,
