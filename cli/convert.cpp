@@ -123,6 +123,12 @@ ConvertResult ConvertInDocument(memhost::MemDocument& document,
     throw CommandError(
         "nothing to convert: the selection holds no line or polyline that is "
         "not already part of a network");
+  // A pipe of no length has no direction, slope or crossing station.
+  for (host::Entity* entity : selected.Entities())
+    if (host::As<host::LwPolyline>(*entity).Length() == 0)
+      throw CommandError("the polyline with the handle " + entity->Handle() +
+                         " has no length and cannot become a pipe; leave it "
+                         "out of the selection");
   Editing::CreateElementsInNetwork(document, selected, existing,
                                    options.network, result.type);
 

@@ -188,6 +188,14 @@ TEST_F(EditingCommands, ConvertRefusalsLeaveTheDrawingAsItWas) {
   Refused(
       {"convert", path_, "--network", "Sewer", "--type", "Pressure", "--all"},
       "\"Sewer\" is a Gravity network");
+  {
+    auto doc = Load();
+    doc->ModelSpace().AddLine({7, 7, 0}, {7, 7, 0}).SetLayer("Water lines");
+    dxf::SaveDrawing(*doc, path_);
+  }
+  Refused({"convert", path_, "--network", "Water", "--type", "Pressure",
+           "--layer", "Water lines"},
+          "has no length and cannot become a pipe");
 }
 
 TEST_F(EditingCommands, NodeAndPipeSetStoreTheirDataAndPassItOn) {
