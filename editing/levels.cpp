@@ -131,6 +131,19 @@ Section SectionOfFormText(std::string_view text) {
           core::NumericValue(sides[1])};
 }
 
+// The ID of a pipe's end node; the host's error when the pipe names none.
+std::string NodeIdOf(const core::Record& pipe, PipeField field,
+                     const char* end) {
+  std::vector<std::string> ids = core::ReferenceValues(pipe.Text(field));
+  if (ids.empty())
+    throw host::HostError(host::ErrorCode::kNoSuchObject,
+                          "the pipe \"" +
+                              General::EntityLabelFromCombined(
+                                  pipe.Text(PipeField::kCombinedLabel)) +
+                              "\" names no " + end + " node");
+  return ids.front();
+}
+
 void AddToSet(host::SelectionSet& set, host::Entity& entity) {
   set.AddItems({&entity});
 }
@@ -382,9 +395,8 @@ void Editing::UpdatePipeData(
 
   // Each end node takes the pipe's invert by its rule and passes it on.
   const std::string start_node =
-      core::ReferenceValues(record.Text(PipeField::kStartNodeOID)).at(0);
-  const std::string end_node =
-      core::ReferenceValues(record.Text(PipeField::kEndNodeOID)).at(0);
+      NodeIdOf(record, PipeField::kStartNodeOID, "start");
+  const std::string end_node = NodeIdOf(record, PipeField::kEndNodeOID, "end");
   UpdateConnectedNodeAtPipe(document, start_node, label, pipe_oid,
                             record.Number(PipeField::kStartInvert), rise);
   UpdateConnectedNodeAtPipe(document, end_node, label, pipe_oid,
