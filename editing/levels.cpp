@@ -354,6 +354,9 @@ void Editing::UpdatePipeData(
   const std::string units = General::GetModelUnits(document);
   host::Entity& pipe = core::EntityFromIdText(document, pipe_oid);
   core::Record record = ReadPipe(pipe);
+  const std::string start_node =
+      NodeIdOf(record, PipeField::kStartNodeOID, "start");
+  const std::string end_node = NodeIdOf(record, PipeField::kEndNodeOID, "end");
   const std::string network = General::EntityNetworkFromCombined(
       record.Text(PipeField::kCombinedLabel));
   record.SetText(
@@ -394,9 +397,6 @@ void Editing::UpdatePipeData(
   record.Write(pipe);
 
   // Each end node takes the pipe's invert by its rule and passes it on.
-  const std::string start_node =
-      NodeIdOf(record, PipeField::kStartNodeOID, "start");
-  const std::string end_node = NodeIdOf(record, PipeField::kEndNodeOID, "end");
   UpdateConnectedNodeAtPipe(document, start_node, label, pipe_oid,
                             record.Number(PipeField::kStartInvert), rise);
   UpdateConnectedNodeAtPipe(document, end_node, label, pipe_oid,
