@@ -38,3 +38,8 @@ rm -rf "$results"
 # from a sample beyond), the plan index, and GEOS's STRtree.
 echo
 build-bench/bench_crossing ${CROSSING_SIZES:-1000 2000 5000 10000 20000}
+
+# Converting drawn polylines into a network against saving the result, and
+# the documented steps one polyline at a time for the smaller sizes.
+echo
+build-bench/bench_conversion ${CONVERSION_SIZES:-1000 5000 10000}

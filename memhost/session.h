@@ -107,6 +107,8 @@ class MemSurfaces : public host::Surfaces {
   host::Surface& Item(int index) const override;
   host::Surface& Item(const std::string& name) const override;
   MemSurface& Add(std::unique_ptr<MemSurface> surface);
+  // Forgets every surface (a command that brings its own surfaces).
+  void Clear() { surfaces_.clear(); }
 
  private:
   std::vector<std::unique_ptr<MemSurface>> surfaces_;

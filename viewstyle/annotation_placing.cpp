@@ -191,8 +191,15 @@ void ViewStyle::InsertAnnotations(
 void ViewStyle::InsertAnnotationsForNewEntity(host::Document& document,
                                               host::Entity& entity,
                                               double correction_angle_for_cs) {
-  core::TextTable format =
-      GetAnnotationFormatArray(GetActiveViewStyleSettingsArray(document));
+  InsertAnnotationsForNewEntity(
+      document, entity, correction_angle_for_cs,
+      GetAnnotationFormatArray(GetActiveViewStyleSettingsArray(document)));
+}
+
+void ViewStyle::InsertAnnotationsForNewEntity(host::Document& document,
+                                              host::Entity& entity,
+                                              double correction_angle_for_cs,
+                                              const core::TextTable& format) {
   std::vector<std::string> texts =
       GetAnnotationStrings(document, entity, format);
   std::string network = General::EntityNetworkFromCombined(

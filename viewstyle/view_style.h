@@ -141,6 +141,11 @@ class ViewStyle {
   static void InsertAnnotationsForNewEntity(host::Document& document,
                                             host::Entity& entity,
                                             double correction_angle_for_cs);
+  // The same with the active style's format array already read, for a
+  // batch of new elements.
+  static void InsertAnnotationsForNewEntity(
+      host::Document& document, host::Entity& entity,
+      double correction_angle_for_cs, const core::TextTable& ar_anno_format);
   // Refreshes the annotations of the elements of an object-ID list; with
   // `update_location` they are placed anew as well.
   static void UpdateAnnotationsAfterEditing(

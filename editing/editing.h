@@ -1,0 +1,141 @@
+// Class Editing: turning drawn lines and polylines into pipes and nodes,
+// the levels and data of nodes and pipes with their matching rules, ground
+// levels from a terrain surface, and the vertex-list operations that other
+// edits build on. Everything lives in the drawing; nothing is kept between
+// calls, so the operations are static.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/text_table.h"
+#include "host/types.h"
+
+namespace kestrana::host {
+class BlockReference;
+class Document;
+class Entity;
+class LwPolyline;
+class SelectionSet;
+}  // namespace kestrana::host
+
+namespace kestrana::editing {
+
+// Node field 4 and the texts the node form passes for it.
+enum class Matching : int16_t {
+  kNone = 0,
+  kCenterlines = 1,
+  kSoffits = 2,
+  kInverts = 3,
+};
+inline constexpr char kNoMatching[] = "No Matching";
+inline constexpr char kMatchCenterlines[] = "Match Centerlines";
+inline constexpr char kMatchSoffits[] = "Match Soffits";
+inline constexpr char kMatchInverts[] = "Match Inverts";
+
+// The prompt of the conversion's on-screen selection.
+inline constexpr char kConvertPrompt[] = "Select Entities to Convert:";
+
+// Label prefixes: "P-<n>" for pipes, "N-<n>" for nodes.
+inline constexpr char kPipeLabelPrefix[] = "P-";
+inline constexpr char kNodeLabelPrefix[] = "N-";
+
+// Sides of a pipe as GetMinimumLevel names them.
+inline constexpr char kStartSide[] = "Start";
+inline constexpr char kEndSide[] = "End";
+
+class Editing {
+ public:
+  // --- Converting drawing entities into a network ------------------------
+
+  // Asks for lines and polylines on screen; answers the set
+  // "SetEntitiesToConvert" with polylines only: entities that already carry
+  // a record are dropped, lines are replaced by two-vertex polylines.
+  static host::SelectionSet& GetEntitiesToConvert(host::Document& document);
+  // Turns every polyline of the set into a pipe of the network, with nodes
+  // found or made at its ends, then builds crossings and low/high points.
+  static void CreateElementsInNetwork(
+      host::Document& document, host::SelectionSet& set_entities_to_convert,
+      bool is_existing_network, std::string_view network_name,
+      std::string_view network_type);
+  // One polyline. Nodes made here join `set_existing_nodes`; both end nodes
+  // join `set_nodes_for_low_high`.
+  static void ConvertPlIntoPipe(host::Document& document,
+                                host::LwPolyline& pipe_entity,
+                                host::SelectionSet& set_existing_nodes,
+                                std::string_view network_name,
+                                std::string_view network_type,
+                                host::SelectionSet& set_nodes_for_low_high);
+  static host::BlockReference& CreateNewNode(
+      host::Document& document, double ins_pnt_x, double ins_pnt_y,
+      std::string_view network_name, std::string_view network_type,
+      host::SelectionSet& set_existing_nodes);
+  // "P-<n>" or "N-<n>" with the smallest free number of the network and
+  // element type.
+  static std::string GetNextLabel(host::Document& document,
+                                  std::string_view network_name,
+                                  std::string_view element_type);
+  // The labels of the network's elements of that type, skipping the given
+  // object IDs; always ends with one empty entry.
+  static std::vector<std::string> GetExistingLabelsArray(
+      host::Document& document, std::string_view network_name,
+      std::string_view element_type,
+      const std::vector<std::string>& ar_elements_to_ignore_oids);
+
+  // --- Node and pipe data ------------------------------------------------
+
+  static void UpdateNodeData(host::Document& document,
+                             std::string_view node_oid, std::string_view label,
+                             double ground_level, double sump_level,
+                             std::string_view pipes_matching,
+                             host::SelectionSet& set_nodes_for_low_high);
+  // `section_size_shape` is the form's text: "Circular - 300" (the diameter
+  // after 11 characters) or "Box - 1200x800" (after 6).
+  static void UpdatePipeData(
+      host::Document& document, std::string_view pipe_oid,
+      std::string_view label, double start_invert, double end_invert,
+      std::string_view material, std::string_view section_size_shape,
+      int16_t number_of_cells, const core::TextTable& ar_circular_sizes,
+      const core::TextTable& ar_box_sizes, const core::TextTable& ar_materials,
+      host::SelectionSet& set_nodes_for_low_high);
+  // `rise` in level units.
+  static void UpdateConnectedNodeAtPipe(host::Document& document,
+                                        std::string_view node_oid,
+                                        std::string_view pipe_label,
+                                        std::string_view pipe_oid,
+                                        double invert_level, double rise);
+  // The lists are the node's reference lists of pipe IDs.
+  static void UpdateConnectedPipesAtNode(host::Document& document,
+                                         host::Entity& node_entity,
+                                         std::string_view node_label,
+                                         std::string_view pipes_at_start_oid,
+                                         std::string_view pipes_at_end_oid,
+                                         double sump_level, int16_t matching);
+  // In level units; 0 for a node without pipes.
+  static double GetLargestRise(host::Document& document,
+                               host::Entity& node_entity);
+  static double GetSumpElevation(host::Document& document,
+                                 std::string_view pipes_at_start_oids,
+                                 std::string_view pipes_atend_oids);
+  // -999 for an empty list.
+  static double GetMinimumLevel(host::Document& document,
+                                std::string_view pipes_oids,
+                                std::string_view side);
+  static void UpdateGroundLevelsFromSurface(
+      host::Document& document, const std::vector<std::string>& ar_net_names,
+      std::string_view surface_name);
+
+  // --- Vertex lists ------------------------------------------------------
+
+  // The two lists joined at their shared end point, which appears once;
+  // std::invalid_argument when they share none.
+  static std::vector<double> MergeTwoCoordinatesArrays(
+      const std::vector<double>& first_array,
+      const std::vector<double>& second_array);
+  static std::vector<double> ReversePolylineCoordinates(
+      const std::vector<double>& ar_coordinates);
+};
+
+}  // namespace kestrana::editing

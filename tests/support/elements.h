@@ -1,0 +1,24 @@
+// Reading network elements back in tests: by label, their annotation texts.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kestrana::host {
+class Document;
+class Entity;
+}  // namespace kestrana::host
+
+namespace kestrana::test {
+
+// The pipe ("Pipe") or node ("Node") of the network with that label;
+// std::runtime_error when there is none.
+host::Entity& ElementLabelled(host::Document& document,
+                              const std::string& network,
+                              const std::string& kind,
+                              const std::string& label);
+// The texts of the element's annotation, in line order; empty without one.
+std::vector<std::string> AnnotationTexts(host::Document& document,
+                                         const host::Entity& element);
+
+}  // namespace kestrana::test
