@@ -255,6 +255,11 @@ void FieldGroup::RealOr(int code, double v, double fallback) {
   f.real = v;
   f.optional = v == fallback;
 }
+void FieldGroup::RealNear(int code, double v) {
+  Field& f = Add(code, ValueType::kReal);
+  f.real = v;
+  f.approx = true;
+}
 void FieldGroup::IntOr(int code, int64_t v, int64_t fallback) {
   Field& f = Add(code, ValueType::kInt);
   f.integer = v;

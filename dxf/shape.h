@@ -105,6 +105,9 @@ class FieldGroup {
   // Left out when equal to `fallback` and absent from the original.
   void TextOr(int code, std::string_view v, std::string_view fallback);
   void RealOr(int code, double v, double fallback);
+  // A value converted on reading: close enough to the original keeps its
+  // text.
+  void RealNear(int code, double v);
   void IntOr(int code, int64_t v, int64_t fallback);
   // An angle kept in radians and written in degrees.
   void Degrees(int code, double radians, bool optional_if_zero);

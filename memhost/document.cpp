@@ -129,6 +129,15 @@ std::vector<CurvePiece> MemEntity::Pieces() const {
       "intersections with " + self.ObjectName() + " are not supported");
 }
 
+void MemEntity::CheckFlat(const Point3& normal) const {
+  if (FacingOf(normal) != Facing::kTilted) return;
+  auto& self = const_cast<MemEntity&>(*this).AsHostEntity();
+  throw HostError(ErrorCode::kNotSupported,
+                  "the " + self.EntityName() + " " + std::to_string(id_) +
+                      " lies on a tilted plane, which this system does not "
+                      "move or intersect");
+}
+
 bool MemEntity::InLayout() const {
   return owner_ != nullptr && owner_->is_layout_ &&
          dynamic_cast<const MemAttributeReference*>(this) == nullptr;
@@ -937,6 +946,7 @@ template class ObjectImpl<host::LwPolyline, MemEntity>;
 template class ObjectImpl<host::Line, MemEntity>;
 template class ObjectImpl<host::Point, MemEntity>;
 template class ObjectImpl<host::Circle, MemEntity>;
+template class ObjectImpl<host::Arc, MemEntity>;
 template class ObjectImpl<host::Ellipse, MemEntity>;
 template class ObjectImpl<host::Hatch, MemEntity>;
 template class ObjectImpl<host::Text, MemEntity>;

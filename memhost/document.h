@@ -122,6 +122,9 @@ class MemEntity : public MemObject {
   virtual std::vector<CurvePiece> Pieces() const;
   // A copy of the kind's state, not yet registered in a document.
   virtual std::unique_ptr<MemEntity> CloneState() const = 0;
+  // Raises kNotSupported for an entity on a tilted plane, which this host
+  // does not move or intersect.
+  void CheckFlat(const Point3& normal) const;
 
   // Sets the layer without checks (the file reader's way in).
   void SetLayerUnchecked(const std::string& layer);
@@ -272,6 +275,39 @@ class MemCircle final : public EntityImpl<host::Circle> {
 
   Point3 center_;
   double radius_ = 0;
+  // The plane's normal; see Facing. Tilted circles keep the centre in their
+  // plane's coordinates.
+  Point3 normal_{0, 0, 1};
+};
+
+class MemArc final : public EntityImpl<host::Arc> {
+ public:
+  std::string ObjectName() const override { return "AcDbArc"; }
+  EntityKind Kind() const override { return EntityKind::kArc; }
+  std::string EntityName() const override { return "ARC"; }
+  Point3 Center() const override;
+  void SetCenter(const Point3& p) override;
+  double Radius() const override;
+  void SetRadius(double r) override;
+  double StartAngle() const override;
+  void SetStartAngle(double angle) override;
+  double EndAngle() const override;
+  void SetEndAngle(double angle) override;
+  Point3 StartPoint() const override;
+  Point3 EndPoint() const override;
+  double Length() const override;
+
+  void Transform(const Affine& m) override;
+  void AddExtents(const Affine& m, Box2& box) const override;
+  std::vector<CurvePiece> Pieces() const override;
+  std::unique_ptr<MemEntity> CloneState() const override;
+
+  Point3 center_;
+  double radius_ = 0;
+  double start_angle_ = 0;  // radians, counter-clockwise seen from above
+  double end_angle_ = 0;
+  // As for circles; a tilted arc's angles are those of its own plane.
+  Point3 normal_{0, 0, 1};
 };
 
 class MemEllipse final : public EntityImpl<host::Ellipse> {
@@ -298,6 +334,9 @@ class MemEllipse final : public EntityImpl<host::Ellipse> {
   double ratio_ = 1;
   double start_param_ = 0;
   double end_param_ = 6.283185307179586;
+  // Centre and axis are world values whatever the plane; parameters run
+  // counter-clockwise seen from above unless the ellipse is tilted.
+  Point3 normal_{0, 0, 1};
 };
 
 class MemHatch final : public EntityImpl<host::Hatch> {
@@ -326,6 +365,8 @@ class MemHatch final : public EntityImpl<host::Hatch> {
   double pattern_scale_ = 1;
   double elevation_ = 0;
   std::vector<host::HatchLoop> loops_;
+  // As for circles: a tilted hatch keeps its boundary in its plane.
+  Point3 normal_{0, 0, 1};
 
  private:
   void AppendLoop(const std::vector<host::Entity*>& objects, int flags);
@@ -374,6 +415,10 @@ class TextImpl : public EntityImpl<Base> {
   std::string style_ = "Standard";
   double width_factor_ = 1;
   double oblique_ = 0;
+  // A text facing down (a mirrored copy) reads backwards from above: its
+  // rotation is the world angle of the baseline and its letters stand on
+  // the other side of it. Tilted texts keep their plane's values.
+  Point3 normal_{0, 0, 1};
 };
 
 class MemText final : public TextImpl<host::Text> {
@@ -465,6 +510,9 @@ class MemBlockReference final : public EntityImpl<host::BlockReference> {
   Point3 insertion_;
   double rotation_ = 0;
   double sx_ = 1, sy_ = 1, sz_ = 1;
+  // A reference facing down is held as the mirrored insert it shows (X and
+  // Z scales turned over); a tilted one keeps its plane's values.
+  Point3 normal_{0, 0, 1};
 
  private:
   friend class MemBlock;
@@ -510,6 +558,8 @@ class MemBlock final : public ObjectImpl<host::Block> {
   host::Line& AddLine(const Point3& start, const Point3& end) override;
   host::Point& AddPoint(const Point3& p) override;
   host::Circle& AddCircle(const Point3& center, double radius) override;
+  host::Arc& AddArc(const Point3& center, double radius, double start_angle,
+                    double end_angle) override;
   host::Ellipse& AddEllipse(const Point3& center, const Point3& major_axis,
                             double radius_ratio) override;
   host::Text& AddText(const std::string& text, const Point3& insertion_point,
