@@ -21,8 +21,8 @@ class CrossingSearch : public ::testing::Test {
  protected:
   void Use(const std::string& units) { doc_ = test::NewProjectDocument(units); }
 
-  host::LwPolyline& Pipe(const test::FixtureNetwork& network, PipeSpec spec) {
-    return AddPipe(*doc_, network, spec);
+  host::LwPolyline& Pipe(const test::FixtureNetwork& network, PipeSpec wanted) {
+    return AddPipe(*doc_, network, wanted);
   }
   host::SelectionSet& Set(std::vector<host::Entity*> pipes) {
     host::SelectionSet& set = General::InitializeSelectionSet(*doc_, "Test");

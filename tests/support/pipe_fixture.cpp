@@ -49,40 +49,40 @@ FixtureNetwork AddFixtureNetwork(host::Document& document,
 
 host::BlockReference& AddNode(host::Document& document,
                               const FixtureNetwork& network,
-                              const NodeSpec& spec) {
+                              const NodeSpec& wanted) {
   core::General::CreateStandardBlock(document, "Node");
   host::BlockReference& node = document.ModelSpace().InsertBlock(
-      {spec.x, spec.y, 0}, core::kNodeBlock, 1, 1, 1, 0);
+      {wanted.x, wanted.y, 0}, core::kNodeBlock, 1, 1, 1, 0);
   PutOnNetworkLayer(document, node, network);
   core::Record record = core::Record::WithCodes(core::kNodeRecordCodes);
   record.SetText(
       NodeField::kCombinedLabel,
-      std::string(core::kNodeKind) + ";" + network.name + ";" + spec.label);
+      std::string(core::kNodeKind) + ";" + network.name + ";" + wanted.label);
   record.SetText(NodeField::kElementType, network.type + core::kNodeKind);
   record.SetInt16(NodeField::kMatching,
                   static_cast<int16_t>(network.type == core::kPressure));
-  record.SetReal(NodeField::kGroundLevel, spec.ground);
-  record.SetReal(NodeField::kSumpLevel, spec.sump);
+  record.SetReal(NodeField::kGroundLevel, wanted.ground);
+  record.SetReal(NodeField::kSumpLevel, wanted.sump);
   record.Write(node);
   return node;
 }
 
 host::LwPolyline& AddPipe(host::Document& document,
-                          const FixtureNetwork& network, const PipeSpec& spec) {
+                          const FixtureNetwork& network, const PipeSpec& wanted) {
   host::LwPolyline& pipe =
-      document.ModelSpace().AddLightWeightPolyline(spec.xy);
+      document.ModelSpace().AddLightWeightPolyline(wanted.xy);
   PutOnNetworkLayer(document, pipe, network);
   core::Record record = core::Record::WithCodes(core::kPipeRecordCodes);
   record.SetText(
       PipeField::kCombinedLabel,
-      std::string(core::kPipeKind) + ";" + network.name + ";" + spec.label);
+      std::string(core::kPipeKind) + ";" + network.name + ";" + wanted.label);
   record.SetText(PipeField::kElementType, network.type + core::kPipeKind);
-  record.SetText(PipeField::kSectionShape, spec.shape);
-  record.SetReal(PipeField::kSpan, spec.span);
-  record.SetReal(PipeField::kRise, spec.rise);
-  record.SetInt16(PipeField::kNumCells, static_cast<int16_t>(spec.cells));
-  record.SetReal(PipeField::kStartInvert, spec.start_invert);
-  record.SetReal(PipeField::kEndInvert, spec.end_invert);
+  record.SetText(PipeField::kSectionShape, wanted.shape);
+  record.SetReal(PipeField::kSpan, wanted.span);
+  record.SetReal(PipeField::kRise, wanted.rise);
+  record.SetInt16(PipeField::kNumCells, static_cast<int16_t>(wanted.cells));
+  record.SetReal(PipeField::kStartInvert, wanted.start_invert);
+  record.SetReal(PipeField::kEndInvert, wanted.end_invert);
   record.SetText(PipeField::kMaterial, "PVC");
   auto link = [&](host::BlockReference* node, PipeField label_field,
                   PipeField id_field) {
@@ -91,15 +91,15 @@ host::LwPolyline& AddPipe(host::Document& document,
     record.SetText(id_field,
                    core::ReferenceEntry(core::IdText(node->ObjectID())));
   };
-  link(spec.start_node, PipeField::kStartNodeLabel, PipeField::kStartNodeOID);
-  link(spec.end_node, PipeField::kEndNodeLabel, PipeField::kEndNodeOID);
+  link(wanted.start_node, PipeField::kStartNodeLabel, PipeField::kStartNodeOID);
+  link(wanted.end_node, PipeField::kEndNodeLabel, PipeField::kEndNodeOID);
   record.Write(pipe);
-  if (spec.start_node != nullptr)
-    AppendLink(*spec.start_node, NodeField::kPipesAtStartLabels,
-               NodeField::kPipesAtStartOID, spec.label, pipe.ObjectID());
-  if (spec.end_node != nullptr)
-    AppendLink(*spec.end_node, NodeField::kPipesAtEndLabels,
-               NodeField::kPipesAtEndOID, spec.label, pipe.ObjectID());
+  if (wanted.start_node != nullptr)
+    AppendLink(*wanted.start_node, NodeField::kPipesAtStartLabels,
+               NodeField::kPipesAtStartOID, wanted.label, pipe.ObjectID());
+  if (wanted.end_node != nullptr)
+    AppendLink(*wanted.end_node, NodeField::kPipesAtEndLabels,
+               NodeField::kPipesAtEndOID, wanted.label, pipe.ObjectID());
   return pipe;
 }
 
@@ -109,17 +109,17 @@ host::LwPolyline& ConnectNodes(host::Document& document,
                                host::BlockReference& from,
                                host::BlockReference& to) {
   const host::Point3 a = from.InsertionPoint(), b = to.InsertionPoint();
-  PipeSpec spec;
-  spec.label = label;
-  spec.xy = {a.x, a.y, b.x, b.y};
-  spec.start_node = &from;
-  spec.end_node = &to;
+  PipeSpec wanted;
+  wanted.label = label;
+  wanted.xy = {a.x, a.y, b.x, b.y};
+  wanted.start_node = &from;
+  wanted.end_node = &to;
   // Inverts at the nodes' sumps, as matched levels would leave them.
-  spec.start_invert =
+  wanted.start_invert =
       core::Record::ReadRequired(from).Number(NodeField::kSumpLevel);
-  spec.end_invert =
+  wanted.end_invert =
       core::Record::ReadRequired(to).Number(NodeField::kSumpLevel);
-  return AddPipe(document, network, spec);
+  return AddPipe(document, network, wanted);
 }
 
 }  // namespace kestrana::test

@@ -34,7 +34,7 @@ struct NodeSpec {
 // A "Kestrana_Node" insert with its record and no pipes yet.
 host::BlockReference& AddNode(host::Document& document,
                               const FixtureNetwork& network,
-                              const NodeSpec& spec);
+                              const NodeSpec& wanted);
 
 struct PipeSpec {
   std::string label;
@@ -49,7 +49,7 @@ struct PipeSpec {
 };
 
 host::LwPolyline& AddPipe(host::Document& document,
-                          const FixtureNetwork& network, const PipeSpec& spec);
+                          const FixtureNetwork& network, const PipeSpec& wanted);
 
 // A straight pipe from one node to another, linked at both ends, its
 // inverts at the nodes' sump levels.

@@ -11,31 +11,31 @@
 namespace kestrana::test {
 
 host::BlockReference& AddProfileBlock(host::Document& document,
-                                      const ProfileSpec& spec) {
+                                      const ProfileSpec& wanted) {
   const std::string block_name = std::string(profile::kProfileBlockPrefix) +
-                                 spec.network + "_" + spec.name;
+                                 wanted.network + "_" + wanted.name;
   host::Block& block =
       core::General::InitializeBlockDefinition(document, block_name);
-  const double w = spec.width, h = spec.height;
+  const double w = wanted.width, h = wanted.height;
   block.AddLightWeightPolyline({0, 0, w, 0, w, h, 0, h}).SetClosed(true);
   host::BlockReference& reference = document.ModelSpace().InsertBlock(
-      {spec.x, spec.y, 0}, block_name, 1, 1, 1, 0);
+      {wanted.x, wanted.y, 0}, block_name, 1, 1, 1, 0);
 
   profile::ProfileInputs inputs;
-  inputs.profile_name = spec.name;
-  inputs.network_name = spec.network;
-  inputs.network_type = spec.network_type;
-  inputs.style_name = spec.style;
-  inputs.insertion_point = {spec.x, spec.y, 0};
-  for (size_t i = 0; i < spec.pipes.size(); ++i) {
-    const host::LwPolyline& pipe = *spec.pipes[i];
+  inputs.profile_name = wanted.name;
+  inputs.network_name = wanted.network;
+  inputs.network_type = wanted.network_type;
+  inputs.style_name = wanted.style;
+  inputs.insertion_point = {wanted.x, wanted.y, 0};
+  for (size_t i = 0; i < wanted.pipes.size(); ++i) {
+    const host::LwPolyline& pipe = *wanted.pipes[i];
     inputs.pipes.labels +=
         core::ReferenceEntry(core::General::EntityLabelFromCombined(
             core::Record::ReadRequired(pipe).Text(
                 core::PipeField::kCombinedLabel)));
     inputs.pipes.oids += core::ReferenceEntry(core::IdText(pipe.ObjectID()));
     inputs.pipes.directions +=
-        ";" + (i < spec.directions.size() ? spec.directions[i] : "0");
+        ";" + (i < wanted.directions.size() ? wanted.directions[i] : "0");
   }
   profile::Profile::BuildProfileBlockXData(document, inputs, reference,
                                            nullptr);

@@ -28,6 +28,6 @@ struct ProfileSpec {
 // The drawing must hold the style (a project made by CreateProjectRecord has
 // "Standard").
 host::BlockReference& AddProfileBlock(host::Document& document,
-                                      const ProfileSpec& spec);
+                                      const ProfileSpec& wanted);
 
 }  // namespace kestrana::test

@@ -68,16 +68,16 @@ void AddRandomNetworks(host::Document& document,
         AddFixtureNetwork(document, options.networks[n],
                           n % 2 ? core::kPressure : core::kGravity);
     for (int i = 0; i < options.pipes_per_network; ++i) {
-      PipeSpec spec;
-      spec.label = "P-" + std::to_string(++label);
-      spec.xy = options.adversarial ? AwkwardPipe(random)
+      PipeSpec wanted;
+      wanted.label = "P-" + std::to_string(++label);
+      wanted.xy = options.adversarial ? AwkwardPipe(random)
                                     : ScatteredPipe(random, side);
       if (i < options.zero_length_pipes)
-        spec.xy = {spec.xy[0], spec.xy[1], spec.xy[0], spec.xy[1]};
-      spec.start_invert = invert(random);
-      spec.end_invert = invert(random);
-      spec.span = spec.rise = 100.0 * size_step(random);
-      AddPipe(document, network, spec);
+        wanted.xy = {wanted.xy[0], wanted.xy[1], wanted.xy[0], wanted.xy[1]};
+      wanted.start_invert = invert(random);
+      wanted.end_invert = invert(random);
+      wanted.span = wanted.rise = 100.0 * size_step(random);
+      AddPipe(document, network, wanted);
     }
   }
 }
