@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "host/host.h"
+#include "memhost/flat_map.h"
 #include "memhost/geometry.h"
 #include "memhost/session.h"
 
@@ -32,6 +33,7 @@ using host::XRecord;
 class MemBlock;
 class MemDocument;
 class MemBlockReference;
+class MemEntity;
 
 enum class IdPolicy { kFromHandle, kFresh };
 
@@ -41,11 +43,26 @@ struct Options {
   uint32_t fresh_seed = 0;
 };
 
+// Extended data read from a file and parsed on first use: loading and
+// saving a drawing then builds no records that nobody reads.
+class XDataSource {
+ public:
+  virtual ~XDataSource() = default;
+  // The records that start at `at` (a position in the source's own terms)
+  // on line `line`.
+  virtual std::vector<XRecord> Parse(uint64_t at, uint32_t line) const = 0;
+};
+// The application of each record, in order; objects whose records name
+// the same applications share one list.
+using XDataApps = std::shared_ptr<const std::vector<std::string>>;
+
 // State of every database object.
 class MemObject {
  public:
   virtual ~MemObject() = default;
   virtual host::Object& AsHostObject() = 0;
+  // The entity this object is, or nullptr (cheaper than a dynamic_cast).
+  virtual MemEntity* AsMemEntity() { return nullptr; }
 
   MemDocument& Doc() const { return *doc_; }
   uint64_t HandleValue() const { return handle_; }
@@ -53,9 +70,38 @@ class MemObject {
   bool IsErased() const { return erased_; }
   // Creation order; drawing order within a block.
   uint64_t Sequence() const { return seq_; }
-  const std::vector<XRecord>& XData() const { return xdata_; }
+  const std::vector<XRecord>& XData() const {
+    if (pending_source_) ParsePendingXData();
+    return xdata_;
+  }
+  // Counts the changes to the extended data (copies carry it along), so
+  // that the file layer can tell unchanged records without comparing them.
+  uint32_t XDataVersion() const { return xdata_version_; }
   // Replaces all extended data without checks (the file reader's way in).
   void SetAllXData(std::vector<XRecord> records);
+  // The same, parsed from `source` when first used; the applications
+  // count at once.
+  void SetPendingXData(std::shared_ptr<const XDataSource> source,
+                       XDataApps apps, uint64_t at, uint32_t line);
+  // Calls `f(app)` for the application of each record, in order, without
+  // parsing pending data.
+  template <class F>
+  void ForEachXDataApp(F&& f) const {
+    if (pending_source_) {
+      for (const std::string& app : *pending_apps_) f(app);
+    } else {
+      for (const XRecord& r : xdata_) f(r[0].value.Text());
+    }
+  }
+  // Whether a record of an application matches `test(app)`, without
+  // parsing pending data.
+  template <class F>
+  bool AnyXDataApp(F&& test) const {
+    bool found = false;
+    ForEachXDataApp(
+        [&](const std::string& app) { found = found || test(app); });
+    return found;
+  }
 
   // What the file layer keeps of the object to write it back as read.
   std::any file_data;
@@ -70,13 +116,20 @@ class MemObject {
   std::optional<XRecord> FindXData(const std::string& app) const;
   void StoreXData(const XRecord& record);
   std::string Describe() const;
+  void ParsePendingXData() const;
 
   MemDocument* doc_ = nullptr;
   uint64_t handle_ = 0;
   ObjectId id_ = 0;
   bool erased_ = false;
   uint64_t seq_ = 0;
-  std::vector<XRecord> xdata_;
+  // Parsed records; empty while pending_source_ holds them unparsed.
+  mutable std::vector<XRecord> xdata_;
+  mutable std::shared_ptr<const XDataSource> pending_source_;
+  mutable XDataApps pending_apps_;
+  uint64_t pending_at_ = 0;
+  uint32_t pending_line_ = 0;
+  uint32_t xdata_version_ = 0;
 };
 
 // Implements host::Object for a host base class.
@@ -98,7 +151,7 @@ class ObjectImpl : public Base, public State {
   void SetXData(const XRecord& record) override;
   std::vector<XRecord> GetAllXData() const override {
     this->CheckAlive();
-    return this->xdata_;
+    return this->XData();
   }
 
  protected:
@@ -110,6 +163,13 @@ class ObjectImpl : public Base, public State {
 class MemEntity : public MemObject {
  public:
   virtual host::Entity& AsHostEntity() = 0;
+  MemEntity* AsMemEntity() override { return this; }
+  EntityKind KindOf() const {
+    return const_cast<MemEntity*>(this)->AsHostEntity().Kind();
+  }
+  // This entity as a block reference, or nullptr.
+  MemBlockReference* AsBlockReference();
+  const MemBlockReference* AsBlockReference() const;
   MemBlock& Owner() const { return *owner_; }
   const std::string& LayerName() const { return layer_; }
   // True when the entity sits in model or paper space (selectable).
@@ -520,6 +580,15 @@ class MemBlockReference final : public EntityImpl<host::BlockReference> {
   std::vector<MemAttributeReference*> attributes_;
 };
 
+inline MemBlockReference* MemEntity::AsBlockReference() {
+  return KindOf() == EntityKind::kBlockReference
+             ? static_cast<MemBlockReference*>(this)
+             : nullptr;
+}
+inline const MemBlockReference* MemEntity::AsBlockReference() const {
+  return const_cast<MemEntity*>(this)->AsBlockReference();
+}
+
 // An entity kind the system does not model; kept for the file layer.
 class MemOtherEntity final : public EntityImpl<host::OtherEntity> {
  public:
@@ -737,6 +806,34 @@ class MemUtility final : public host::Utility {
   MemDocument& doc_;
 };
 
+// Entities in creation order, for one index key. New entities are the
+// youngest, so adding is mostly appending; erased ones are skipped and
+// dropped once they make up half of the list.
+class SequenceIndex {
+ public:
+  // Adds `e` unless it is there.
+  void Add(MemEntity* e);
+  void Remove(MemEntity* e);
+  // Live and erased entries (an upper bound of the live ones).
+  size_t Size() const { return items_.size(); }
+  // The live entities in order.
+  template <class F>
+  void ForEach(F&& f) const {
+    size_t erased = 0;
+    for (MemEntity* e : items_) {
+      if (e->IsErased())
+        ++erased;
+      else
+        f(e);
+    }
+    if (erased > 0 && erased * 2 >= items_.size()) Compact();
+  }
+
+ private:
+  void Compact() const;
+  mutable std::vector<MemEntity*> items_;
+};
+
 class MemDocument final : public host::Document {
  public:
   explicit MemDocument(std::shared_ptr<MemApplication> app = nullptr,
@@ -846,8 +943,9 @@ class MemDocument final : public host::Document {
   Options options_;
   std::string name_ = "Drawing";
   std::vector<std::unique_ptr<MemObject>> objects_;
-  std::unordered_map<ObjectId, MemObject*> by_id_;
-  std::unordered_map<uint64_t, MemObject*> by_handle_;
+  FlatMap<ObjectId, MemObject*> by_id_;
+  // A handle may be taken by nothing of the model (a null entry).
+  FlatMap<uint64_t, MemObject*> by_handle_;
   std::vector<MemBlock*> blocks_;
   std::vector<MemLayer*> layers_;
   std::vector<MemTextStyle*> styles_;
@@ -867,10 +965,10 @@ class MemDocument final : public host::Document {
   int loading_ = 0;
   // Indexes of selectable entities (in layouts): all, by upper-case
   // application name, entity type and block name; ordered by sequence.
-  std::map<uint64_t, MemEntity*> selectable_;
-  std::unordered_map<std::string, std::map<uint64_t, MemEntity*>> by_app_;
-  std::unordered_map<std::string, std::map<uint64_t, MemEntity*>> by_type_;
-  std::unordered_map<std::string, std::map<uint64_t, MemEntity*>> by_block_;
+  SequenceIndex selectable_;
+  std::unordered_map<std::string, SequenceIndex> by_app_;
+  std::unordered_map<std::string, SequenceIndex> by_type_;
+  std::unordered_map<std::string, SequenceIndex> by_block_;
 };
 
 }  // namespace kestrana::memhost

@@ -109,7 +109,7 @@ void EntityImpl<Base>::SetTrueColor(int color_index) {
 template <class Base>
 void EntityImpl<Base>::Delete() {
   this->CheckWritable();
-  if (auto* ref = dynamic_cast<MemBlockReference*>(this))
+  if (auto* ref = this->AsBlockReference())
     for (MemAttributeReference* a : ref->Attributes())
       if (!a->IsErased()) {
         a->erased_ = true;
@@ -117,7 +117,8 @@ void EntityImpl<Base>::Delete() {
       }
   this->doc_->OnErased(*this);
   this->erased_ = true;
-  if (this->owner_ != nullptr && !dynamic_cast<MemAttributeReference*>(this))
+  if (this->owner_ != nullptr &&
+      this->Kind() != EntityKind::kAttributeReference)
     ++this->owner_->erased_count_;
 }
 
@@ -175,8 +176,8 @@ host::Entity& EntityImpl<Base>::Copy() const {
       attr.owner_ = this->owner_;
       new_ref.AttachAttribute(attr);
       this->doc_->OnLayerChanged(attr, "", attr.layer_);
-      for (const auto& r : attr.XData())
-        this->doc_->RegisterApp(r[0].value.Text());
+      attr.ForEachXDataApp(
+          [&](const std::string& app) { this->doc_->RegisterApp(app); });
     }
   }
   return copy.AsHostEntity();
@@ -1155,7 +1156,7 @@ MemAttributeReference& MemBlockReference::AdoptAttribute(
   if (doc_->FindLayer(a.layer_) == nullptr) doc_->AddLayer(a.layer_);
   AttachAttribute(a);
   doc_->OnLayerChanged(a, "", a.layer_);
-  for (const auto& r : a.XData()) doc_->RegisterApp(r[0].value.Text());
+  a.ForEachXDataApp([&](const std::string& app) { doc_->RegisterApp(app); });
   return a;
 }
 
@@ -1269,7 +1270,7 @@ void MemBlock::Delete() {
                     "the layout block \"" + name_ + "\" cannot be deleted");
   for (MemBlock* b : doc_->BlockList())
     for (MemEntity* e : b->MemEntities())
-      if (auto* ref = dynamic_cast<MemBlockReference*>(e))
+      if (auto* ref = e->AsBlockReference())
         if (doc_->FindBlock(ref->block_name_) == this)
           throw HostError(ErrorCode::kInUse,
                           "block \"" + name_ + "\" is inserted in the drawing");
@@ -1293,7 +1294,7 @@ MemEntity& MemBlock::Adopt(std::unique_ptr<MemEntity> entity, uint64_t handle) {
   if (layer == nullptr) layer = &doc_->AddLayer(e.layer_);
   e.layer_ = layer->name_;
   ++layer->use_count_;
-  for (const auto& r : e.XData()) doc_->RegisterApp(r[0].value.Text());
+  e.ForEachXDataApp([&](const std::string& app) { doc_->RegisterApp(app); });
   entities_.push_back(&e);
   doc_->IndexEntity(e);
   return e;
