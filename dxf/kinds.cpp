@@ -1,5 +1,6 @@
 #include "dxf/kinds.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace kestrana::dxf {
@@ -247,8 +248,12 @@ std::unique_ptr<MemEntity> ReadLwPolyline(const Shape& s, ReadContext&) {
     switch (t.code) {
       case 90: {
         int64_t n = IntValue(t);
-        declared = n > 0 && n < (1 << 24) ? static_cast<size_t>(n) : 0;
+        // Each vertex takes two tags at least: no more room than that.
+        declared =
+            n > 0 ? std::min(static_cast<size_t>(n), s.tags.size() / 2) : 0;
         e->xy_.reserve(declared * 2);
+        e->bulges_.reserve(declared);
+        e->widths_.reserve(declared);
         break;
       }
       case 70:
@@ -1066,18 +1071,23 @@ std::unique_ptr<MemEntity> ReadOther(const Shape& s) {
   return e;
 }
 
+using host::EntityKind;
 const EntityCodec kCodecs[] = {
-    {"LINE", ReadLine, LineFields, LineHash},
-    {"LWPOLYLINE", ReadLwPolyline, LwPolylineFields, LwPolylineHash},
-    {"POINT", ReadPoint, PointFields, PointHash},
-    {"TEXT", ReadText, TextFields, TextHash},
-    {"CIRCLE", ReadCircle, CircleFields, CircleHash},
-    {"ARC", ReadArc, ArcFields, ArcHash},
-    {"ELLIPSE", ReadEllipse, EllipseFields, EllipseHash},
-    {"HATCH", ReadHatch, HatchFields, HatchHash},
-    {"INSERT", ReadInsert, InsertFields, InsertHash},
-    {"ATTRIB", ReadAttrib, AttribFields, AttribHash},
-    {"ATTDEF", ReadAttdef, AttdefFields, AttdefHash},
+    {"LINE", EntityKind::kLine, ReadLine, LineFields, LineHash},
+    {"LWPOLYLINE", EntityKind::kLwPolyline, ReadLwPolyline, LwPolylineFields,
+     LwPolylineHash},
+    {"POINT", EntityKind::kPoint, ReadPoint, PointFields, PointHash},
+    {"TEXT", EntityKind::kText, ReadText, TextFields, TextHash},
+    {"CIRCLE", EntityKind::kCircle, ReadCircle, CircleFields, CircleHash},
+    {"ARC", EntityKind::kArc, ReadArc, ArcFields, ArcHash},
+    {"ELLIPSE", EntityKind::kEllipse, ReadEllipse, EllipseFields, EllipseHash},
+    {"HATCH", EntityKind::kHatch, ReadHatch, HatchFields, HatchHash},
+    {"INSERT", EntityKind::kBlockReference, ReadInsert, InsertFields,
+     InsertHash},
+    {"ATTRIB", EntityKind::kAttributeReference, ReadAttrib, AttribFields,
+     AttribHash},
+    {"ATTDEF", EntityKind::kAttributeDefinition, ReadAttdef, AttdefFields,
+     AttdefHash},
 };
 
 }  // namespace
@@ -1142,23 +1152,44 @@ std::unique_ptr<MemEntity> ReadEntityOfShape(const Shape& s, ReadContext& ctx,
   return e;
 }
 
-void ApplyXData(const Shape& shape, memhost::MemObject& obj,
-                const TextCodec& codec) {
-  if (shape.xdata_begin < shape.tags.size())
-    obj.SetAllXData(ParseXData(shape, codec));
+FileXData::FileXData(std::shared_ptr<const std::string> file,
+                     const TextCodec& codec)
+    : file_(std::move(file)), codec_(codec) {}
+
+std::vector<host::XRecord> FileXData::Parse(uint64_t at, uint32_t line) const {
+  return ParseXDataText(*file_, at, line, codec_);
 }
+
+void FileXData::Apply(const Shape& shape, memhost::MemObject& obj) {
+  if (shape.xdata_begin == shape.tags.size()) return;
+  std::vector<std::string> apps = CheckXData(shape, codec_);
+  // Most objects name the same applications: one list for all of them.
+  if (last_apps_ == nullptr || *last_apps_ != apps)
+    last_apps_ =
+        std::make_shared<const std::vector<std::string>>(std::move(apps));
+  const Tag& first = shape.tags[shape.xdata_begin];
+  obj.SetPendingXData(shared_from_this(), last_apps_, first.offset, first.line);
+}
+
+namespace {
+
+// The codec of a modelled entity, found by its kind.
+const EntityCodec* CodecOf(const MemEntity& e) {
+  host::EntityKind kind = e.KindOf();
+  for (const EntityCodec& c : kCodecs)
+    if (c.kind == kind) return &c;
+  return nullptr;
+}
+
+}  // namespace
 
 uint64_t EntityHash(const MemEntity& e) {
   Hasher h;
-  auto& he = const_cast<MemEntity&>(e).AsHostEntity();
-  std::string type = he.EntityName();
-  h.Add(std::string_view(type));
+  h.Add(static_cast<int64_t>(e.KindOf()));
   h.Add(std::string_view(e.LayerName()));
   h.Add(static_cast<int64_t>(e.color_));
   h.Add(e.visible_);
-  h.Add(e.XData());
-  if (he.Kind() != host::EntityKind::kOther)
-    if (const EntityCodec* codec = FindEntityCodec(type)) codec->hash(e, h);
+  if (const EntityCodec* codec = CodecOf(e)) codec->hash(e, h);
   return h.Value();
 }
 
@@ -1168,11 +1199,8 @@ void EntityPlan(MemEntity& e, const WriteContext& ctx, WritePlan& plan) {
   common.Text(8, e.LayerName());
   common.IntOr(62, e.color_, host::color::kByLayer);
   common.IntOr(60, e.visible_ ? 0 : 1, 0);
-  host::Entity& he = e.AsHostEntity();
-  if (he.Kind() != host::EntityKind::kOther)
-    if (const EntityCodec* codec = FindEntityCodec(he.EntityName()))
-      codec->fields(e, ctx, plan);
-  plan.xdata = &e.XData();
+  if (const EntityCodec* codec = CodecOf(e)) codec->fields(e, ctx, plan);
+  PlanXData(e, plan);
 }
 
 }  // namespace kestrana::dxf

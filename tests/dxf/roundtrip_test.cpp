@@ -263,6 +263,43 @@ TEST(RoundTrip, AnUnchangedDrawingWritesBackByteForByte) {
   }
 }
 
+TEST(RoundTrip, RecordsReadAreTheSameWhetherUsedCopiedOrRewritten) {
+  // Records are parsed from the file's text when first used: reading them,
+  // copying their entities, selecting by them and setting them again must
+  // all behave as if they had been parsed at once.
+  MemDocument original;
+  auto& first = original.ModelSpace().AddLightWeightPolyline({0, 0, 1, 1});
+  first.SetXData(AllKinds("Kestrana"));
+  first.SetXData(AllKinds("OtherApp"));
+  auto& second = original.ModelSpace().AddLine({0, 0, 0}, {2, 2, 0});
+  second.SetXData(AllKinds("Kestrana"));
+  std::string text = WriteDxf(original);
+
+  auto doc = Read(text);
+  auto& pipe = Only<memhost::MemLwPolyline>(*doc, "LWPOLYLINE");
+  auto& line = Only<memhost::MemLine>(*doc, "LINE");
+  // Selected by application and by value before anything was parsed.
+  EXPECT_EQ(doc->SelectAll({{1001, "OTHERAPP"}}).size(), 1u);
+  EXPECT_EQ(
+      doc->SelectAll({{1001, "Kestrana"}, {1070, int16_t{-32768}}}).size(), 2u);
+  // Reading or setting the same records again changes nothing written.
+  EXPECT_EQ(line.GetXData("Kestrana"), AllKinds("Kestrana"));
+  line.SetXData(AllKinds("Kestrana"));
+  EXPECT_EQ(WriteDxf(*doc), text);
+  // Copies carry the records; a changed record is written from its state
+  // while the copy keeps the old one.
+  auto& copy2 = pipe.Copy();
+  EXPECT_EQ(copy2.GetAllXData(), first.GetAllXData());
+  pipe.SetXData({{1001, "Kestrana"}, {1000, "changed"}});
+  auto back = Read(WriteDxf(*doc));
+  EXPECT_EQ(back->HandleToObject(pipe.Handle()).GetXData("Kestrana"),
+            (XRecord{{1001, "Kestrana"}, {1000, "changed"}}));
+  EXPECT_EQ(back->HandleToObject(pipe.Handle()).GetXData("OtherApp"),
+            AllKinds("OtherApp"));
+  EXPECT_EQ(back->HandleToObject(copy2.Handle()).GetXData("Kestrana"),
+            AllKinds("Kestrana"));
+}
+
 // A LINE as another program writes it: codes the model ignores, texts
 // in a format of its own.
 const char* kForeignEntities =
