@@ -12,11 +12,22 @@ namespace {
 
 constexpr double kDegree = 3.14159265358979323846 / 180.0;
 
-// Calls `f(marker, tag)` for every body tag outside the AcDbEntity group.
+using Markers = std::initializer_list<std::string_view>;
+
+// Calls `f(marker, tag)` for every tag of the subclass groups `markers`,
+// the groups the kind writes: data in groups of other names (embedded
+// objects, subclasses of other programs) stays as read. A file without
+// subclass markers gives its whole body; empty `markers` every group but
+// AcDbEntity.
 template <class F>
-void ForBody(const Shape& s, F&& f) {
+void ForBody(const Shape& s, Markers markers, F&& f) {
   for (const Shape::Group& g : s.groups) {
-    if (s.has_markers && g.marker == "AcDbEntity") continue;
+    if (s.has_markers) {
+      if (g.marker == "AcDbEntity") continue;
+      if (markers.size() > 0 &&
+          std::find(markers.begin(), markers.end(), g.marker) == markers.end())
+        continue;
+    }
     for (size_t i = g.begin; i < g.end; ++i) f(g.marker, s.tags[i]);
   }
 }
@@ -80,7 +91,7 @@ int64_t OriginalInt(const Shape* original, std::string_view marker, int code,
 
 std::unique_ptr<MemEntity> ReadLine(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemLine>();
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbLine"}, [&](std::string_view, const Tag& t) {
     if (IsCoord(t.code, 10))
       SetCoord(e->start_, t, 10);
     else if (IsCoord(t.code, 11))
@@ -104,7 +115,7 @@ void LineHash(const MemEntity& me, Hasher& h) {
 
 std::unique_ptr<MemEntity> ReadPoint(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemPoint>();
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbPoint"}, [&](std::string_view, const Tag& t) {
     if (IsCoord(t.code, 10)) SetCoord(e->position_, t, 10);
   });
   return e;
@@ -122,7 +133,7 @@ void PointHash(const MemEntity& me, Hasher& h) {
 // The AcDbCircle part shared by the two kinds.
 template <class T>
 void ReadCirclePart(const Shape& s, T& e) {
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbCircle"}, [&](std::string_view, const Tag& t) {
     if (IsCoord(t.code, 10))
       SetCoord(e.center_, t, 10);
     else if (t.code == 40)
@@ -158,7 +169,7 @@ void CircleHash(const MemEntity& me, Hasher& h) {
 std::unique_ptr<MemEntity> ReadArc(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemArc>();
   ReadCirclePart(s, *e);
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbArc"}, [&](std::string_view, const Tag& t) {
     if (t.code == 50)
       e->start_angle_ = RealValue(t) * kDegree;
     else if (t.code == 51)
@@ -194,7 +205,7 @@ void ArcHash(const MemEntity& me, Hasher& h) {
 
 std::unique_ptr<MemEntity> ReadEllipse(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemEllipse>();
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbEllipse"}, [&](std::string_view, const Tag& t) {
     if (IsCoord(t.code, 10))
       SetCoord(e->center_, t, 10);
     else if (IsCoord(t.code, 11))
@@ -244,7 +255,7 @@ std::unique_ptr<MemEntity> ReadLwPolyline(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemLwPolyline>();
   size_t declared = 0;
   std::vector<bool> has_width;
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbPolyline"}, [&](std::string_view, const Tag& t) {
     switch (t.code) {
       case 90: {
         int64_t n = IntValue(t);
@@ -341,10 +352,11 @@ void LwPolylineHash(const MemEntity& me, Hasher& h) {
 // Reads the AcDbText part shared by the three kinds; `vertical_code` is 73
 // for TEXT and 74 for attributes.
 template <class T>
-void ReadTextPart(const Shape& s, ReadContext& ctx, T& e, int vertical_code) {
+void ReadTextPart(const Shape& s, ReadContext& ctx, T& e, Markers markers,
+                  int vertical_code) {
   int h = 0, v = 0;
   bool has_alignment_point = false;
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, markers, [&](std::string_view, const Tag& t) {
     if (IsCoord(t.code, 10)) {
       SetCoord(e.insertion_, t, 10);
     } else if (IsCoord(t.code, 11)) {
@@ -426,7 +438,7 @@ int VerticalCode(host::TextAlignment a) {
 
 std::unique_ptr<MemEntity> ReadText(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<memhost::MemText>();
-  ReadTextPart(s, ctx, *e, 73);
+  ReadTextPart(s, ctx, *e, {"AcDbText"}, 73);
   return e;
 }
 void TextFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
@@ -440,9 +452,8 @@ void TextHash(const MemEntity& me, Hasher& h) {
 
 std::unique_ptr<MemEntity> ReadAttrib(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<memhost::MemAttributeReference>();
-  ReadTextPart(s, ctx, *e, 74);
-  ForBody(s, [&](std::string_view marker, const Tag& t) {
-    if (marker != "AcDbAttribute" && s.has_markers) return;
+  ReadTextPart(s, ctx, *e, {"AcDbText", "AcDbAttribute"}, 74);
+  ForBody(s, {"AcDbAttribute"}, [&](std::string_view, const Tag& t) {
     if (t.code == 2)
       e->tag_ = ctx.codec.Decode(t.value);
     else if (t.code == 70)
@@ -468,9 +479,8 @@ void AttribHash(const MemEntity& me, Hasher& h) {
 
 std::unique_ptr<MemEntity> ReadAttdef(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<memhost::MemAttributeDefinition>();
-  ReadTextPart(s, ctx, *e, 74);
-  ForBody(s, [&](std::string_view marker, const Tag& t) {
-    if (marker != "AcDbAttributeDefinition" && s.has_markers) return;
+  ReadTextPart(s, ctx, *e, {"AcDbText", "AcDbAttributeDefinition"}, 74);
+  ForBody(s, {"AcDbAttributeDefinition"}, [&](std::string_view, const Tag& t) {
     if (t.code == 2)
       e->tag_ = ctx.codec.Decode(t.value);
     else if (t.code == 3)
@@ -502,7 +512,7 @@ void AttdefHash(const MemEntity& me, Hasher& h) {
 
 std::unique_ptr<MemEntity> ReadInsert(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<memhost::MemBlockReference>();
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbBlockReference"}, [&](std::string_view, const Tag& t) {
     if (t.code == 2)
       e->block_name_ = ctx.codec.Decode(t.value);
     else if (IsCoord(t.code, 10))
@@ -1056,7 +1066,7 @@ std::unique_ptr<MemEntity> ReadOther(const Shape& s) {
                                                      std::move(object_name));
   // Points that stand for the extent: every X/Y pair of codes 10 to 18.
   const Tag* x = nullptr;
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {}, [&](std::string_view, const Tag& t) {
     if (t.code >= 10 && t.code <= 18) {
       x = &t;
     } else if (x != nullptr && t.code == x->code + 10) {

@@ -495,7 +495,10 @@ class Collector {
       run_widths.push_back(w * look.height);
       natural += w * look.height;
     }
-    const auto& [c0, c1, c2, c3] = look.corners;
+    // Named corners, not a structured binding: lambdas below capture them.
+    const Point3& c0 = look.corners[0];
+    const Point3& c1 = look.corners[1];
+    const Point3& c3 = look.corners[3];
     double len = std::hypot(c1.x - c0.x, c1.y - c0.y);
     if (natural <= 0 || look.height <= 0 || len <= 0) return;
     // The text's frame: x along the baseline, stretched so that the natural
@@ -528,9 +531,10 @@ class Collector {
     for (size_t i = 0; i < runs.size(); ++i) {
       double from = offset, to = offset + run_widths[i];
       offset = to;
-      for (auto [on, at] : {std::pair{runs[i].underline, kUnderlineAt},
-                            std::pair{runs[i].overline, kOverlineAt}}) {
-        if (!on) continue;
+      for (const auto& line : {std::pair{runs[i].underline, kUnderlineAt},
+                               std::pair{runs[i].overline, kOverlineAt}}) {
+        if (!line.first) continue;
+        double at = line.second;
         auto point = [&](double u) {
           return m.Apply(Point3{c0.x + ex.x * u + up.x * at * look.height,
                                 c0.y + ex.y * u + up.y * at * look.height, 0});

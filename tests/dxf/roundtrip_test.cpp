@@ -364,6 +364,38 @@ TEST(RoundTrip, ChangesAreMergedIntoTheTagsTheyWereReadFrom) {
       std::string::npos);
 }
 
+TEST(RoundTrip, GroupsOfOtherNamesAreNeitherReadNorMerged) {
+  // A text with an embedded object (as newer files add to attributes) and
+  // a polyline with a group another program added: their codes are not
+  // the entity's own, so they neither change its state nor take its
+  // changes, and what is written after a change reads again.
+  const std::string entities =
+      "0\nTEXT\n5\n2A\n100\nAcDbEntity\n8\n0\n100\nAcDbText\n10\n1\n20\n"
+      "2\n30\n0\n40\n1\n1\nreal\n101\nEmbedded Object\n10\n99\n20\n99\n"
+      "1\nembedded\n"
+      "0\nLWPOLYLINE\n5\n2B\n100\nAcDbEntity\n8\n0\n100\nAcDbPolyline\n90\n"
+      "2\n70\n0\n10\n0\n20\n0\n10\n5\n20\n0\n100\nOtherProgram\n20\n"
+      "not a number\n";
+  auto doc = Read(MinimalDxf(entities));
+  auto& text = Only<memhost::MemText>(*doc, "TEXT");
+  EXPECT_EQ(text.text_, "real");
+  EXPECT_EQ(text.insertion_, (Point3{1, 2, 0}));
+  auto& pl = Only<memhost::MemLwPolyline>(*doc, "LWPOLYLINE");
+  EXPECT_EQ(pl.xy_, (std::vector<double>{0, 0, 5, 0}));
+  text.Move({0, 0, 0}, {1, 0, 0});
+  pl.Move({0, 0, 0}, {1, 0, 0});
+  std::string out = WriteDxf(*doc);
+  EXPECT_NE(out.find("101\nEmbedded Object\n10\n99\n20\n99\n1\nembedded\n"),
+            std::string::npos);
+  EXPECT_NE(out.find("100\nOtherProgram\n20\nnot a number\n"),
+            std::string::npos);
+  auto back = Read(out);
+  EXPECT_EQ(Only<memhost::MemText>(*back, "TEXT").insertion_,
+            (Point3{2, 2, 0}));
+  EXPECT_EQ(Only<memhost::MemLwPolyline>(*back, "LWPOLYLINE").xy_,
+            (std::vector<double>{1, 0, 6, 0}));
+}
+
 TEST(RoundTrip, NewObjectsGetFreshHandlesAndTheSeedFollows) {
   std::string text = MinimalDxf(kForeignEntities);
   auto doc = Read(text);
