@@ -78,6 +78,18 @@ void BM_ReadBytes(benchmark::State& state) {
                           static_cast<int64_t>(fs::file_size(path)));
 }
 
+// Writing those bytes to a file the way load+save does: the other floor.
+void BM_WriteBytes(benchmark::State& state) {
+  std::string path = DrawingPath(static_cast<int>(state.range(0)));
+  std::string data = ReadBytes(path);
+  std::string out = path + ".out";
+  for (auto _ : state)
+    std::ofstream(out, std::ios::binary)
+        .write(data.data(), static_cast<std::streamsize>(data.size()));
+  state.SetBytesProcessed(state.iterations() *
+                          static_cast<int64_t>(data.size()));
+}
+
 void BM_Load(benchmark::State& state) {
   std::string path = DrawingPath(static_cast<int>(state.range(0)));
   for (auto _ : state)
@@ -109,6 +121,7 @@ void BM_LoadChangeAllSave(benchmark::State& state) {
 }
 
 BENCHMARK(BM_ReadBytes)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_WriteBytes)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Load)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_LoadSave)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_LoadChangeAllSave)

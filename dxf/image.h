@@ -27,7 +27,11 @@ struct Span {
 // blocks and inserts once their extra handles are given out).
 struct ObjectRecord {
   Span span;          // the entity or table record as read
-  uint64_t hash = 0;  // fingerprint of the state when read
+  uint64_t hash = 0;  // fingerprint of the state when read, XData aside
+  // MemObject::XDataVersion() when read; kXDataRewrite writes the
+  // extended data from the state whatever it says.
+  uint32_t xdata_version = 0;
+  static constexpr uint32_t kXDataRewrite = ~uint32_t{0};
   bool read = false;  // false: a new object, written from its state
   // Blocks: the BLOCK entity and the ENDBLK entity. Inserts with
   // attributes: the SEQEND (in end_*).

@@ -29,9 +29,14 @@ std::string ReadWholeFile(const std::string& path) {
   std::string data;
   data.resize(static_cast<size_t>(st.st_size));
   size_t done = 0;
+  char probe[4096];
   while (true) {
-    if (done == data.size()) data.resize(data.size() + 65536);
-    ssize_t n = ::read(fd, data.data() + done, data.size() - done);
+    // A full buffer is checked for more with a small read first, so that
+    // the usual file, read whole, is never moved to a larger buffer.
+    bool full = done == data.size();
+    char* into = full ? probe : data.data() + done;
+    size_t room = full ? sizeof probe : data.size() - done;
+    ssize_t n = ::read(fd, into, room);
     if (n < 0) {
       if (errno == EINTR) continue;
       int err = errno;
@@ -39,6 +44,7 @@ std::string ReadWholeFile(const std::string& path) {
       throw FileError("cannot read '" + path + "': " + std::strerror(err));
     }
     if (n == 0) break;
+    if (full) data.append(probe, static_cast<size_t>(n));
     done += static_cast<size_t>(n);
   }
   ::close(fd);

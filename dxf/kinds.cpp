@@ -1,5 +1,6 @@
 #include "dxf/kinds.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace kestrana::dxf {
@@ -11,11 +12,22 @@ namespace {
 
 constexpr double kDegree = 3.14159265358979323846 / 180.0;
 
-// Calls `f(marker, tag)` for every body tag outside the AcDbEntity group.
+using Markers = std::initializer_list<std::string_view>;
+
+// Calls `f(marker, tag)` for every tag of the subclass groups `markers`,
+// the groups the kind writes: data in groups of other names (embedded
+// objects, subclasses of other programs) stays as read. A file without
+// subclass markers gives its whole body; empty `markers` every group but
+// AcDbEntity.
 template <class F>
-void ForBody(const Shape& s, F&& f) {
+void ForBody(const Shape& s, Markers markers, F&& f) {
   for (const Shape::Group& g : s.groups) {
-    if (s.has_markers && g.marker == "AcDbEntity") continue;
+    if (s.has_markers) {
+      if (g.marker == "AcDbEntity") continue;
+      if (markers.size() > 0 &&
+          std::find(markers.begin(), markers.end(), g.marker) == markers.end())
+        continue;
+    }
     for (size_t i = g.begin; i < g.end; ++i) f(g.marker, s.tags[i]);
   }
 }
@@ -39,6 +51,25 @@ bool IsCoord(int code, int base) {
   return code == base || code == base + 10 || code == base + 20;
 }
 
+// Entities whose plane faces down (what mirroring in CAD programs makes)
+// hold their values in a plane whose X and Z axes are the world's turned
+// over. memhost keeps world values, so reading and writing both turn X and
+// Z over and angles from a to π - a (each map is its own inverse).
+// Tilted planes are kept as the file has them.
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kTwoPi = 2 * kPi;
+
+bool FacesDown(const Point3& normal) {
+  return memhost::FacingOf(normal) == memhost::Facing::kDown;
+}
+Point3 Flip(const Point3& p) { return {-p.x, p.y, -p.z}; }
+double FlipAngle(double a) { return kPi - a; }
+// The normal written: left out where the file has none and it is the
+// default.
+void NormalField(FieldGroup& g, const Point3& normal) {
+  g.PointOr(210, normal, normal == Point3{0, 0, 1});
+}
+
 // The value of the first tag with `code` in the original's group `marker`.
 int64_t OriginalInt(const Shape* original, std::string_view marker, int code,
                     int64_t fallback) {
@@ -60,7 +91,7 @@ int64_t OriginalInt(const Shape* original, std::string_view marker, int code,
 
 std::unique_ptr<MemEntity> ReadLine(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemLine>();
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbLine"}, [&](std::string_view, const Tag& t) {
     if (IsCoord(t.code, 10))
       SetCoord(e->start_, t, 10);
     else if (IsCoord(t.code, 11))
@@ -84,7 +115,7 @@ void LineHash(const MemEntity& me, Hasher& h) {
 
 std::unique_ptr<MemEntity> ReadPoint(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemPoint>();
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbPoint"}, [&](std::string_view, const Tag& t) {
     if (IsCoord(t.code, 10)) SetCoord(e->position_, t, 10);
   });
   return e;
@@ -97,35 +128,84 @@ void PointHash(const MemEntity& me, Hasher& h) {
   h.Add(static_cast<const memhost::MemPoint&>(me).position_);
 }
 
-// -------------------------------------------------------------- CIRCLE
+// --------------------------------------------------------- CIRCLE, ARC
+
+// The AcDbCircle part shared by the two kinds.
+template <class T>
+void ReadCirclePart(const Shape& s, T& e) {
+  ForBody(s, {"AcDbCircle"}, [&](std::string_view, const Tag& t) {
+    if (IsCoord(t.code, 10))
+      SetCoord(e.center_, t, 10);
+    else if (t.code == 40)
+      e.radius_ = RealValue(t);
+    else if (IsCoord(t.code, 210))
+      SetCoord(e.normal_, t, 210);
+  });
+  if (FacesDown(e.normal_)) e.center_ = Flip(e.center_);
+}
+template <class T>
+void CirclePartFields(const T& e, FieldGroup& g) {
+  g.Point(10, FacesDown(e.normal_) ? Flip(e.center_) : e.center_);
+  g.Real(40, e.radius_);
+  NormalField(g, e.normal_);
+}
 
 std::unique_ptr<MemEntity> ReadCircle(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemCircle>();
-  ForBody(s, [&](std::string_view, const Tag& t) {
-    if (IsCoord(t.code, 10))
-      SetCoord(e->center_, t, 10);
-    else if (t.code == 40)
-      e->radius_ = RealValue(t);
-  });
+  ReadCirclePart(s, *e);
   return e;
 }
 void CircleFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemCircle&>(me);
-  FieldGroup& g = plan.groups.emplace_back("AcDbCircle");
-  g.Point(10, e.center_);
-  g.Real(40, e.radius_);
+  CirclePartFields(e, plan.groups.emplace_back("AcDbCircle"));
 }
 void CircleHash(const MemEntity& me, Hasher& h) {
   auto& e = static_cast<const memhost::MemCircle&>(me);
   h.Add(e.center_);
   h.Add(e.radius_);
+  h.Add(e.normal_);
+}
+
+std::unique_ptr<MemEntity> ReadArc(const Shape& s, ReadContext&) {
+  auto e = std::make_unique<memhost::MemArc>();
+  ReadCirclePart(s, *e);
+  ForBody(s, {"AcDbArc"}, [&](std::string_view, const Tag& t) {
+    if (t.code == 50)
+      e->start_angle_ = RealValue(t) * kDegree;
+    else if (t.code == 51)
+      e->end_angle_ = RealValue(t) * kDegree;
+  });
+  if (FacesDown(e->normal_)) {
+    // Counter-clockwise in the plane is clockwise from above: the ends
+    // change places.
+    double start = FlipAngle(e->end_angle_);
+    e->end_angle_ = FlipAngle(e->start_angle_);
+    e->start_angle_ = start;
+  }
+  return e;
+}
+void ArcFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
+  auto& e = static_cast<memhost::MemArc&>(me);
+  CirclePartFields(e, plan.groups.emplace_back("AcDbCircle"));
+  bool down = FacesDown(e.normal_);
+  FieldGroup& g = plan.groups.emplace_back("AcDbArc");
+  g.Degrees(50, down ? FlipAngle(e.end_angle_) : e.start_angle_, false);
+  g.Degrees(51, down ? FlipAngle(e.start_angle_) : e.end_angle_, false);
+}
+void ArcHash(const MemEntity& me, Hasher& h) {
+  auto& e = static_cast<const memhost::MemArc&>(me);
+  h.Add(e.center_);
+  h.Add(e.radius_);
+  h.Add(e.start_angle_);
+  h.Add(e.end_angle_);
+  h.Add(e.normal_);
 }
 
 // ------------------------------------------------------------- ELLIPSE
 
 std::unique_ptr<MemEntity> ReadEllipse(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemEllipse>();
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbEllipse"}, [&](std::string_view, const Tag& t) {
     if (IsCoord(t.code, 10))
       SetCoord(e->center_, t, 10);
     else if (IsCoord(t.code, 11))
@@ -136,17 +216,28 @@ std::unique_ptr<MemEntity> ReadEllipse(const Shape& s, ReadContext&) {
       e->start_param_ = RealValue(t);
     else if (t.code == 42)
       e->end_param_ = RealValue(t);
+    else if (IsCoord(t.code, 210))
+      SetCoord(e->normal_, t, 210);
   });
+  // Centre and axis are world values; facing down, the parameter runs
+  // clockwise from above.
+  if (FacesDown(e->normal_)) {
+    double start = kTwoPi - e->end_param_;
+    e->end_param_ = kTwoPi - e->start_param_;
+    e->start_param_ = start;
+  }
   return e;
 }
 void EllipseFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   auto& e = static_cast<memhost::MemEllipse&>(me);
   FieldGroup& g = plan.groups.emplace_back("AcDbEllipse");
+  bool down = FacesDown(e.normal_);
   g.Point(10, e.center_);
   g.Point(11, e.major_axis_);
+  NormalField(g, e.normal_);
   g.Real(40, e.ratio_);
-  g.Real(41, e.start_param_);
-  g.Real(42, e.end_param_);
+  g.RealNear(41, down ? kTwoPi - e.end_param_ : e.start_param_);
+  g.RealNear(42, down ? kTwoPi - e.start_param_ : e.end_param_);
 }
 void EllipseHash(const MemEntity& me, Hasher& h) {
   auto& e = static_cast<const memhost::MemEllipse&>(me);
@@ -155,6 +246,7 @@ void EllipseHash(const MemEntity& me, Hasher& h) {
   h.Add(e.ratio_);
   h.Add(e.start_param_);
   h.Add(e.end_param_);
+  h.Add(e.normal_);
 }
 
 // ---------------------------------------------------------- LWPOLYLINE
@@ -163,12 +255,16 @@ std::unique_ptr<MemEntity> ReadLwPolyline(const Shape& s, ReadContext&) {
   auto e = std::make_unique<memhost::MemLwPolyline>();
   size_t declared = 0;
   std::vector<bool> has_width;
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbPolyline"}, [&](std::string_view, const Tag& t) {
     switch (t.code) {
       case 90: {
         int64_t n = IntValue(t);
-        declared = n > 0 && n < (1 << 24) ? static_cast<size_t>(n) : 0;
+        // Each vertex takes two tags at least: no more room than that.
+        declared =
+            n > 0 ? std::min(static_cast<size_t>(n), s.tags.size() / 2) : 0;
         e->xy_.reserve(declared * 2);
+        e->bulges_.reserve(declared);
+        e->widths_.reserve(declared);
         break;
       }
       case 70:
@@ -256,10 +352,11 @@ void LwPolylineHash(const MemEntity& me, Hasher& h) {
 // Reads the AcDbText part shared by the three kinds; `vertical_code` is 73
 // for TEXT and 74 for attributes.
 template <class T>
-void ReadTextPart(const Shape& s, ReadContext& ctx, T& e, int vertical_code) {
+void ReadTextPart(const Shape& s, ReadContext& ctx, T& e, Markers markers,
+                  int vertical_code) {
   int h = 0, v = 0;
   bool has_alignment_point = false;
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, markers, [&](std::string_view, const Tag& t) {
     if (IsCoord(t.code, 10)) {
       SetCoord(e.insertion_, t, 10);
     } else if (IsCoord(t.code, 11)) {
@@ -281,11 +378,18 @@ void ReadTextPart(const Shape& s, ReadContext& ctx, T& e, int vertical_code) {
       h = static_cast<int>(IntValue(t));
     } else if (t.code == vertical_code) {
       v = static_cast<int>(IntValue(t));
+    } else if (IsCoord(t.code, 210)) {
+      SetCoord(e.normal_, t, 210);
     }
   });
   e.alignment_ = AlignmentFromCodes(h, v);
   if (!has_alignment_point && e.alignment_ != host::TextAlignment::kLeft)
     e.alignment_point_ = e.insertion_;
+  if (FacesDown(e.normal_)) {
+    e.insertion_ = Flip(e.insertion_);
+    e.alignment_point_ = Flip(e.alignment_point_);
+    e.rotation_ = FlipAngle(e.rotation_);
+  }
 }
 
 template <class T>
@@ -295,18 +399,21 @@ void TextPartFields(T& e, FieldGroup& g) {
   bool at_insertion = e.alignment_ == host::TextAlignment::kLeft ||
                       e.alignment_ == host::TextAlignment::kAligned ||
                       e.alignment_ == host::TextAlignment::kFit;
-  g.Point(10, at_insertion ? e.insertion_ : e.BaselineStart());
+  bool down = FacesDown(e.normal_);
+  auto plane = [down](const Point3& p) { return down ? Flip(p) : p; };
+  g.Point(10, plane(at_insertion ? e.insertion_ : e.BaselineStart()));
   g.Real(40, e.height_);
   g.Text(1, e.text_);
-  g.Degrees(50, e.rotation_, true);
+  g.Degrees(50, down ? FlipAngle(e.rotation_) : e.rotation_, true);
   g.RealOr(41, e.width_factor_, 1);
   g.Degrees(51, e.oblique_, true);
   g.TextOr(7, e.style_, "Standard");
   g.IntOr(72, h, 0);
   // Left-aligned texts have no alignment point unless one was set.
-  g.PointOr(11, e.alignment_point_,
+  g.PointOr(11, plane(e.alignment_point_),
             e.alignment_ == host::TextAlignment::kLeft &&
                 e.alignment_point_ == Point3{});
+  NormalField(g, e.normal_);
 }
 
 template <class T>
@@ -320,6 +427,7 @@ void TextPartHash(const T& e, Hasher& h) {
   h.Add(e.oblique_);
   h.Add(std::string_view(e.style_));
   h.Add(static_cast<int64_t>(e.alignment_));
+  h.Add(e.normal_);
 }
 
 int VerticalCode(host::TextAlignment a) {
@@ -330,7 +438,7 @@ int VerticalCode(host::TextAlignment a) {
 
 std::unique_ptr<MemEntity> ReadText(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<memhost::MemText>();
-  ReadTextPart(s, ctx, *e, 73);
+  ReadTextPart(s, ctx, *e, {"AcDbText"}, 73);
   return e;
 }
 void TextFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
@@ -344,9 +452,8 @@ void TextHash(const MemEntity& me, Hasher& h) {
 
 std::unique_ptr<MemEntity> ReadAttrib(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<memhost::MemAttributeReference>();
-  ReadTextPart(s, ctx, *e, 74);
-  ForBody(s, [&](std::string_view marker, const Tag& t) {
-    if (marker != "AcDbAttribute" && s.has_markers) return;
+  ReadTextPart(s, ctx, *e, {"AcDbText", "AcDbAttribute"}, 74);
+  ForBody(s, {"AcDbAttribute"}, [&](std::string_view, const Tag& t) {
     if (t.code == 2)
       e->tag_ = ctx.codec.Decode(t.value);
     else if (t.code == 70)
@@ -372,9 +479,8 @@ void AttribHash(const MemEntity& me, Hasher& h) {
 
 std::unique_ptr<MemEntity> ReadAttdef(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<memhost::MemAttributeDefinition>();
-  ReadTextPart(s, ctx, *e, 74);
-  ForBody(s, [&](std::string_view marker, const Tag& t) {
-    if (marker != "AcDbAttributeDefinition" && s.has_markers) return;
+  ReadTextPart(s, ctx, *e, {"AcDbText", "AcDbAttributeDefinition"}, 74);
+  ForBody(s, {"AcDbAttributeDefinition"}, [&](std::string_view, const Tag& t) {
     if (t.code == 2)
       e->tag_ = ctx.codec.Decode(t.value);
     else if (t.code == 3)
@@ -406,7 +512,7 @@ void AttdefHash(const MemEntity& me, Hasher& h) {
 
 std::unique_ptr<MemEntity> ReadInsert(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<memhost::MemBlockReference>();
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {"AcDbBlockReference"}, [&](std::string_view, const Tag& t) {
     if (t.code == 2)
       e->block_name_ = ctx.codec.Decode(t.value);
     else if (IsCoord(t.code, 10))
@@ -419,9 +525,18 @@ std::unique_ptr<MemEntity> ReadInsert(const Shape& s, ReadContext& ctx) {
       e->sz_ = RealValue(t);
     else if (t.code == 50)
       e->rotation_ = RealValue(t) * kDegree;
+    else if (IsCoord(t.code, 210))
+      SetCoord(e->normal_, t, 210);
   });
   if (e->block_name_.empty())
     throw DxfError(s.Line(), "the INSERT has no block name (group code 2)");
+  if (FacesDown(e->normal_)) {
+    // Seen from above: the insert mirrored in X.
+    e->insertion_ = Flip(e->insertion_);
+    e->rotation_ = -e->rotation_;
+    e->sx_ = -e->sx_;
+    e->sz_ = -e->sz_;
+  }
   return e;
 }
 void InsertFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
@@ -429,13 +544,16 @@ void InsertFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   FieldGroup& g = plan.groups.emplace_back("AcDbBlockReference");
   bool attributes = false;
   for (auto* a : e.Attributes()) attributes = attributes || !a->IsErased();
+  bool down = FacesDown(e.normal_);
+  double flip = down ? -1 : 1;
   g.IntOr(66, attributes ? 1 : 0, 0);
   g.Text(2, e.block_name_);
-  g.Point(10, e.insertion_);
-  g.RealOr(41, e.sx_, 1);
+  g.Point(10, down ? Flip(e.insertion_) : e.insertion_);
+  g.RealOr(41, flip * e.sx_, 1);
   g.RealOr(42, e.sy_, 1);
-  g.RealOr(43, e.sz_, 1);
-  g.Degrees(50, e.rotation_, true);
+  g.RealOr(43, flip * e.sz_, 1);
+  g.Degrees(50, flip * e.rotation_, true);
+  NormalField(g, e.normal_);
 }
 void InsertHash(const MemEntity& me, Hasher& h) {
   auto& e = static_cast<const memhost::MemBlockReference&>(me);
@@ -445,6 +563,7 @@ void InsertHash(const MemEntity& me, Hasher& h) {
   h.Add(e.sy_);
   h.Add(e.sz_);
   h.Add(e.rotation_);
+  h.Add(e.normal_);
   for (auto* a : e.Attributes())
     if (!a->IsErased()) h.Add(static_cast<int64_t>(a->HandleValue()));
 }
@@ -618,13 +737,18 @@ bool SameLoops(const std::vector<host::HatchLoop>& a,
         x.closed != y.closed || x.sources != y.sources ||
         x.edges.size() != y.edges.size())
       return false;
+    // Angles come back from a plane facing down within rounding.
+    auto same_angle = [](double a, double b) {
+      return std::fabs(a - b) <= 1e-12 * std::max(1.0, std::fabs(a));
+    };
     for (size_t k = 0; k < x.edges.size(); ++k) {
       const auto& p = x.edges[k];
       const auto& q = y.edges[k];
       if (p.type != q.type || !(p.start == q.start) || !(p.end == q.end) ||
           !(p.center == q.center) || p.radius != q.radius ||
           !(p.major_axis == q.major_axis) || p.ratio != q.ratio ||
-          p.start_angle != q.start_angle || p.end_angle != q.end_angle ||
+          !same_angle(p.start_angle, q.start_angle) ||
+          !same_angle(p.end_angle, q.end_angle) ||
           p.counter_clockwise != q.counter_clockwise ||
           p.control_points != q.control_points)
         return false;
@@ -633,10 +757,42 @@ bool SameLoops(const std::vector<host::HatchLoop>& a,
   return true;
 }
 
-void WriteLoops(const memhost::MemHatch& e, memhost::MemDocument& doc,
-                TagWriter& w) {
-  w.Int(91, static_cast<int64_t>(e.loops_.size()));
-  for (const auto& loop : e.loops_) {
+// Boundaries between world values and those of a plane facing down.
+void FlipLoops(std::vector<host::HatchLoop>& loops) {
+  for (auto& loop : loops) {
+    for (size_t i = 0; i < loop.vertices.size(); i += 2)
+      loop.vertices[i] = -loop.vertices[i];
+    for (double& b : loop.bulges) b = -b;
+    for (auto& edge : loop.edges) {
+      edge.start.x = -edge.start.x;
+      edge.end.x = -edge.end.x;
+      edge.center.x = -edge.center.x;
+      edge.major_axis.x = -edge.major_axis.x;
+      for (auto& p : edge.control_points) p.x = -p.x;
+      // Arcs and elliptic arcs turn the other way round.
+      edge.counter_clockwise = !edge.counter_clockwise;
+      if (edge.type == host::HatchEdge::Type::kArc) {
+        edge.start_angle = FlipAngle(edge.start_angle);
+        edge.end_angle = FlipAngle(edge.end_angle);
+      } else if (edge.type == host::HatchEdge::Type::kEllipseArc) {
+        edge.start_angle = -edge.start_angle;
+        edge.end_angle = -edge.end_angle;
+      }
+    }
+  }
+}
+
+// The boundary as the file holds it: in the hatch's plane.
+std::vector<host::HatchLoop> PlaneLoops(const memhost::MemHatch& e) {
+  std::vector<host::HatchLoop> loops = e.loops_;
+  if (FacesDown(e.normal_)) FlipLoops(loops);
+  return loops;
+}
+
+void WriteLoops(const std::vector<host::HatchLoop>& loops,
+                memhost::MemDocument& doc, TagWriter& w) {
+  w.Int(91, static_cast<int64_t>(loops.size()));
+  for (const auto& loop : loops) {
     w.Int(92, loop.flags | (loop.is_polyline ? 2 : 0));
     if (loop.is_polyline) {
       bool bulged = false;
@@ -728,6 +884,8 @@ std::unique_ptr<MemEntity> ReadHatch(const Shape& s, ReadContext& ctx) {
     if (before && t.code == 30 && !seen_point) {
       e->elevation_ = RealValue(t);
       seen_point = true;
+    } else if (before && IsCoord(t.code, 210)) {
+      SetCoord(e->normal_, t, 210);
     } else if (before && t.code == 2) {
       e->pattern_name_ = ctx.codec.Decode(t.value);
     } else if (before && t.code == 71) {
@@ -744,6 +902,11 @@ std::unique_ptr<MemEntity> ReadHatch(const Shape& s, ReadContext& ctx) {
     }
   }
   e->loops_ = std::move(d.loops);
+  // The elevation stays that of the plane.
+  if (FacesDown(e->normal_)) {
+    FlipLoops(e->loops_);
+    e->pattern_angle_ = FlipAngle(e->pattern_angle_);
+  }
   for (size_t k = 0; k < d.sources.size(); ++k)
     if (!d.sources[k].empty())
       ctx.pending_sources.push_back({e.get(), k, std::move(d.sources[k])});
@@ -755,17 +918,19 @@ void WriteHatchGroup(memhost::MemHatch& e, const WriteContext& ctx,
                      const Shape::Group* og, TagWriter& w) {
   const TextCodec& codec = ctx.codec;
   bool solid = e.IsSolidFill();
+  double pattern_angle =
+      FacesDown(e.normal_) ? FlipAngle(e.pattern_angle_) : e.pattern_angle_;
   if (og == nullptr) {
     w.Point(10, 0, 0, e.elevation_);
-    w.Point(210, 0, 0, 1);
+    w.Point(210, e.normal_.x, e.normal_.y, e.normal_.z);
     w.Text(2, codec.Encode(e.pattern_name_));
     w.Int(70, solid ? 1 : 0);
     w.Int(71, e.associative_ ? 1 : 0);
-    WriteLoops(e, ctx.doc, w);
+    WriteLoops(PlaneLoops(e), ctx.doc, w);
     w.Int(75, 0);
     w.Int(76, e.pattern_type_);
     if (!solid) {
-      w.Real(52, e.pattern_angle_ / kDegree);
+      w.Real(52, pattern_angle / kDegree);
       w.Real(41, e.pattern_scale_);
       w.Int(77, 0);
       w.Int(78, 0);
@@ -780,7 +945,8 @@ void WriteHatchGroup(memhost::MemHatch& e, const WriteContext& ctx,
     for (uint64_t hnd : d.sources[k])
       if (auto* obj = ctx.doc.FindByHandle(hnd))
         d.loops[k].sources.push_back(obj->Id());
-  bool same_loops = SameLoops(d.loops, e.loops_);
+  std::vector<host::HatchLoop> loops = PlaneLoops(e);
+  bool same_loops = SameLoops(d.loops, loops);
   bool seen_point = false, seen_type = false, seen_angle = false,
        seen_scale = false;
   auto keep_or = [&](size_t i, const std::string& text) {
@@ -804,7 +970,7 @@ void WriteHatchGroup(memhost::MemHatch& e, const WriteContext& ctx,
         for (size_t k = d.loops_begin; k < d.loops_end; ++k)
           w.Raw(s.TagBytes(k));
       } else {
-        WriteLoops(e, ctx.doc, w);
+        WriteLoops(loops, ctx.doc, w);
       }
       i = d.loops_end - 1;
       continue;
@@ -813,6 +979,10 @@ void WriteHatchGroup(memhost::MemHatch& e, const WriteContext& ctx,
     if (before && t.code == 30 && !seen_point) {
       real_or(i, e.elevation_);
       seen_point = true;
+    } else if (before && IsCoord(t.code, 210)) {
+      real_or(i, t.code == 210   ? e.normal_.x
+                 : t.code == 220 ? e.normal_.y
+                                 : e.normal_.z);
     } else if (before && t.code == 2) {
       keep_or(i, codec.Encode(e.pattern_name_));
     } else if (before && t.code == 70) {
@@ -832,7 +1002,7 @@ void WriteHatchGroup(memhost::MemHatch& e, const WriteContext& ctx,
                      : std::to_string(e.pattern_type_));
       seen_type = true;
     } else if (!before && t.code == 52 && !seen_angle) {
-      real_or(i, e.pattern_angle_ / kDegree);
+      real_or(i, pattern_angle / kDegree);
       seen_angle = true;
     } else if (!before && t.code == 41 && !seen_scale) {
       real_or(i, e.pattern_scale_);
@@ -841,7 +1011,7 @@ void WriteHatchGroup(memhost::MemHatch& e, const WriteContext& ctx,
       w.Raw(s.TagBytes(i));
     }
   }
-  if (d.loops_begin == d.loops_end) WriteLoops(e, ctx.doc, w);
+  if (d.loops_begin == d.loops_end) WriteLoops(loops, ctx.doc, w);
 }
 
 void HatchFields(MemEntity& me, const WriteContext& ctx, WritePlan& plan) {
@@ -862,6 +1032,7 @@ void HatchHash(const MemEntity& me, Hasher& h) {
   h.Add(e.pattern_angle_);
   h.Add(e.pattern_scale_);
   h.Add(e.elevation_);
+  h.Add(e.normal_);
   for (const auto& loop : e.loops_) {
     h.Add(static_cast<int64_t>(loop.flags));
     h.Add(loop.is_polyline);
@@ -895,7 +1066,7 @@ std::unique_ptr<MemEntity> ReadOther(const Shape& s) {
                                                      std::move(object_name));
   // Points that stand for the extent: every X/Y pair of codes 10 to 18.
   const Tag* x = nullptr;
-  ForBody(s, [&](std::string_view, const Tag& t) {
+  ForBody(s, {}, [&](std::string_view, const Tag& t) {
     if (t.code >= 10 && t.code <= 18) {
       x = &t;
     } else if (x != nullptr && t.code == x->code + 10) {
@@ -910,17 +1081,23 @@ std::unique_ptr<MemEntity> ReadOther(const Shape& s) {
   return e;
 }
 
+using host::EntityKind;
 const EntityCodec kCodecs[] = {
-    {"LINE", ReadLine, LineFields, LineHash},
-    {"LWPOLYLINE", ReadLwPolyline, LwPolylineFields, LwPolylineHash},
-    {"POINT", ReadPoint, PointFields, PointHash},
-    {"TEXT", ReadText, TextFields, TextHash},
-    {"CIRCLE", ReadCircle, CircleFields, CircleHash},
-    {"ELLIPSE", ReadEllipse, EllipseFields, EllipseHash},
-    {"HATCH", ReadHatch, HatchFields, HatchHash},
-    {"INSERT", ReadInsert, InsertFields, InsertHash},
-    {"ATTRIB", ReadAttrib, AttribFields, AttribHash},
-    {"ATTDEF", ReadAttdef, AttdefFields, AttdefHash},
+    {"LINE", EntityKind::kLine, ReadLine, LineFields, LineHash},
+    {"LWPOLYLINE", EntityKind::kLwPolyline, ReadLwPolyline, LwPolylineFields,
+     LwPolylineHash},
+    {"POINT", EntityKind::kPoint, ReadPoint, PointFields, PointHash},
+    {"TEXT", EntityKind::kText, ReadText, TextFields, TextHash},
+    {"CIRCLE", EntityKind::kCircle, ReadCircle, CircleFields, CircleHash},
+    {"ARC", EntityKind::kArc, ReadArc, ArcFields, ArcHash},
+    {"ELLIPSE", EntityKind::kEllipse, ReadEllipse, EllipseFields, EllipseHash},
+    {"HATCH", EntityKind::kHatch, ReadHatch, HatchFields, HatchHash},
+    {"INSERT", EntityKind::kBlockReference, ReadInsert, InsertFields,
+     InsertHash},
+    {"ATTRIB", EntityKind::kAttributeReference, ReadAttrib, AttribFields,
+     AttribHash},
+    {"ATTDEF", EntityKind::kAttributeDefinition, ReadAttdef, AttdefFields,
+     AttdefHash},
 };
 
 }  // namespace
@@ -985,23 +1162,44 @@ std::unique_ptr<MemEntity> ReadEntityOfShape(const Shape& s, ReadContext& ctx,
   return e;
 }
 
-void ApplyXData(const Shape& shape, memhost::MemObject& obj,
-                const TextCodec& codec) {
-  if (shape.xdata_begin < shape.tags.size())
-    obj.SetAllXData(ParseXData(shape, codec));
+FileXData::FileXData(std::shared_ptr<const std::string> file,
+                     const TextCodec& codec)
+    : file_(std::move(file)), codec_(codec) {}
+
+std::vector<host::XRecord> FileXData::Parse(uint64_t at, uint32_t line) const {
+  return ParseXDataText(*file_, at, line, codec_);
 }
+
+void FileXData::Apply(const Shape& shape, memhost::MemObject& obj) {
+  if (shape.xdata_begin == shape.tags.size()) return;
+  std::vector<std::string> apps = CheckXData(shape, codec_);
+  // Most objects name the same applications: one list for all of them.
+  if (last_apps_ == nullptr || *last_apps_ != apps)
+    last_apps_ =
+        std::make_shared<const std::vector<std::string>>(std::move(apps));
+  const Tag& first = shape.tags[shape.xdata_begin];
+  obj.SetPendingXData(shared_from_this(), last_apps_, first.offset, first.line);
+}
+
+namespace {
+
+// The codec of a modelled entity, found by its kind.
+const EntityCodec* CodecOf(const MemEntity& e) {
+  host::EntityKind kind = e.KindOf();
+  for (const EntityCodec& c : kCodecs)
+    if (c.kind == kind) return &c;
+  return nullptr;
+}
+
+}  // namespace
 
 uint64_t EntityHash(const MemEntity& e) {
   Hasher h;
-  auto& he = const_cast<MemEntity&>(e).AsHostEntity();
-  std::string type = he.EntityName();
-  h.Add(std::string_view(type));
+  h.Add(static_cast<int64_t>(e.KindOf()));
   h.Add(std::string_view(e.LayerName()));
   h.Add(static_cast<int64_t>(e.color_));
   h.Add(e.visible_);
-  h.Add(e.XData());
-  if (he.Kind() != host::EntityKind::kOther)
-    if (const EntityCodec* codec = FindEntityCodec(type)) codec->hash(e, h);
+  if (const EntityCodec* codec = CodecOf(e)) codec->hash(e, h);
   return h.Value();
 }
 
@@ -1011,11 +1209,8 @@ void EntityPlan(MemEntity& e, const WriteContext& ctx, WritePlan& plan) {
   common.Text(8, e.LayerName());
   common.IntOr(62, e.color_, host::color::kByLayer);
   common.IntOr(60, e.visible_ ? 0 : 1, 0);
-  host::Entity& he = e.AsHostEntity();
-  if (he.Kind() != host::EntityKind::kOther)
-    if (const EntityCodec* codec = FindEntityCodec(he.EntityName()))
-      codec->fields(e, ctx, plan);
-  plan.xdata = &e.XData();
+  if (const EntityCodec* codec = CodecOf(e)) codec->fields(e, ctx, plan);
+  PlanXData(e, plan);
 }
 
 }  // namespace kestrana::dxf

@@ -35,6 +35,7 @@ struct WriteContext {
 
 struct EntityCodec {
   std::string_view type;  // "LINE"
+  host::EntityKind kind;  // of the memhost entity it reads
   std::unique_ptr<memhost::MemEntity> (*read)(const Shape& shape,
                                               ReadContext& ctx);
   // Adds the kind's groups (after the common AcDbEntity group).
@@ -54,11 +55,25 @@ std::unique_ptr<memhost::MemEntity> ReadEntityOfShape(const Shape& shape,
                                                       ReadContext& ctx,
                                                       bool& paper_space,
                                                       bool raw_only);
-// Sets what every entity carries; call after the entity joined the document.
-void ApplyXData(const Shape& shape, memhost::MemObject& obj,
-                const TextCodec& codec);
+// Extended data left in a file's text until it is used.
+class FileXData final : public memhost::XDataSource,
+                        public std::enable_shared_from_this<FileXData> {
+ public:
+  FileXData(std::shared_ptr<const std::string> file, const TextCodec& codec);
+  std::vector<host::XRecord> Parse(uint64_t at, uint32_t line) const override;
+  // Gives `obj` the extended data of `shape` (read from this file); call
+  // after the object joined the document. The data is checked now, with
+  // the errors parsing would raise.
+  void Apply(const Shape& shape, memhost::MemObject& obj);
 
-// Fingerprint of an entity's whole state (common fields, kind, XData).
+ private:
+  std::shared_ptr<const std::string> file_;
+  TextCodec codec_;
+  memhost::XDataApps last_apps_;
+};
+
+// Fingerprint of an entity's state (common fields and kind); its extended
+// data is followed by MemObject::XDataVersion().
 uint64_t EntityHash(const memhost::MemEntity& e);
 
 // Everything an entity writes, for WriteObject.

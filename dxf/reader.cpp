@@ -47,11 +47,17 @@ class Reader {
         ctx_{doc, img_.codec, {}} {
     shape_.file = img_.buffer;
     initial_seed_ = doc_.HandleSeed();
+    UseCodec();
   }
 
   void Run();
 
  private:
+  // Texts from here on are read with img_.codec.
+  void UseCodec() {
+    xdata_ = std::make_shared<FileXData>(
+        std::shared_ptr<const std::string>(image_, &img_.buffer), img_.codec);
+  }
   // The next tag, or a DxfError saying what the file ended inside.
   void Advance(const char* inside);
   [[noreturn]] void Unexpected(const char* expected);
@@ -78,6 +84,8 @@ class Reader {
   std::shared_ptr<FileImage> image_;
   FileImage& img_;
   Tokenizer tok_;
+  // Parses extended data when it is used; keeps the file's text alive.
+  std::shared_ptr<FileXData> xdata_;
   ReadContext ctx_;
   Tag tag_;
   bool at_end_ = false;
@@ -89,6 +97,7 @@ class Reader {
   std::vector<MemObject*> unhandled_;
   uint64_t max_handle_ = 0;
   uint64_t initial_seed_ = 0;
+  MemBlock* last_owner_ = nullptr;
   uint32_t section_line_ = 0;
   std::string section_name_;
   uint64_t file_seed_ = 0;
@@ -321,6 +330,7 @@ void Reader::ReadHeader(SectionImage& section) {
         section_line_,
         "the HEADER section does not name the DXF version ($ACADVER)");
   img_.codec = TextCodec::For(img_.version, img_.codepage);
+  UseCodec();
   img_.clayer = img_.codec.Decode(img_.clayer);
   img_.textstyle = img_.codec.Decode(img_.textstyle);
 }
@@ -440,7 +450,7 @@ void Reader::ReadTableEntry(TableImage& table) {
     table.items.push_back(std::move(item));
     return;
   }
-  ApplyXData(shape_, *obj, img_.codec);
+  xdata_->Apply(shape_, *obj);
   ObjectRecord record;
   record.span = span;
   record.read = true;
@@ -539,8 +549,12 @@ void Reader::ReadEntity(MemBlock* owner) {
   std::unique_ptr<MemEntity> entity =
       ReadEntityOfShape(shape_, ctx_, paper, orphan);
   MemBlock* block = owner;
-  if (block == nullptr && shape_.owner != 0)
-    block = dynamic_cast<MemBlock*>(doc_.FindByHandle(shape_.owner));
+  if (block == nullptr && shape_.owner != 0) {
+    // Entities come in runs of the same owner.
+    if (last_owner_ == nullptr || last_owner_->HandleValue() != shape_.owner)
+      last_owner_ = dynamic_cast<MemBlock*>(doc_.FindByHandle(shape_.owner));
+    block = last_owner_;
+  }
   if (block == nullptr)
     block = paper ? &doc_.PaperSpaceBlock() : &doc_.ModelSpaceBlock();
   uint64_t handle = shape_.handle;
@@ -548,7 +562,7 @@ void Reader::ReadEntity(MemBlock* owner) {
   if (handle != 0) ClaimHandle(handle, line);
   MemEntity& e = block->AddNew(std::move(entity), handle);
   if (handle == 0) unhandled_.push_back(&e);
-  ApplyXData(shape_, e, img_.codec);
+  xdata_->Apply(shape_, e);
   ObjectRecord record;
   record.span = {begin, shape_.end_offset};
   record.read = true;
@@ -558,7 +572,7 @@ void Reader::ReadEntity(MemBlock* owner) {
   record.owner = shape_.owner;
   e.file_data = record;
 
-  auto* insert = dynamic_cast<memhost::MemBlockReference*>(&e);
+  auto* insert = e.AsBlockReference();
   auto reserve_shape_handle = [&]() {
     ReserveRaw(shape_.handle, shape_.Line());
   };
@@ -575,7 +589,7 @@ void Reader::ReadEntity(MemBlock* owner) {
       if (shape_.handle != 0) ClaimHandle(shape_.handle, shape_.Line());
       auto& adopted = insert->AdoptAttribute(std::move(attr), shape_.handle);
       if (shape_.handle == 0) unhandled_.push_back(&adopted);
-      ApplyXData(shape_, adopted, img_.codec);
+      xdata_->Apply(shape_, adopted);
       ObjectRecord attr_record;
       attr_record.span = {attr_begin, shape_.end_offset};
       attr_record.read = true;
@@ -650,19 +664,24 @@ void Reader::Finish() {
   img_.textstyle = doc_.ActiveTextStyle().Name();
 
   // Fingerprints of the state as read.
+  auto as_read = [](MemObject& obj, uint64_t hash) {
+    if (ObjectRecord* r = RecordOf(obj)) {
+      r->hash = hash;
+      r->xdata_version = obj.XDataVersion();
+    }
+  };
   for (MemBlock* block : doc_.BlockList()) {
-    if (ObjectRecord* r = RecordOf(*block)) r->hash = BlockHash(*block);
+    as_read(*block, BlockHash(*block));
     for (MemEntity* e : block->MemEntities()) {
-      if (ObjectRecord* r = RecordOf(*e)) r->hash = EntityHash(*e);
-      if (auto* ref = dynamic_cast<memhost::MemBlockReference*>(e))
-        for (auto* a : ref->Attributes())
-          if (ObjectRecord* r = RecordOf(*a)) r->hash = EntityHash(*a);
+      as_read(*e, EntityHash(*e));
+      if (e->AsHostEntity().Kind() == host::EntityKind::kBlockReference)
+        for (auto* a :
+             static_cast<memhost::MemBlockReference*>(e)->Attributes())
+          as_read(*a, EntityHash(*a));
     }
   }
-  for (auto* l : doc_.LayerList())
-    if (ObjectRecord* r = RecordOf(*l)) r->hash = LayerHash(*l);
-  for (auto* s : doc_.TextStyleList())
-    if (ObjectRecord* r = RecordOf(*s)) r->hash = StyleHash(*s);
+  for (auto* l : doc_.LayerList()) as_read(*l, LayerHash(*l));
+  for (auto* s : doc_.TextStyleList()) as_read(*s, StyleHash(*s));
 }
 
 }  // namespace

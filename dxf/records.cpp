@@ -58,7 +58,6 @@ uint64_t LayerHash(const memhost::MemLayer& l) {
   h.Add(l.locked_);
   h.Add(l.on_);
   h.Add(static_cast<int64_t>(l.color_));
-  h.Add(l.XData());
   return h.Value();
 }
 
@@ -69,7 +68,6 @@ uint64_t StyleHash(const memhost::MemTextStyle& s) {
   h.Add(s.width_);
   h.Add(s.oblique_);
   h.Add(std::string_view(s.font_file_));
-  h.Add(s.XData());
   return h.Value();
 }
 
@@ -78,7 +76,6 @@ uint64_t BlockHash(const memhost::MemBlock& b) {
   h.Add(std::string_view(b.name_));
   h.Add(b.origin_);
   h.Add(b.is_xref_);
-  h.Add(b.XData());
   return h.Value();
 }
 
@@ -98,7 +95,7 @@ void LayerPlan(memhost::MemLayer& l, const Shape* original, WritePlan& plan) {
   g.Int(62, l.on_ ? l.color_ : -l.color_);
   g.NewText(6, "Continuous");
   g.NewInt(370, -3);
-  plan.xdata = &l.XData();
+  PlanXData(l, plan);
 }
 
 void StylePlan(memhost::MemTextStyle& s, WritePlan& plan) {
@@ -114,7 +111,7 @@ void StylePlan(memhost::MemTextStyle& s, WritePlan& plan) {
   g.NewText(42, "2.5");
   g.Text(3, s.font_file_);
   g.NewText(4, "");
-  plan.xdata = &s.XData();
+  PlanXData(s, plan);
 }
 
 void BlockRecordPlan(memhost::MemBlock& b, WritePlan& plan) {
@@ -126,7 +123,7 @@ void BlockRecordPlan(memhost::MemBlock& b, WritePlan& plan) {
   g.NewInt(70, 0);
   g.NewInt(280, 1);
   g.NewInt(281, 0);
-  plan.xdata = &b.XData();
+  PlanXData(b, plan);
 }
 
 void BlockBeginPlan(memhost::MemBlock& b, bool paper_space, WritePlan& plan) {

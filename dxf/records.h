@@ -15,7 +15,8 @@ void ReadLayerRecord(const Shape& shape, memhost::MemLayer& layer,
 void ReadStyleRecord(const Shape& shape, memhost::MemTextStyle& style,
                      const TextCodec& codec);
 
-// Fingerprints of the state each record writes.
+// Fingerprints of the state each record writes, extended data aside
+// (MemObject::XDataVersion() tells whether that changed).
 uint64_t LayerHash(const memhost::MemLayer& layer);
 uint64_t StyleHash(const memhost::MemTextStyle& style);
 // Covers the block record and the BLOCK entity.

@@ -97,28 +97,43 @@ bool ReadObject(Tokenizer& tok, const Tag& first, Shape& shape, Tag& next) {
   return false;
 }
 
-std::vector<host::XRecord> ParseXData(const Shape& shape,
-                                      const TextCodec& codec) {
-  std::vector<host::XRecord> out;
-  for (size_t i = shape.xdata_begin; i < shape.tags.size(); ++i) {
-    const Tag& t = shape.tags[i];
+namespace {
+
+// Reads extended data tags: into records when `records` is given, else
+// only checking them; either way with the same errors. `apps` receives the
+// application of each record.
+void ReadXData(const Tag* tags, size_t n, const TextCodec& codec,
+               std::vector<host::XRecord>* records,
+               std::vector<std::string>* apps) {
+  bool open = false;
+  for (size_t i = 0; i < n; ++i) {
+    const Tag& t = tags[i];
     if (t.code == 1001) {
       if (t.value.empty())
         throw DxfError(t.line + 1, "group code 1001 needs an application name");
-      out.push_back({host::XItem{1001, codec.Decode(t.value)}});
+      open = true;
+      std::string app = codec.Decode(t.value);
+      if (records != nullptr) {
+        // Each record in one allocation: count its items first.
+        size_t end = i + 1;
+        while (end < n && tags[end].code != 1001) ++end;
+        host::XRecord& record = records->emplace_back();
+        record.reserve(end - i);
+        record.push_back(host::XItem{1001, app});
+      }
+      if (apps != nullptr) apps->push_back(std::move(app));
       continue;
     }
-    if (out.empty())
+    if (!open)
       throw DxfError(t.line,
                      "extended data must start with group code 1001 "
                      "(the application name), found group code " +
                          std::to_string(t.code));
-    host::XItem item;
-    item.code = static_cast<int16_t>(t.code);
+    host::XValue value;
     if (t.code >= 1000 && t.code <= 1009) {
-      item.value = codec.Decode(t.value);
+      if (records != nullptr) value = codec.Decode(t.value);
     } else if (t.code >= 1010 && t.code <= 1059) {
-      item.value = RealValue(t);
+      value = RealValue(t);
     } else if (t.code >= 1060 && t.code <= 1070) {
       int64_t v = IntValue(t);
       if (v < -32768 || v > 65535)
@@ -126,15 +141,46 @@ std::vector<host::XRecord> ParseXData(const Shape& shape,
                        "group code " + std::to_string(t.code) +
                            " expects a 16-bit whole number, found " +
                            std::to_string(v));
-      item.value = static_cast<int16_t>(v);
+      value = static_cast<int16_t>(v);
     } else if (t.code == 1071) {
-      item.value = static_cast<double>(IntValue(t));
+      value = static_cast<double>(IntValue(t));
     } else {
       throw DxfError(t.line, "group code " + std::to_string(t.code) +
                                  " cannot be part of extended data");
     }
-    out.back().push_back(std::move(item));
+    if (records != nullptr)
+      records->back().push_back(
+          host::XItem{static_cast<int16_t>(t.code), std::move(value)});
   }
+}
+
+}  // namespace
+
+std::vector<host::XRecord> ParseXData(const Shape& shape,
+                                      const TextCodec& codec) {
+  std::vector<host::XRecord> out;
+  size_t n = shape.tags.size() - shape.xdata_begin;
+  ReadXData(shape.tags.data() + shape.xdata_begin, n, codec, &out, nullptr);
+  return out;
+}
+
+std::vector<std::string> CheckXData(const Shape& shape,
+                                    const TextCodec& codec) {
+  std::vector<std::string> apps;
+  size_t n = shape.tags.size() - shape.xdata_begin;
+  ReadXData(shape.tags.data() + shape.xdata_begin, n, codec, nullptr, &apps);
+  return apps;
+}
+
+std::vector<host::XRecord> ParseXDataText(std::string_view file, size_t begin,
+                                          uint32_t line,
+                                          const TextCodec& codec) {
+  Tokenizer tok(file.substr(begin), begin, line);
+  std::vector<Tag> tags;
+  Tag t;
+  while (tok.Next(t) && t.code != 0) tags.push_back(t);
+  std::vector<host::XRecord> out;
+  ReadXData(tags.data(), tags.size(), codec, &out, nullptr);
   return out;
 }
 
@@ -254,6 +300,11 @@ void FieldGroup::RealOr(int code, double v, double fallback) {
   Field& f = Add(code, ValueType::kReal);
   f.real = v;
   f.optional = v == fallback;
+}
+void FieldGroup::RealNear(int code, double v) {
+  Field& f = Add(code, ValueType::kReal);
+  f.real = v;
+  f.approx = true;
 }
 void FieldGroup::IntOr(int code, int64_t v, int64_t fallback) {
   Field& f = Add(code, ValueType::kInt);
@@ -493,7 +544,7 @@ void WriteObject(const WritePlan& plan, TagWriter& w, const TextCodec& codec) {
   }
 
   // Extended data: as read while the state still says the same.
-  if (plan.xdata == nullptr ||
+  if (plan.xdata == nullptr || plan.xdata_as_read ||
       (o.xdata_begin < o.tags.size() &&
        SameXData(ParseXData(o, codec), *plan.xdata)) ||
       (o.xdata_begin == o.tags.size() && plan.xdata->empty())) {

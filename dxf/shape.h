@@ -56,6 +56,14 @@ bool ReadObject(Tokenizer& tok, const Tag& first, Shape& shape, Tag& next);
 // Extended data of a shape, by application in order.
 std::vector<host::XRecord> ParseXData(const Shape& shape,
                                       const TextCodec& codec);
+// Checks a shape's extended data as ParseXData reads it, with the same
+// errors, and returns the application of each record.
+std::vector<std::string> CheckXData(const Shape& shape, const TextCodec& codec);
+// Extended data from the tags of `file` that start at `begin`, on `line`,
+// up to the next group code 0.
+std::vector<host::XRecord> ParseXDataText(std::string_view file, size_t begin,
+                                          uint32_t line,
+                                          const TextCodec& codec);
 
 // A 64-bit fingerprint of the values of an object's state.
 class Hasher {
@@ -105,6 +113,9 @@ class FieldGroup {
   // Left out when equal to `fallback` and absent from the original.
   void TextOr(int code, std::string_view v, std::string_view fallback);
   void RealOr(int code, double v, double fallback);
+  // A value converted on reading: close enough to the original keeps its
+  // text.
+  void RealNear(int code, double v);
   void IntOr(int code, int64_t v, int64_t fallback);
   // An angle kept in radians and written in degrees.
   void Degrees(int code, double radians, bool optional_if_zero);
@@ -132,11 +143,22 @@ struct WritePlan {
   bool fresh_head = false;
   std::vector<FieldGroup> groups;
   const std::vector<host::XRecord>* xdata = nullptr;
+  // The extended data did not change since it was read: an original's is
+  // copied without comparing.
+  bool xdata_as_read = false;
   // A group written by its own routine (hatch boundaries): it gets the
   // original group, or nullptr for a new object.
   std::string_view custom_marker;
   std::function<void(const Shape::Group* original, TagWriter& w)> custom;
 };
+
+// Points the plan at an object's extended data, unless the original's can
+// be copied as it stands (which spares parsing data read from a file).
+template <class Object>
+void PlanXData(const Object& obj, WritePlan& plan) {
+  if (plan.original == nullptr || !plan.xdata_as_read)
+    plan.xdata = &obj.XData();
+}
 
 // Writes the object: the original's tags with the fields merged in, or,
 // for a new object, the fields alone.

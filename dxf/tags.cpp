@@ -1,5 +1,7 @@
 #include "dxf/tags.h"
 
+#include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -41,12 +43,39 @@ Tokenizer::Tokenizer(std::string_view text, size_t base_offset,
                      uint32_t first_line)
     : text_(text), base_(base_offset), line_(first_line) {}
 
+namespace {
+
+constexpr uint64_t kOnes = 0x0101010101010101ull;
+
+// The eight bytes at `p` with the top bit of the first line feed among
+// them set (and maybe of bytes after it); 0 without a line feed.
+inline uint64_t NewlineBits(const char* p) {
+  uint64_t word;
+  std::memcpy(&word, p, 8);
+  if constexpr (std::endian::native == std::endian::big)
+    word = __builtin_bswap64(word);
+  uint64_t x = word ^ (kOnes * '\n');
+  return (x - kOnes) & ~x & (kOnes << 7);
+}
+
+// The first line feed at or after `p`, or `end`. Lines are mostly a few
+// bytes long: eight bytes at a time, without a library call.
+inline const char* FindLineFeed(const char* p, const char* end) {
+  while (end - p >= 8) {
+    uint64_t newline = NewlineBits(p);
+    if (newline != 0) return p + (std::countr_zero(newline) >> 3);
+    p += 8;
+  }
+  while (p != end && *p != '\n') ++p;
+  return p;
+}
+
+}  // namespace
+
 std::string_view Tokenizer::ReadLine() {
   const char* start = text_.data() + pos_;
   const char* end = text_.data() + text_.size();
-  // Lines are mostly a few bytes long: a plain scan beats a library call.
-  const char* p = start;
-  while (p != end && *p != '\n') ++p;
+  const char* p = FindLineFeed(start, end);
   size_t length = static_cast<size_t>(p - start);
   if (length > kMaxLineLength)
     throw DxfError(line_, "the line is " + std::to_string(length) +
@@ -61,39 +90,68 @@ std::string_view Tokenizer::ReadLine() {
 }
 
 bool Tokenizer::Next(Tag& tag) {
-  if (pos_ >= text_.size()) return false;
+  size_t size = text_.size();
+  if (pos_ >= size) return false;
   tag.offset = base_ + pos_;
   tag.line = line_;
-  std::string_view code_text = ReadLine();
-  // The usual form: blanks, then digits.
-  size_t i = 0;
-  while (i < code_text.size() && code_text[i] == ' ') ++i;
-  int code = 0;
-  size_t digits = 0;
-  while (i < code_text.size() && code_text[i] >= '0' && code_text[i] <= '9' &&
-         digits < 6) {
-    code = code * 10 + (code_text[i++] - '0');
-    ++digits;
+  const char* p = text_.data() + pos_;
+  int code = -1;
+  if (size - pos_ >= 8) {
+    // The usual form, read in place: blanks, up to six digits and the line
+    // ending within eight bytes.
+    uint64_t newline = NewlineBits(p);
+    if (newline != 0) {
+      int length = std::countr_zero(newline) >> 3;
+      int stop = length > 0 && p[length - 1] == '\r' ? length - 1 : length;
+      int i = 0;
+      while (i < stop && p[i] == ' ') ++i;
+      if (i < stop && stop - i <= 6) {
+        int value = 0;
+        for (; i < stop; ++i) {
+          unsigned digit = static_cast<unsigned>(p[i] - '0');
+          if (digit > 9) break;
+          value = value * 10 + static_cast<int>(digit);
+        }
+        if (i == stop) {
+          code = value;
+          pos_ += length + 1;
+          ++line_;
+        }
+      }
+    }
   }
-  if (digits == 0 || i != code_text.size()) {
-    // Anything else: signs, tabs, trailing blanks, or not a number at all.
-    code_text = Trim(code_text);
-    const char* first = code_text.data();
-    const char* last = first + code_text.size();
-    if (first != last && *first == '+') ++first;
-    auto [ptr, ec] = std::from_chars(first, last, code);
-    if (code_text.empty() || ec != std::errc() || ptr != last)
-      throw DxfError(tag.line,
-                     "expected a group code (a whole number), found '" +
-                         Shown(code_text) + "'");
-  }
-  if (pos_ >= text_.size())
+  if (code < 0) code = ParseCode(ReadLine(), tag);
+  if (pos_ >= size)
     throw DxfError(tag.line,
                    "the file ends after group code " + std::to_string(code) +
                        "; the value line that belongs to it is missing");
   tag.code = code;
   tag.value = ReadLine();
   return true;
+}
+
+int Tokenizer::ParseCode(std::string_view code_text, const Tag& tag) {
+  // Blanks and digits; else signs, tabs, trailing blanks, or not a number.
+  size_t i = 0;
+  while (i < code_text.size() && code_text[i] == ' ') ++i;
+  int value = 0;
+  size_t digits = 0;
+  while (i < code_text.size() && code_text[i] >= '0' && code_text[i] <= '9' &&
+         digits < 6) {
+    value = value * 10 + (code_text[i++] - '0');
+    ++digits;
+  }
+  if (digits > 0 && i == code_text.size()) return value;
+  code_text = Trim(code_text);
+  const char* first = code_text.data();
+  const char* last = first + code_text.size();
+  if (first != last && *first == '+') ++first;
+  int code = 0;
+  auto [ptr, ec] = std::from_chars(first, last, code);
+  if (code_text.empty() || ec != std::errc() || ptr != last)
+    throw DxfError(tag.line, "expected a group code (a whole number), found '" +
+                                 Shown(code_text) + "'");
+  return code;
 }
 
 ValueType TypeOfCode(int code) {
@@ -113,10 +171,46 @@ ValueType TypeOfCode(int code) {
   return ValueType::kText;
 }
 
+namespace {
+
+// Plain decimals of up to 15 digits ("-12.375") read exactly as the
+// library would: the digits and the power of ten are both exact doubles,
+// and one division rounds correctly. False for anything else.
+bool ParsePlainDecimal(std::string_view text, double& out) {
+  static constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3, 1e4,  1e5,
+                                      1e6,  1e7,  1e8,  1e9, 1e10, 1e11,
+                                      1e12, 1e13, 1e14, 1e15};
+  const char* p = text.data();
+  const char* end = p + text.size();
+  bool negative = p != end && *p == '-';
+  if (negative) ++p;
+  uint64_t mantissa = 0;
+  int digits = 0, scale = 0;
+  while (p != end && *p >= '0' && *p <= '9') {
+    mantissa = mantissa * 10 + static_cast<unsigned>(*p++ - '0');
+    ++digits;
+  }
+  if (p != end && *p == '.') {
+    ++p;
+    while (p != end && *p >= '0' && *p <= '9') {
+      mantissa = mantissa * 10 + static_cast<unsigned>(*p++ - '0');
+      ++digits;
+      ++scale;
+    }
+  }
+  if (p != end || digits == 0 || digits > 15) return false;
+  double v = static_cast<double>(mantissa) / kPow10[scale];
+  out = negative ? -v : v;
+  return true;
+}
+
+}  // namespace
+
 bool ParseReal(std::string_view text, double& out) {
   text = Trim(text);
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
   if (text.empty()) return false;
+  if (ParsePlainDecimal(text, out)) return true;
   auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), out);
   return ec == std::errc() && ptr == text.data() + text.size() &&
          std::isfinite(out);

@@ -51,6 +51,10 @@ class Tokenizer {
 
  private:
   std::string_view ReadLine();
+  // A group code line that is not of the usual form; DxfError when it is
+  // no number.
+  static int ParseCode(std::string_view code_text, const Tag& tag);
+
   std::string_view text_;
   size_t base_;
   size_t pos_ = 0;

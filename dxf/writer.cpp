@@ -91,22 +91,22 @@ void Writer::Prepare() {
       r.begin_handle = NewHandle();
     if (r.end_handle == 0 && r.end_span.Empty()) r.end_handle = NewHandle();
     for (MemEntity* e : b->MemEntities()) {
-      std::vector<MemEntity*> parts{e};
-      auto* ref = dynamic_cast<memhost::MemBlockReference*>(e);
-      if (ref != nullptr)
-        for (auto* a : ref->Attributes()) parts.push_back(a);
-      for (MemEntity* part : parts) {
-        ObjectRecord* pr = RecordOf(*part);
-        if (pr != nullptr && pr->read && pr->handle != part->HandleValue()) {
+      auto own_handle = [](MemEntity& part) {
+        ObjectRecord* pr = RecordOf(part);
+        if (pr != nullptr && pr->read && pr->handle != part.HandleValue()) {
           // A copy (or an entity the file gave no handle): its own handle,
           // its own SEQEND.
           pr->copied = true;
           pr->hash = 0;
           pr->end_span = {};
           pr->end_handle = 0;
-          pr->handle = part->HandleValue();
+          pr->handle = part.HandleValue();
         }
-      }
+      };
+      own_handle(*e);
+      auto* ref = e->AsBlockReference();
+      if (ref != nullptr)
+        for (auto* a : ref->Attributes()) own_handle(*a);
       if (ref != nullptr && ref->HasAttributes()) {
         if (RecordOf(*ref) == nullptr) ref->file_data = ObjectRecord{};
         ObjectRecord& rr = *RecordOf(*ref);
@@ -262,7 +262,8 @@ bool Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
   // in another block than its file said gets a head of its own.
   bool fresh =
       r != nullptr && (r->copied || r->handle != obj.HandleValue() || moved);
-  if (r != nullptr && r->read && !fresh && r->hash == hash) {
+  bool xdata_as_read = r != nullptr && r->xdata_version == obj.XDataVersion();
+  if (r != nullptr && r->read && !fresh && r->hash == hash && xdata_as_read) {
     Raw(r->span);
     return true;
   }
@@ -274,6 +275,7 @@ bool Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
   plan.owner = owner;
   plan.original = has ? &original : nullptr;
   plan.fresh_head = has && fresh;
+  plan.xdata_as_read = xdata_as_read;
   fill(plan, plan.original);
   WriteObject(plan, w_, img_.codec);
   return false;
@@ -461,7 +463,7 @@ void Writer::WriteEntity(MemEntity& e, uint64_t owner, bool paper) {
   ObjectRecord* r = RecordOf(e);
   host::Entity& he = e.AsHostEntity();
   bool moved = false;
-  if (r != nullptr && r->owner != 0)
+  if (r != nullptr && r->owner != 0 && r->owner != e.Owner().HandleValue())
     if (auto* b = dynamic_cast<MemBlock*>(doc_.FindByHandle(r->owner)))
       moved = b != &e.Owner();
   bool as_read = WriteRecorded(
@@ -471,7 +473,7 @@ void Writer::WriteEntity(MemEntity& e, uint64_t owner, bool paper) {
         EntityPlan(e, ctx, plan);
       },
       moved);
-  auto* ref = dynamic_cast<memhost::MemBlockReference*>(&e);
+  auto* ref = e.AsBlockReference();
   if (ref == nullptr) {
     if (r != nullptr && !r->end_span.Empty()) Raw(r->end_span);  // vertices
     return;
@@ -505,12 +507,15 @@ std::string WriteDxf(MemDocument& doc) {
     ReadDxf(doc, NewDrawingTemplate(doc));
     // The template has the defaults' state but not their extended data:
     // they are written from their state.
-    for (MemBlock* b : doc.BlockList())
-      if (ObjectRecord* r = RecordOf(*b)) r->hash = 0;
-    for (auto* l : doc.LayerList())
-      if (ObjectRecord* r = RecordOf(*l)) r->hash = 0;
-    for (auto* s : doc.TextStyleList())
-      if (ObjectRecord* r = RecordOf(*s)) r->hash = 0;
+    auto from_state = [](MemObject& obj) {
+      if (ObjectRecord* r = RecordOf(obj)) {
+        r->hash = 0;
+        r->xdata_version = ObjectRecord::kXDataRewrite;
+      }
+    };
+    for (MemBlock* b : doc.BlockList()) from_state(*b);
+    for (auto* l : doc.LayerList()) from_state(*l);
+    for (auto* s : doc.TextStyleList()) from_state(*s);
   }
   return Writer(doc, *ImageOf(doc)).Run();
 }

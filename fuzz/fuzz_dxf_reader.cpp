@@ -1,5 +1,6 @@
 // Any bytes: the reader either refuses them with a DxfError or reads a
-// drawing that writes, reads back and writes again to the same text.
+// drawing that writes, reads back and writes again to the same text, and
+// that still writes a drawing it reads once its entities changed.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -23,5 +24,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   kestrana::dxf::ReadDxf(again, first);  // what kestrana writes it reads
   std::string second = kestrana::dxf::WriteDxf(again);
   if (second != first) std::abort();
+
+  // Changed: every record parsed, every entity moved where it can be, and
+  // what is written then still reads.
+  for (auto* e : doc.ModelSpaceBlock().MemEntities()) {
+    (void)e->XData();
+    try {
+      e->AsHostEntity().Move({0, 0, 0}, {1.5, -2, 0});
+    } catch (const kestrana::host::HostError&) {
+    }
+  }
+  MemDocument moved;
+  kestrana::dxf::ReadDxf(moved, kestrana::dxf::WriteDxf(doc));
   return 0;
 }

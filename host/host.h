@@ -27,6 +27,7 @@ enum class EntityKind {
   kText,
   kCircle,
   kEllipse,
+  kArc,
   kHatch,
   kBlockReference,
   kAttributeReference,
@@ -136,6 +137,25 @@ class Circle : public Entity {
   virtual void SetRadius(double r) = 0;
 };
 
+// A circular arc, counter-clockwise from the start to the end angle.
+class Arc : public Entity {
+ public:
+  virtual Point3 Center() const = 0;
+  virtual void SetCenter(const Point3& p) = 0;
+  virtual double Radius() const = 0;
+  virtual void SetRadius(double r) = 0;
+  // Radians from the X axis. Equal angles make an empty arc; angles a
+  // whole turn apart (0 and 2π) make a whole circle.
+  virtual double StartAngle() const = 0;
+  virtual void SetStartAngle(double angle) = 0;
+  virtual double EndAngle() const = 0;
+  virtual void SetEndAngle(double angle) = 0;
+  virtual Point3 StartPoint() const = 0;
+  virtual Point3 EndPoint() const = 0;
+  // The arc's own length, radius times the swept angle.
+  virtual double Length() const = 0;
+};
+
 class Ellipse : public Entity {
  public:
   virtual Point3 Center() const = 0;
@@ -184,7 +204,7 @@ class Hatch : public Entity {
   virtual bool AssociativeHatch() const = 0;
   virtual bool IsSolidFill() const = 0;
   // The first loop appended is the outer one. Accepts lines, polylines,
-  // circles, ellipses and arcs-as-bulged polylines.
+  // circles, arcs and ellipses.
   virtual void AppendOuterLoop(const std::vector<Entity*>& objects) = 0;
   virtual void AppendInnerLoop(const std::vector<Entity*>& objects) = 0;
   virtual int NumberOfLoops() const = 0;
@@ -279,6 +299,9 @@ class Block : public Object {
   virtual Line& AddLine(const Point3& start, const Point3& end) = 0;
   virtual Point& AddPoint(const Point3& p) = 0;
   virtual Circle& AddCircle(const Point3& center, double radius) = 0;
+  // Angles in radians; the arc runs counter-clockwise from start to end.
+  virtual Arc& AddArc(const Point3& center, double radius, double start_angle,
+                      double end_angle) = 0;
   virtual Ellipse& AddEllipse(const Point3& center, const Point3& major_axis,
                               double radius_ratio) = 0;
   virtual Text& AddText(const std::string& text, const Point3& insertion_point,

@@ -21,7 +21,15 @@ std::string Upper(std::string s) {
 }
 
 bool SameName(const std::string& a, const std::string& b) {
-  return a.size() == b.size() && Upper(a) == Upper(b);
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    char x = a[i], y = b[i];
+    if (x == y) continue;
+    if (x >= 'a' && x <= 'z') x = static_cast<char>(x - 32);
+    if (y >= 'a' && y <= 'z') y = static_cast<char>(y - 32);
+    if (x != y) return false;
+  }
+  return true;
 }
 
 std::string HexHandle(uint64_t h) {
@@ -63,15 +71,40 @@ void CheckXItem(const host::XItem& item) {
 // ---------------------------------------------------------------- objects
 
 void MemObject::SetAllXData(std::vector<XRecord> records) {
-  for (const auto& r : xdata_)
-    if (auto* e = dynamic_cast<MemEntity*>(this))
-      doc_->OnXDataChanged(*e, r[0].value.Text(), false);
+  MemEntity* e = AsMemEntity();
+  if (e != nullptr)
+    ForEachXDataApp(
+        [&](const std::string& app) { doc_->OnXDataChanged(*e, app, false); });
+  pending_source_.reset();
+  pending_apps_.reset();
   xdata_ = std::move(records);
+  ++xdata_version_;
   for (const auto& r : xdata_) {
     doc_->RegisterApp(r[0].value.Text());
-    if (auto* e = dynamic_cast<MemEntity*>(this))
-      doc_->OnXDataChanged(*e, r[0].value.Text(), true);
+    if (e != nullptr) doc_->OnXDataChanged(*e, r[0].value.Text(), true);
   }
+}
+
+void MemObject::SetPendingXData(std::shared_ptr<const XDataSource> source,
+                                XDataApps apps, uint64_t at, uint32_t line) {
+  SetAllXData({});
+  if (source == nullptr || apps == nullptr) return;
+  pending_source_ = std::move(source);
+  pending_apps_ = std::move(apps);
+  pending_at_ = at;
+  pending_line_ = line;
+  MemEntity* e = AsMemEntity();
+  ForEachXDataApp([&](const std::string& app) {
+    doc_->RegisterApp(app);
+    if (e != nullptr) doc_->OnXDataChanged(*e, app, true);
+  });
+}
+
+void MemObject::ParsePendingXData() const {
+  // Parsing may fail; the source stays until it has not.
+  xdata_ = pending_source_->Parse(pending_at_, pending_line_);
+  pending_source_.reset();
+  pending_apps_.reset();
 }
 
 void MemObject::CheckAlive() const {
@@ -83,7 +116,7 @@ std::string MemObject::Describe() const {
 }
 
 std::optional<XRecord> MemObject::FindXData(const std::string& app) const {
-  for (const auto& r : xdata_)
+  for (const auto& r : XData())
     if (SameName(r[0].value.Text(), app)) return r;
   return std::nullopt;
 }
@@ -107,6 +140,8 @@ void MemObject::StoreXData(const XRecord& record) {
       parts.back().push_back(item);
     }
   }
+  if (pending_source_) ParsePendingXData();
+  ++xdata_version_;
   for (auto& part : parts) {
     const std::string app = part[0].value.Text();
     doc_->RegisterApp(app);
@@ -117,8 +152,7 @@ void MemObject::StoreXData(const XRecord& record) {
       *it = std::move(part);
     else
       xdata_.push_back(std::move(part));
-    if (auto* e = dynamic_cast<MemEntity*>(this))
-      doc_->OnXDataChanged(*e, app, true);
+    if (MemEntity* e = AsMemEntity()) doc_->OnXDataChanged(*e, app, true);
   }
 }
 
@@ -129,9 +163,18 @@ std::vector<CurvePiece> MemEntity::Pieces() const {
       "intersections with " + self.ObjectName() + " are not supported");
 }
 
+void MemEntity::CheckFlat(const Point3& normal) const {
+  if (FacingOf(normal) != Facing::kTilted) return;
+  auto& self = const_cast<MemEntity&>(*this).AsHostEntity();
+  throw HostError(ErrorCode::kNotSupported,
+                  "the " + self.EntityName() + " " + std::to_string(id_) +
+                      " lies on a tilted plane, which this system does not "
+                      "move or intersect");
+}
+
 bool MemEntity::InLayout() const {
   return owner_ != nullptr && owner_->is_layout_ &&
-         dynamic_cast<const MemAttributeReference*>(this) == nullptr;
+         KindOf() != EntityKind::kAttributeReference;
 }
 
 void MemEntity::SetLayerUnchecked(const std::string& layer) {
@@ -505,7 +548,7 @@ ObjectId MemDocument::IdFor(uint64_t handle) {
     candidate = ((handle * 0x9E3779B97F4A7C15ull) >> 34) % 2000000000ull + 1;
   }
   while (candidate > 2147483647ull ||
-         by_id_.count(static_cast<ObjectId>(candidate)))
+         by_id_.contains(static_cast<ObjectId>(candidate)))
     candidate = candidate > 2147483647ull ? 1 : candidate + 1;
   return static_cast<ObjectId>(candidate);
 }
@@ -514,7 +557,7 @@ MemObject& MemDocument::RegisterObject(std::unique_ptr<MemObject> object,
                                        uint64_t handle) {
   if (handle == 0) {
     handle = NextHandle();
-  } else if (by_handle_.count(handle)) {
+  } else if (by_handle_.contains(handle)) {
     throw HostError(ErrorCode::kDuplicateKey,
                     "handle " + HexHandle(handle) + " is used twice");
   }
@@ -523,56 +566,56 @@ MemObject& MemDocument::RegisterObject(std::unique_ptr<MemObject> object,
   obj.handle_ = handle;
   obj.id_ = IdFor(handle);
   obj.seq_ = next_seq_++;
-  by_handle_[handle] = &obj;
-  by_id_[obj.id_] = &obj;
+  by_handle_.set(handle, &obj);
+  by_id_.set(obj.id_, &obj);
   if (handle >= next_handle_) next_handle_ = handle + 1;
   objects_.push_back(std::move(object));
   return obj;
 }
 
 uint64_t MemDocument::NextHandle() {
-  while (by_handle_.count(next_handle_)) ++next_handle_;
+  while (by_handle_.contains(next_handle_)) ++next_handle_;
   return next_handle_++;
 }
 
 uint64_t MemDocument::HandleSeed() const {
   uint64_t h = next_handle_;
-  while (by_handle_.count(h)) ++h;
+  while (by_handle_.contains(h)) ++h;
   return h;
 }
 
 void MemDocument::ReserveHandle(uint64_t handle) {
-  if (handle == 0 || by_handle_.count(handle))
+  if (handle == 0 || by_handle_.contains(handle))
     throw HostError(ErrorCode::kDuplicateKey,
                     "handle " + HexHandle(handle) + " is used twice");
-  by_handle_[handle] = nullptr;  // taken, but no object of the model
+  by_handle_.set(handle, nullptr);  // taken, but no object of the model
   if (handle >= next_handle_) next_handle_ = handle + 1;
 }
 
 void MemDocument::Rehandle(MemObject& object, uint64_t handle) {
   if (object.handle_ == handle) return;
-  if (handle == 0 || by_handle_.count(handle))
+  if (handle == 0 || by_handle_.contains(handle))
     throw HostError(ErrorCode::kDuplicateKey,
                     "handle " + HexHandle(handle) + " is used twice");
   by_handle_.erase(object.handle_);
   object.handle_ = handle;
-  by_handle_[handle] = &object;
+  by_handle_.set(handle, &object);
   if (handle >= next_handle_) next_handle_ = handle + 1;
   if (options_.id_policy == IdPolicy::kFromHandle) {
     by_id_.erase(object.id_);
     object.id_ = IdFor(handle);
-    by_id_[object.id_] = &object;
+    by_id_.set(object.id_, &object);
   }
 }
 
 MemObject* MemDocument::FindById(ObjectId id) const {
-  auto it = by_id_.find(id);
-  return it == by_id_.end() ? nullptr : it->second;
+  MemObject* const* found = by_id_.find(id);
+  return found == nullptr ? nullptr : *found;
 }
 
 MemObject* MemDocument::FindByHandle(uint64_t handle) const {
-  auto it = by_handle_.find(handle);
-  return it == by_handle_.end() ? nullptr : it->second;
+  MemObject* const* found = by_handle_.find(handle);
+  return found == nullptr ? nullptr : *found;
 }
 
 host::Block& MemDocument::ModelSpace() { return ModelSpaceBlock(); }
@@ -715,26 +758,48 @@ void MemDocument::RegisterApp(const std::string& app) {
   apps_.push_back(app);
 }
 
+void SequenceIndex::Add(MemEntity* e) {
+  if (items_.empty() || items_.back()->Sequence() < e->Sequence()) {
+    items_.push_back(e);
+    return;
+  }
+  auto at = std::lower_bound(
+      items_.begin(), items_.end(), e->Sequence(),
+      [](const MemEntity* x, uint64_t seq) { return x->Sequence() < seq; });
+  if (at == items_.end() || *at != e) items_.insert(at, e);
+}
+
+void SequenceIndex::Remove(MemEntity* e) {
+  auto at = std::lower_bound(
+      items_.begin(), items_.end(), e->Sequence(),
+      [](const MemEntity* x, uint64_t seq) { return x->Sequence() < seq; });
+  if (at != items_.end() && *at == e) items_.erase(at);
+}
+
+void SequenceIndex::Compact() const {
+  std::erase_if(items_, [](const MemEntity* e) { return e->IsErased(); });
+}
+
 std::vector<MemEntity*> MemDocument::SelectAll(
     const host::Filter& filter) const {
   CompiledFilter compiled(filter);
-  const std::map<uint64_t, MemEntity*>* candidates = &selectable_;
-  static const std::map<uint64_t, MemEntity*> kNone;
+  const SequenceIndex* candidates = &selectable_;
+  static const SequenceIndex kNone;
   auto narrow =
       [&](const std::optional<std::string>& key,
-          const std::unordered_map<std::string, std::map<uint64_t, MemEntity*>>&
-              index) {
+          const std::unordered_map<std::string, SequenceIndex>& index) {
         if (!key) return;
         auto it = index.find(*key);
         const auto* found = it == index.end() ? &kNone : &it->second;
-        if (found->size() < candidates->size()) candidates = found;
+        if (found->Size() < candidates->Size()) candidates = found;
       };
   narrow(compiled.RequiredApp(), by_app_);
   narrow(compiled.RequiredType(), by_type_);
   narrow(compiled.RequiredBlock(), by_block_);
   std::vector<MemEntity*> out;
-  for (const auto& [seq, e] : *candidates)
+  candidates->ForEach([&](MemEntity* e) {
     if (compiled.Matches(*e)) out.push_back(e);
+  });
   return out;
 }
 
@@ -753,11 +818,11 @@ std::vector<MemEntity*> MemDocument::SelectWindow(
     frame = PolylinePieces(xy, {}, true);
   }
   std::vector<MemEntity*> out;
-  for (const auto& [seq, e] : selectable_) {
-    if (!compiled.Matches(*e)) continue;
+  selectable_.ForEach([&](MemEntity* e) {
+    if (!compiled.Matches(*e)) return;
     Box2 box;
     e->AddExtents(Affine{}, box);
-    if (box.empty) continue;
+    if (box.empty) return;
     bool take = window.Contains(box);
     if (!take && crossing && window.Overlaps(box)) {
       try {
@@ -767,18 +832,18 @@ std::vector<MemEntity*> MemDocument::SelectWindow(
       }
     }
     if (take) out.push_back(e);
-  }
+  });
   return out;
 }
 
 void MemDocument::IndexEntity(MemEntity& e) {
   if (!e.InLayout() || e.IsErased()) return;
-  uint64_t seq = e.Sequence();
-  selectable_[seq] = &e;
-  by_type_[Upper(e.AsHostEntity().EntityName())][seq] = &e;
-  if (auto* ref = dynamic_cast<MemBlockReference*>(&e))
-    by_block_[Upper(ref->block_name_)][seq] = &e;
-  for (const auto& r : e.XData()) by_app_[Upper(r[0].value.Text())][seq] = &e;
+  selectable_.Add(&e);
+  by_type_[Upper(e.AsHostEntity().EntityName())].Add(&e);
+  if (auto* ref = e.AsBlockReference())
+    by_block_[Upper(ref->block_name_)].Add(&e);
+  e.ForEachXDataApp(
+      [&](const std::string& app) { by_app_[Upper(app)].Add(&e); });
 }
 
 void MemDocument::OnXDataChanged(MemEntity& e, const std::string& app,
@@ -786,18 +851,13 @@ void MemDocument::OnXDataChanged(MemEntity& e, const std::string& app,
   if (!e.InLayout() || e.IsErased()) return;
   auto& slot = by_app_[Upper(app)];
   if (present)
-    slot[e.Sequence()] = &e;
+    slot.Add(&e);
   else
-    slot.erase(e.Sequence());
+    slot.Remove(&e);
 }
 
 void MemDocument::OnErased(MemEntity& e) {
-  uint64_t seq = e.Sequence();
-  selectable_.erase(seq);
-  by_type_[Upper(e.AsHostEntity().EntityName())].erase(seq);
-  if (auto* ref = dynamic_cast<MemBlockReference*>(&e))
-    by_block_[Upper(ref->block_name_)].erase(seq);
-  for (const auto& r : e.XData()) by_app_[Upper(r[0].value.Text())].erase(seq);
+  // The indexes skip erased entities and drop them in their own time.
   if (MemLayer* l = FindLayer(e.LayerName())) --l->use_count_;
 }
 
@@ -937,6 +997,7 @@ template class ObjectImpl<host::LwPolyline, MemEntity>;
 template class ObjectImpl<host::Line, MemEntity>;
 template class ObjectImpl<host::Point, MemEntity>;
 template class ObjectImpl<host::Circle, MemEntity>;
+template class ObjectImpl<host::Arc, MemEntity>;
 template class ObjectImpl<host::Ellipse, MemEntity>;
 template class ObjectImpl<host::Hatch, MemEntity>;
 template class ObjectImpl<host::Text, MemEntity>;

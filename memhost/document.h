@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "host/host.h"
+#include "memhost/flat_map.h"
 #include "memhost/geometry.h"
 #include "memhost/session.h"
 
@@ -32,6 +33,7 @@ using host::XRecord;
 class MemBlock;
 class MemDocument;
 class MemBlockReference;
+class MemEntity;
 
 enum class IdPolicy { kFromHandle, kFresh };
 
@@ -41,11 +43,26 @@ struct Options {
   uint32_t fresh_seed = 0;
 };
 
+// Extended data read from a file and parsed on first use: loading and
+// saving a drawing then builds no records that nobody reads.
+class XDataSource {
+ public:
+  virtual ~XDataSource() = default;
+  // The records that start at `at` (a position in the source's own terms)
+  // on line `line`.
+  virtual std::vector<XRecord> Parse(uint64_t at, uint32_t line) const = 0;
+};
+// The application of each record, in order; objects whose records name
+// the same applications share one list.
+using XDataApps = std::shared_ptr<const std::vector<std::string>>;
+
 // State of every database object.
 class MemObject {
  public:
   virtual ~MemObject() = default;
   virtual host::Object& AsHostObject() = 0;
+  // The entity this object is, or nullptr (cheaper than a dynamic_cast).
+  virtual MemEntity* AsMemEntity() { return nullptr; }
 
   MemDocument& Doc() const { return *doc_; }
   uint64_t HandleValue() const { return handle_; }
@@ -53,9 +70,38 @@ class MemObject {
   bool IsErased() const { return erased_; }
   // Creation order; drawing order within a block.
   uint64_t Sequence() const { return seq_; }
-  const std::vector<XRecord>& XData() const { return xdata_; }
+  const std::vector<XRecord>& XData() const {
+    if (pending_source_) ParsePendingXData();
+    return xdata_;
+  }
+  // Counts the changes to the extended data (copies carry it along), so
+  // that the file layer can tell unchanged records without comparing them.
+  uint32_t XDataVersion() const { return xdata_version_; }
   // Replaces all extended data without checks (the file reader's way in).
   void SetAllXData(std::vector<XRecord> records);
+  // The same, parsed from `source` when first used; the applications
+  // count at once.
+  void SetPendingXData(std::shared_ptr<const XDataSource> source,
+                       XDataApps apps, uint64_t at, uint32_t line);
+  // Calls `f(app)` for the application of each record, in order, without
+  // parsing pending data.
+  template <class F>
+  void ForEachXDataApp(F&& f) const {
+    if (pending_source_) {
+      for (const std::string& app : *pending_apps_) f(app);
+    } else {
+      for (const XRecord& r : xdata_) f(r[0].value.Text());
+    }
+  }
+  // Whether a record of an application matches `test(app)`, without
+  // parsing pending data.
+  template <class F>
+  bool AnyXDataApp(F&& test) const {
+    bool found = false;
+    ForEachXDataApp(
+        [&](const std::string& app) { found = found || test(app); });
+    return found;
+  }
 
   // What the file layer keeps of the object to write it back as read.
   std::any file_data;
@@ -70,13 +116,20 @@ class MemObject {
   std::optional<XRecord> FindXData(const std::string& app) const;
   void StoreXData(const XRecord& record);
   std::string Describe() const;
+  void ParsePendingXData() const;
 
   MemDocument* doc_ = nullptr;
   uint64_t handle_ = 0;
   ObjectId id_ = 0;
   bool erased_ = false;
   uint64_t seq_ = 0;
-  std::vector<XRecord> xdata_;
+  // Parsed records; empty while pending_source_ holds them unparsed.
+  mutable std::vector<XRecord> xdata_;
+  mutable std::shared_ptr<const XDataSource> pending_source_;
+  mutable XDataApps pending_apps_;
+  uint64_t pending_at_ = 0;
+  uint32_t pending_line_ = 0;
+  uint32_t xdata_version_ = 0;
 };
 
 // Implements host::Object for a host base class.
@@ -98,7 +151,7 @@ class ObjectImpl : public Base, public State {
   void SetXData(const XRecord& record) override;
   std::vector<XRecord> GetAllXData() const override {
     this->CheckAlive();
-    return this->xdata_;
+    return this->XData();
   }
 
  protected:
@@ -110,6 +163,13 @@ class ObjectImpl : public Base, public State {
 class MemEntity : public MemObject {
  public:
   virtual host::Entity& AsHostEntity() = 0;
+  MemEntity* AsMemEntity() override { return this; }
+  EntityKind KindOf() const {
+    return const_cast<MemEntity*>(this)->AsHostEntity().Kind();
+  }
+  // This entity as a block reference, or nullptr.
+  MemBlockReference* AsBlockReference();
+  const MemBlockReference* AsBlockReference() const;
   MemBlock& Owner() const { return *owner_; }
   const std::string& LayerName() const { return layer_; }
   // True when the entity sits in model or paper space (selectable).
@@ -122,6 +182,9 @@ class MemEntity : public MemObject {
   virtual std::vector<CurvePiece> Pieces() const;
   // A copy of the kind's state, not yet registered in a document.
   virtual std::unique_ptr<MemEntity> CloneState() const = 0;
+  // Raises kNotSupported for an entity on a tilted plane, which this host
+  // does not move or intersect.
+  void CheckFlat(const Point3& normal) const;
 
   // Sets the layer without checks (the file reader's way in).
   void SetLayerUnchecked(const std::string& layer);
@@ -272,6 +335,39 @@ class MemCircle final : public EntityImpl<host::Circle> {
 
   Point3 center_;
   double radius_ = 0;
+  // The plane's normal; see Facing. Tilted circles keep the centre in their
+  // plane's coordinates.
+  Point3 normal_{0, 0, 1};
+};
+
+class MemArc final : public EntityImpl<host::Arc> {
+ public:
+  std::string ObjectName() const override { return "AcDbArc"; }
+  EntityKind Kind() const override { return EntityKind::kArc; }
+  std::string EntityName() const override { return "ARC"; }
+  Point3 Center() const override;
+  void SetCenter(const Point3& p) override;
+  double Radius() const override;
+  void SetRadius(double r) override;
+  double StartAngle() const override;
+  void SetStartAngle(double angle) override;
+  double EndAngle() const override;
+  void SetEndAngle(double angle) override;
+  Point3 StartPoint() const override;
+  Point3 EndPoint() const override;
+  double Length() const override;
+
+  void Transform(const Affine& m) override;
+  void AddExtents(const Affine& m, Box2& box) const override;
+  std::vector<CurvePiece> Pieces() const override;
+  std::unique_ptr<MemEntity> CloneState() const override;
+
+  Point3 center_;
+  double radius_ = 0;
+  double start_angle_ = 0;  // radians, counter-clockwise seen from above
+  double end_angle_ = 0;
+  // As for circles; a tilted arc's angles are those of its own plane.
+  Point3 normal_{0, 0, 1};
 };
 
 class MemEllipse final : public EntityImpl<host::Ellipse> {
@@ -298,6 +394,9 @@ class MemEllipse final : public EntityImpl<host::Ellipse> {
   double ratio_ = 1;
   double start_param_ = 0;
   double end_param_ = 6.283185307179586;
+  // Centre and axis are world values whatever the plane; parameters run
+  // counter-clockwise seen from above unless the ellipse is tilted.
+  Point3 normal_{0, 0, 1};
 };
 
 class MemHatch final : public EntityImpl<host::Hatch> {
@@ -326,6 +425,8 @@ class MemHatch final : public EntityImpl<host::Hatch> {
   double pattern_scale_ = 1;
   double elevation_ = 0;
   std::vector<host::HatchLoop> loops_;
+  // As for circles: a tilted hatch keeps its boundary in its plane.
+  Point3 normal_{0, 0, 1};
 
  private:
   void AppendLoop(const std::vector<host::Entity*>& objects, int flags);
@@ -374,6 +475,10 @@ class TextImpl : public EntityImpl<Base> {
   std::string style_ = "Standard";
   double width_factor_ = 1;
   double oblique_ = 0;
+  // A text facing down (a mirrored copy) reads backwards from above: its
+  // rotation is the world angle of the baseline and its letters stand on
+  // the other side of it. Tilted texts keep their plane's values.
+  Point3 normal_{0, 0, 1};
 };
 
 class MemText final : public TextImpl<host::Text> {
@@ -465,12 +570,24 @@ class MemBlockReference final : public EntityImpl<host::BlockReference> {
   Point3 insertion_;
   double rotation_ = 0;
   double sx_ = 1, sy_ = 1, sz_ = 1;
+  // A reference facing down is held as the mirrored insert it shows (X and
+  // Z scales turned over); a tilted one keeps its plane's values.
+  Point3 normal_{0, 0, 1};
 
  private:
   friend class MemBlock;
   friend class MemDocument;
   std::vector<MemAttributeReference*> attributes_;
 };
+
+inline MemBlockReference* MemEntity::AsBlockReference() {
+  return KindOf() == EntityKind::kBlockReference
+             ? static_cast<MemBlockReference*>(this)
+             : nullptr;
+}
+inline const MemBlockReference* MemEntity::AsBlockReference() const {
+  return const_cast<MemEntity*>(this)->AsBlockReference();
+}
 
 // An entity kind the system does not model; kept for the file layer.
 class MemOtherEntity final : public EntityImpl<host::OtherEntity> {
@@ -510,6 +627,8 @@ class MemBlock final : public ObjectImpl<host::Block> {
   host::Line& AddLine(const Point3& start, const Point3& end) override;
   host::Point& AddPoint(const Point3& p) override;
   host::Circle& AddCircle(const Point3& center, double radius) override;
+  host::Arc& AddArc(const Point3& center, double radius, double start_angle,
+                    double end_angle) override;
   host::Ellipse& AddEllipse(const Point3& center, const Point3& major_axis,
                             double radius_ratio) override;
   host::Text& AddText(const std::string& text, const Point3& insertion_point,
@@ -687,6 +806,34 @@ class MemUtility final : public host::Utility {
   MemDocument& doc_;
 };
 
+// Entities in creation order, for one index key. New entities are the
+// youngest, so adding is mostly appending; erased ones are skipped and
+// dropped once they make up half of the list.
+class SequenceIndex {
+ public:
+  // Adds `e` unless it is there.
+  void Add(MemEntity* e);
+  void Remove(MemEntity* e);
+  // Live and erased entries (an upper bound of the live ones).
+  size_t Size() const { return items_.size(); }
+  // The live entities in order.
+  template <class F>
+  void ForEach(F&& f) const {
+    size_t erased = 0;
+    for (MemEntity* e : items_) {
+      if (e->IsErased())
+        ++erased;
+      else
+        f(e);
+    }
+    if (erased > 0 && erased * 2 >= items_.size()) Compact();
+  }
+
+ private:
+  void Compact() const;
+  mutable std::vector<MemEntity*> items_;
+};
+
 class MemDocument final : public host::Document {
  public:
   explicit MemDocument(std::shared_ptr<MemApplication> app = nullptr,
@@ -796,8 +943,9 @@ class MemDocument final : public host::Document {
   Options options_;
   std::string name_ = "Drawing";
   std::vector<std::unique_ptr<MemObject>> objects_;
-  std::unordered_map<ObjectId, MemObject*> by_id_;
-  std::unordered_map<uint64_t, MemObject*> by_handle_;
+  FlatMap<ObjectId, MemObject*> by_id_;
+  // A handle may be taken by nothing of the model (a null entry).
+  FlatMap<uint64_t, MemObject*> by_handle_;
   std::vector<MemBlock*> blocks_;
   std::vector<MemLayer*> layers_;
   std::vector<MemTextStyle*> styles_;
@@ -817,10 +965,10 @@ class MemDocument final : public host::Document {
   int loading_ = 0;
   // Indexes of selectable entities (in layouts): all, by upper-case
   // application name, entity type and block name; ordered by sequence.
-  std::map<uint64_t, MemEntity*> selectable_;
-  std::unordered_map<std::string, std::map<uint64_t, MemEntity*>> by_app_;
-  std::unordered_map<std::string, std::map<uint64_t, MemEntity*>> by_type_;
-  std::unordered_map<std::string, std::map<uint64_t, MemEntity*>> by_block_;
+  SequenceIndex selectable_;
+  std::unordered_map<std::string, SequenceIndex> by_app_;
+  std::unordered_map<std::string, SequenceIndex> by_type_;
+  std::unordered_map<std::string, SequenceIndex> by_block_;
 };
 
 }  // namespace kestrana::memhost

@@ -32,10 +32,10 @@ void AddPoint(const Affine& m, const Point3& p, Box2& box) {
 }
 
 // Arcs under an arbitrary transform: sampled densely enough for extents.
-void AddArcSamples(const Affine& m, const Point3& center, const Point3& major,
-                   double ratio, double start, double sweep, Box2& box) {
+void AddConicSamples(const Affine& m, const Point3& center, const Point3& major,
+                     const Point3& minor, double start, double sweep,
+                     Box2& box) {
   constexpr int kSamples = 64;
-  Point3 minor{-major.y * ratio, major.x * ratio, 0};
   for (int i = 0; i <= kSamples; ++i) {
     double t = start + sweep * i / kSamples;
     Point3 p{center.x + major.x * std::cos(t) + minor.x * std::sin(t),
@@ -43,6 +43,17 @@ void AddArcSamples(const Affine& m, const Point3& center, const Point3& major,
              center.z};
     AddPoint(m, p, box);
   }
+}
+
+void AddArcSamples(const Affine& m, const Point3& center, const Point3& major,
+                   double ratio, double start, double sweep, Box2& box) {
+  AddConicSamples(m, center, major, {-major.y * ratio, major.x * ratio, 0},
+                  start, sweep, box);
+}
+
+// Where the values of an entity's plane land on the plan, then under `m`.
+Affine PlaneThen(const Point3& normal, double z, const Affine& m) {
+  return TiltToPlan(normal, z).Then(m);
 }
 
 void AddPiecesExtents(const std::vector<CurvePiece>& pieces, const Affine& m,
@@ -98,7 +109,7 @@ void EntityImpl<Base>::SetTrueColor(int color_index) {
 template <class Base>
 void EntityImpl<Base>::Delete() {
   this->CheckWritable();
-  if (auto* ref = dynamic_cast<MemBlockReference*>(this))
+  if (auto* ref = this->AsBlockReference())
     for (MemAttributeReference* a : ref->Attributes())
       if (!a->IsErased()) {
         a->erased_ = true;
@@ -106,7 +117,8 @@ void EntityImpl<Base>::Delete() {
       }
   this->doc_->OnErased(*this);
   this->erased_ = true;
-  if (this->owner_ != nullptr && !dynamic_cast<MemAttributeReference*>(this))
+  if (this->owner_ != nullptr &&
+      this->Kind() != EntityKind::kAttributeReference)
     ++this->owner_->erased_count_;
 }
 
@@ -164,8 +176,8 @@ host::Entity& EntityImpl<Base>::Copy() const {
       attr.owner_ = this->owner_;
       new_ref.AttachAttribute(attr);
       this->doc_->OnLayerChanged(attr, "", attr.layer_);
-      for (const auto& r : attr.XData())
-        this->doc_->RegisterApp(r[0].value.Text());
+      attr.ForEachXDataApp(
+          [&](const std::string& app) { this->doc_->RegisterApp(app); });
     }
   }
   return copy.AsHostEntity();
@@ -375,10 +387,12 @@ void MemCircle::SetRadius(double r) {
   radius_ = r;
 }
 void MemCircle::Transform(const Affine& m) {
+  CheckFlat(normal_);
   center_ = m.Apply(center_);
   radius_ *= m.Scale();
 }
-void MemCircle::AddExtents(const Affine& m, Box2& box) const {
+void MemCircle::AddExtents(const Affine& outer, Box2& box) const {
+  Affine m = PlaneThen(normal_, center_.z, outer);
   AddArcSamples(m, center_, {radius_, 0, 0}, 1.0, 0, kTwoPi, box);
   if (std::fabs(m.ScaleX() - m.ScaleY()) < 1e-12 &&
       std::fabs(m.a * m.b + m.c * m.d) < 1e-12) {
@@ -390,10 +404,92 @@ void MemCircle::AddExtents(const Affine& m, Box2& box) const {
   }
 }
 std::vector<CurvePiece> MemCircle::Pieces() const {
+  CheckFlat(normal_);
   return {FullCircle(center_, radius_)};
 }
 std::unique_ptr<MemEntity> MemCircle::CloneState() const {
   return std::make_unique<MemCircle>(*this);
+}
+
+Point3 MemArc::Center() const {
+  CheckAlive();
+  return center_;
+}
+void MemArc::SetCenter(const Point3& p) {
+  CheckWritable();
+  CheckFinite(p, "a centre");
+  center_ = p;
+}
+double MemArc::Radius() const {
+  CheckAlive();
+  return radius_;
+}
+void MemArc::SetRadius(double r) {
+  CheckWritable();
+  if (!(r > 0) || !std::isfinite(r))
+    throw HostError(ErrorCode::kBadArgument, "a radius must be positive");
+  radius_ = r;
+}
+double MemArc::StartAngle() const {
+  CheckAlive();
+  return start_angle_;
+}
+void MemArc::SetStartAngle(double angle) {
+  CheckWritable();
+  CheckFinite(angle, "an angle");
+  start_angle_ = angle;
+}
+double MemArc::EndAngle() const {
+  CheckAlive();
+  return end_angle_;
+}
+void MemArc::SetEndAngle(double angle) {
+  CheckWritable();
+  CheckFinite(angle, "an angle");
+  end_angle_ = angle;
+}
+Point3 MemArc::StartPoint() const {
+  CheckAlive();
+  return {center_.x + radius_ * std::cos(start_angle_),
+          center_.y + radius_ * std::sin(start_angle_), center_.z};
+}
+Point3 MemArc::EndPoint() const {
+  CheckAlive();
+  return {center_.x + radius_ * std::cos(end_angle_),
+          center_.y + radius_ * std::sin(end_angle_), center_.z};
+}
+double MemArc::Length() const {
+  CheckAlive();
+  return radius_ * ArcSweep(start_angle_, end_angle_);
+}
+void MemArc::Transform(const Affine& m) {
+  CheckFlat(normal_);
+  // Turned by the transform's angle; a mirror also swaps the ends, so
+  // that the arc still runs counter-clockwise. The sweep stays as it is.
+  double turn = m.RotationAngle();
+  center_ = m.Apply(center_);
+  radius_ *= m.Scale();
+  if (m.Mirrors()) {
+    double start = turn - end_angle_;
+    end_angle_ = turn - start_angle_;
+    start_angle_ = start;
+  } else {
+    start_angle_ += turn;
+    end_angle_ += turn;
+  }
+}
+void MemArc::AddExtents(const Affine& m, Box2& box) const {
+  CurvePiece piece = ArcPiece(center_, radius_, start_angle_,
+                              ArcSweep(start_angle_, end_angle_));
+  AddPiecesExtents({piece}, PlaneThen(normal_, center_.z, m), box);
+}
+std::vector<CurvePiece> MemArc::Pieces() const {
+  CheckFlat(normal_);
+  return {ArcPiece(center_, radius_, start_angle_,
+                   ArcSweep(start_angle_, end_angle_))};
+}
+std::unique_ptr<MemEntity> MemArc::CloneState() const {
+  return std::make_unique<MemArc>(*this);
 }
 
 Point3 MemEllipse::Center() const {
@@ -443,13 +539,16 @@ void MemEllipse::SetParameters(double start, double end) {
   end_param_ = end;
 }
 void MemEllipse::Transform(const Affine& m) {
+  CheckFlat(normal_);
   center_ = m.Apply(center_);
   major_axis_ = m.ApplyVector(major_axis_);
 }
 void MemEllipse::AddExtents(const Affine& m, Box2& box) const {
   double sweep = end_param_ - start_param_;
   if (sweep <= 0) sweep += kTwoPi;
-  AddArcSamples(m, center_, major_axis_, ratio_, start_param_, sweep, box);
+  AddConicSamples(m, center_, major_axis_,
+                  EllipseMinorAxis(major_axis_, ratio_, normal_), start_param_,
+                  sweep, box);
 }
 std::unique_ptr<MemEntity> MemEllipse::CloneState() const {
   return std::make_unique<MemEllipse>(*this);
@@ -516,7 +615,18 @@ void MemHatch::AppendLoop(const std::vector<host::Entity*>& objects,
       if (e == nullptr || e->IsErased())
         throw HostError(ErrorCode::kBadArgument,
                         "a hatch loop takes live entities of this drawing");
-      if (auto* circle = dynamic_cast<MemCircle*>(e)) {
+      if (auto* arc = dynamic_cast<MemArc*>(e)) {
+        arc->CheckFlat(arc->normal_);
+        host::HatchEdge edge;
+        edge.type = host::HatchEdge::Type::kArc;
+        edge.center = arc->center_;
+        edge.radius = arc->radius_;
+        edge.start_angle = arc->start_angle_;
+        edge.end_angle =
+            arc->start_angle_ + ArcSweep(arc->start_angle_, arc->end_angle_);
+        loop.edges.push_back(edge);
+      } else if (auto* circle = dynamic_cast<MemCircle*>(e)) {
+        circle->CheckFlat(circle->normal_);
         host::HatchEdge edge;
         edge.type = host::HatchEdge::Type::kArc;
         edge.center = circle->center_;
@@ -525,6 +635,7 @@ void MemHatch::AppendLoop(const std::vector<host::Entity*>& objects,
         edge.end_angle = kTwoPi;
         loop.edges.push_back(edge);
       } else if (auto* ellipse = dynamic_cast<MemEllipse*>(e)) {
+        ellipse->CheckFlat(ellipse->normal_);
         host::HatchEdge edge;
         edge.type = host::HatchEdge::Type::kEllipseArc;
         edge.center = ellipse->center_;
@@ -562,6 +673,7 @@ void MemHatch::AppendLoop(const std::vector<host::Entity*>& objects,
 }
 
 void MemHatch::Transform(const Affine& m) {
+  CheckFlat(normal_);
   double rot = m.RotationAngle();
   double s = m.Scale();
   for (auto& loop : loops_) {
@@ -589,7 +701,8 @@ void MemHatch::Transform(const Affine& m) {
   pattern_scale_ *= s;
 }
 
-void MemHatch::AddExtents(const Affine& m, Box2& box) const {
+void MemHatch::AddExtents(const Affine& outer, Box2& box) const {
+  Affine m = PlaneThen(normal_, elevation_, outer);
   for (const auto& loop : loops_) {
     if (loop.is_polyline) {
       AddPiecesExtents(PolylinePieces(loop.vertices, loop.bulges, loop.closed),
@@ -680,11 +793,20 @@ double TextImpl<Base>::DisplayWidth() const {
   return TextWidth(text_, height_, width_factor_);
 }
 
+namespace {
+// Which side of its baseline a text's letters stand on, seen from above:
+// 1 to the left, -1 to the right for a text facing down.
+double UpSide(const Point3& normal) {
+  return FacingOf(normal) == Facing::kDown ? -1.0 : 1.0;
+}
+}  // namespace
+
 template <class Base>
 Point3 TextImpl<Base>::BaselineStart() const {
   if (AnchoredAtInsertion(alignment_)) return insertion_;
   double dx = 0, dy = 0;
   AlignmentOffset(alignment_, DisplayWidth(), height_, dx, dy);
+  dy *= UpSide(normal_);
   double c = std::cos(rotation_), s = std::sin(rotation_);
   return Point3{alignment_point_.x + c * dx - s * dy,
                 alignment_point_.y + s * dx + c * dy, alignment_point_.z};
@@ -703,7 +825,7 @@ std::array<Point3, 4> TextImpl<Base>::Corners() const {
                          alignment_point_.x - insertion_.x);
   }
   double c = std::cos(angle), s = std::sin(angle);
-  double h = height_;
+  double h = height_ * UpSide(normal_);
   auto at = [&](double x, double y) {
     return Point3{start.x + c * x - s * y, start.y + s * x + c * y, start.z};
   };
@@ -838,6 +960,7 @@ void TextImpl<Base>::SetObliqueAngle(double angle) {
 }
 template <class Base>
 void TextImpl<Base>::Transform(const Affine& m) {
+  this->CheckFlat(normal_);
   insertion_ = m.Apply(insertion_);
   alignment_point_ = m.Apply(alignment_point_);
   rotation_ += m.RotationAngle();
@@ -846,7 +969,8 @@ void TextImpl<Base>::Transform(const Affine& m) {
 }
 template <class Base>
 void TextImpl<Base>::AddExtents(const Affine& m, Box2& box) const {
-  for (const Point3& p : Corners()) AddPoint(m, p, box);
+  Affine t = PlaneThen(normal_, insertion_.z, m);
+  for (const Point3& p : Corners()) AddPoint(t, p, box);
 }
 
 std::unique_ptr<MemEntity> MemText::CloneState() const {
@@ -925,6 +1049,16 @@ std::unique_ptr<MemEntity> MemAttributeDefinition::CloneState() const {
 
 // ------------------------------------------------------ block references
 
+namespace {
+// A reference moves its attributes along: all must be movable before
+// anything moves.
+void CheckAllFlat(const MemBlockReference& ref) {
+  ref.CheckFlat(ref.normal_);
+  for (const MemAttributeReference* a : ref.Attributes())
+    if (!a->IsErased()) a->CheckFlat(a->normal_);
+}
+}  // namespace
+
 std::string MemBlockReference::Name() const {
   CheckAlive();
   return block_name_;
@@ -938,6 +1072,7 @@ Point3 MemBlockReference::InsertionPoint() const {
 void MemBlockReference::SetInsertionPoint(const Point3& p) {
   CheckWritable();
   CheckFinite(p, "an insertion point");
+  CheckAllFlat(*this);
   Affine move = Affine::Translation(p.x - insertion_.x, p.y - insertion_.y,
                                     p.z - insertion_.z);
   insertion_ = p;
@@ -952,6 +1087,7 @@ double MemBlockReference::Rotation() const {
 void MemBlockReference::SetRotation(double angle) {
   CheckWritable();
   CheckFinite(angle, "a rotation");
+  CheckAllFlat(*this);
   Affine turn = Affine::Rotation(insertion_, angle - rotation_);
   rotation_ = angle;
   for (MemAttributeReference* a : attributes_) a->Transform(turn);
@@ -975,6 +1111,7 @@ void MemBlockReference::SetScaleFactors(double x, double y, double z) {
   if (x == 0 || y == 0 || z == 0 || !std::isfinite(x) || !std::isfinite(y) ||
       !std::isfinite(z))
     throw HostError(ErrorCode::kBadArgument, "scale factors cannot be zero");
+  CheckAllFlat(*this);
   Affine old_t = BlockTransform();
   sx_ = x;
   sy_ = y;
@@ -1019,11 +1156,12 @@ MemAttributeReference& MemBlockReference::AdoptAttribute(
   if (doc_->FindLayer(a.layer_) == nullptr) doc_->AddLayer(a.layer_);
   AttachAttribute(a);
   doc_->OnLayerChanged(a, "", a.layer_);
-  for (const auto& r : a.XData()) doc_->RegisterApp(r[0].value.Text());
+  a.ForEachXDataApp([&](const std::string& app) { doc_->RegisterApp(app); });
   return a;
 }
 
 void MemBlockReference::Transform(const Affine& m) {
+  CheckAllFlat(*this);
   insertion_ = m.Apply(insertion_);
   rotation_ += m.RotationAngle();
   double sx = m.ScaleX(), sy = m.ScaleY();
@@ -1037,13 +1175,13 @@ void MemBlockReference::AddExtents(const Affine& m, Box2& box) const {
   MemBlock* block = doc_->FindBlock(block_name_);
   if (block != nullptr && g_extent_depth < 16) {
     ++g_extent_depth;
-    Affine t = BlockTransform().Then(m);
+    Affine t = BlockTransform().Then(PlaneThen(normal_, insertion_.z, m));
     for (MemEntity* e : block->MemEntities()) e->AddExtents(t, box);
     --g_extent_depth;
   }
   for (const MemAttributeReference* a : attributes_)
     if (!a->IsErased() && !a->invisible_) a->AddExtents(m, box);
-  if (box.empty) AddPoint(m, insertion_, box);
+  if (box.empty) AddPoint(PlaneThen(normal_, insertion_.z, m), insertion_, box);
 }
 
 std::unique_ptr<MemEntity> MemBlockReference::CloneState() const {
@@ -1132,7 +1270,7 @@ void MemBlock::Delete() {
                     "the layout block \"" + name_ + "\" cannot be deleted");
   for (MemBlock* b : doc_->BlockList())
     for (MemEntity* e : b->MemEntities())
-      if (auto* ref = dynamic_cast<MemBlockReference*>(e))
+      if (auto* ref = e->AsBlockReference())
         if (doc_->FindBlock(ref->block_name_) == this)
           throw HostError(ErrorCode::kInUse,
                           "block \"" + name_ + "\" is inserted in the drawing");
@@ -1156,7 +1294,7 @@ MemEntity& MemBlock::Adopt(std::unique_ptr<MemEntity> entity, uint64_t handle) {
   if (layer == nullptr) layer = &doc_->AddLayer(e.layer_);
   e.layer_ = layer->name_;
   ++layer->use_count_;
-  for (const auto& r : e.XData()) doc_->RegisterApp(r[0].value.Text());
+  e.ForEachXDataApp([&](const std::string& app) { doc_->RegisterApp(app); });
   entities_.push_back(&e);
   doc_->IndexEntity(e);
   return e;
@@ -1211,6 +1349,22 @@ host::Circle& MemBlock::AddCircle(const Point3& center, double radius) {
   auto e = OnCurrentLayer<MemCircle>(*doc_);
   e->center_ = center;
   e->radius_ = radius;
+  return AddNew(std::move(e));
+}
+
+host::Arc& MemBlock::AddArc(const Point3& center, double radius,
+                            double start_angle, double end_angle) {
+  CheckAlive();
+  CheckFinite(center, "a centre");
+  if (!(radius > 0) || !std::isfinite(radius))
+    throw HostError(ErrorCode::kBadArgument, "a radius must be positive");
+  CheckFinite(start_angle, "an angle");
+  CheckFinite(end_angle, "an angle");
+  auto e = OnCurrentLayer<MemArc>(*doc_);
+  e->center_ = center;
+  e->radius_ = radius;
+  e->start_angle_ = start_angle;
+  e->end_angle_ = end_angle;
   return AddNew(std::move(e));
 }
 
@@ -1333,6 +1487,8 @@ host::BlockReference& MemBlock::InsertBlock(const Point3& insertion_point,
     attr->width_factor_ = attdef->width_factor_;
     attr->oblique_ = attdef->oblique_;
     attr->color_ = attdef->color_;
+    if (FacingOf(attdef->normal_) != Facing::kTilted)
+      attr->normal_ = attdef->normal_;
     attr->tag_ = attdef->tag_;
     attr->invisible_ = (attdef->mode_ & 1) != 0;
     // Attributes defined on layer 0 take the layer of the reference.
@@ -1351,6 +1507,7 @@ template class EntityImpl<host::LwPolyline>;
 template class EntityImpl<host::Line>;
 template class EntityImpl<host::Point>;
 template class EntityImpl<host::Circle>;
+template class EntityImpl<host::Arc>;
 template class EntityImpl<host::Ellipse>;
 template class EntityImpl<host::Hatch>;
 template class EntityImpl<host::Text>;

@@ -90,7 +90,7 @@ struct CompiledFilter::Node {
       case 0:
         return WildcardMatch(host_entity.EntityName(), text, true);
       case 2: {
-        auto* ref = dynamic_cast<const MemBlockReference*>(&e);
+        auto* ref = e.AsBlockReference();
         return ref && WildcardMatch(ref->block_name_, text, true);
       }
       case 8:
@@ -98,9 +98,9 @@ struct CompiledFilter::Node {
       case 62:
         return Compare(e.color_);
       case 1001:
-        for (const auto& rec : e.XData())
-          if (WildcardMatch(rec[0].value.Text(), text, true)) return true;
-        return false;
+        return e.AnyXDataApp([&](const std::string& app) {
+          return WildcardMatch(app, text, true);
+        });
       default:
         break;
     }

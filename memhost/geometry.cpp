@@ -271,6 +271,78 @@ CurvePiece FullCircle(const Point3& center, double radius) {
   return c;
 }
 
+double ArcSweep(double start, double end) {
+  if (start == end) return 0;
+  double sweep = std::fmod(end - start, kTwoPi);
+  if (sweep < 0) sweep += kTwoPi;
+  // Rounding of angles meant to be a whole turn apart.
+  if (sweep < 1e-12 || sweep > kTwoPi - 1e-12) return kTwoPi;
+  return sweep;
+}
+
+CurvePiece ArcPiece(const Point3& center, double radius, double start,
+                    double sweep) {
+  CurvePiece c;
+  c.is_arc = true;
+  c.center = center;
+  c.radius = radius;
+  c.start_angle = start;
+  c.sweep = sweep;
+  c.p0 = Point3{center.x + radius * std::cos(start),
+                center.y + radius * std::sin(start), center.z};
+  c.p1 = Point3{center.x + radius * std::cos(start + sweep),
+                center.y + radius * std::sin(start + sweep), center.z};
+  return c;
+}
+
+Facing FacingOf(const Point3& n) {
+  double len = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
+  // A missing (zero) normal is the default one.
+  if (len == 0) return Facing::kUp;
+  if (std::fabs(n.x) > 1e-10 * len || std::fabs(n.y) > 1e-10 * len)
+    return Facing::kTilted;
+  return n.z > 0 ? Facing::kUp : Facing::kDown;
+}
+
+Affine OcsToPlan(const Point3& n, double z) {
+  double len = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
+  if (len == 0 || FacingOf(n) == Facing::kUp) return Affine{};
+  Point3 u{n.x / len, n.y / len, n.z / len};
+  auto cross = [](const Point3& a, const Point3& b) {
+    return Point3{a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z,
+                  a.x * b.y - a.y * b.x};
+  };
+  Point3 ax = (std::fabs(u.x) < 1.0 / 64 && std::fabs(u.y) < 1.0 / 64)
+                  ? cross({0, 1, 0}, u)
+                  : cross({0, 0, 1}, u);
+  double ax_len = std::sqrt(ax.x * ax.x + ax.y * ax.y + ax.z * ax.z);
+  ax = {ax.x / ax_len, ax.y / ax_len, ax.z / ax_len};
+  Point3 ay = cross(u, ax);
+  Affine m;
+  m.a = ax.x;
+  m.b = ay.x;
+  m.c = ax.y;
+  m.d = ay.y;
+  m.e = u.x * z;
+  m.f = u.y * z;
+  return m;
+}
+
+Affine TiltToPlan(const Point3& normal, double z) {
+  if (FacingOf(normal) != Facing::kTilted) return Affine{};
+  return OcsToPlan(normal, z);
+}
+
+Point3 EllipseMinorAxis(const Point3& major, double ratio, const Point3& n) {
+  if (FacingOf(n) != Facing::kTilted)
+    return {-major.y * ratio, major.x * ratio, 0};
+  double len = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
+  double k = ratio / len;
+  return {k * (n.y * major.z - n.z * major.y),
+          k * (n.z * major.x - n.x * major.z),
+          k * (n.x * major.y - n.y * major.x)};
+}
+
 std::vector<CurvePiece> PolylinePieces(const std::vector<double>& xy,
                                        const std::vector<double>& bulges,
                                        bool closed) {

@@ -47,6 +47,32 @@ struct CurvePiece {
   double sweep = 0;        // arc, signed (positive counter-clockwise)
 };
 
+// The counter-clockwise sweep of an arc from `start` to `end` (radians):
+// 0 for equal angles, a whole turn for angles a whole turn apart.
+double ArcSweep(double start, double end);
+// A circular arc piece from its centre, radius, start angle and signed sweep.
+CurvePiece ArcPiece(const Point3& center, double radius, double start,
+                    double sweep);
+
+// How the plane of an entity (its extrusion direction, group code 210 in
+// files) lies against the plan. Entities facing up or down keep world
+// coordinates in memory; tilted ones keep the values of their own plane.
+enum class Facing { kUp, kDown, kTilted };
+Facing FacingOf(const Point3& normal);
+// The arbitrary-axis rule: a point of the plane of `normal`, given in that
+// plane's coordinates with elevation `z`, seen from above on the plan (Z
+// is carried as it is).
+Affine OcsToPlan(const Point3& normal, double z);
+// For entities that hold world values unless tilted: OcsToPlan for a
+// tilted plane, no change otherwise.
+Affine TiltToPlan(const Point3& normal, double z);
+
+// The minor axis of an ellipse (centre and major axis in world values) as
+// seen on the plan: the major axis turned a quarter counter-clockwise, or
+// for a tilted ellipse the normal crossed with the major axis.
+Point3 EllipseMinorAxis(const Point3& major, double ratio,
+                        const Point3& normal);
+
 // The pieces of a polyline vertex list (bulges may be empty).
 std::vector<CurvePiece> PolylinePieces(const std::vector<double>& xy,
                                        const std::vector<double>& bulges,

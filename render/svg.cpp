@@ -99,33 +99,9 @@ TextLook LookOf(const T& text, const std::string& raw) {
   return {raw, text.height_, text.oblique_, text.Corners()};
 }
 
-// A polyline's vertices lie in the plane of its normal, on axes the host
-// derives from the normal alone; seen from above that plane maps onto the
-// plan by this transform. Copies mirrored in the host get normal (0,0,-1),
-// which turns X over.
-Affine ObjectToPlan(const Point3& n, double elevation) {
-  double len = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
-  if (len == 0 || (n.x == 0 && n.y == 0 && n.z > 0)) return Affine{};
-  Point3 z{n.x / len, n.y / len, n.z / len};
-  auto cross = [](const Point3& a, const Point3& b) {
-    return Point3{a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z,
-                  a.x * b.y - a.y * b.x};
-  };
-  // The host's arbitrary axis rule.
-  Point3 ax = (std::fabs(z.x) < 1.0 / 64 && std::fabs(z.y) < 1.0 / 64)
-                  ? cross({0, 1, 0}, z)
-                  : cross({0, 0, 1}, z);
-  double ax_len = std::sqrt(ax.x * ax.x + ax.y * ax.y + ax.z * ax.z);
-  ax = {ax.x / ax_len, ax.y / ax_len, ax.z / ax_len};
-  Point3 ay = cross(z, ax);
-  Affine m;
-  m.a = ax.x;
-  m.b = ay.x;
-  m.c = ax.y;
-  m.d = ay.y;
-  m.e = z.x * elevation;
-  m.f = z.y * elevation;
-  return m;
+// The values of an entity's plane seen from above, then under `m`.
+Affine Tilted(const Point3& normal, double z, const Affine& m) {
+  return memhost::TiltToPlan(normal, z).Then(m);
 }
 
 // Sweep of a hatch edge arc, whichever way its angles were stored.
@@ -218,19 +194,36 @@ class Collector {
       }
       case EntityKind::kLwPolyline: {
         const auto& pl = static_cast<const memhost::MemLwPolyline&>(e);
-        return Polyline(pl, ObjectToPlan(pl.normal_, pl.elevation_).Then(m),
+        // Vertices stay in the polyline's plane: copies mirrored in the host
+        // (normal (0,0,-1)) have X turned over.
+        return Polyline(pl,
+                        memhost::OcsToPlan(pl.normal_, pl.elevation_).Then(m),
                         color, tags);
       }
+      // Kinds with a plane hold world values unless the plane is tilted;
+      // a tilted one is drawn as seen from above.
       case EntityKind::kCircle: {
         const auto& circle = static_cast<const memhost::MemCircle&>(e);
+        Affine plane = Tilted(circle.normal_, circle.center_.z, m);
         return FullConic(
-            Conic::Circle(circle.center_, circle.radius_).Mapped(m), color,
+            Conic::Circle(circle.center_, circle.radius_).Mapped(plane), color,
             tags);
+      }
+      case EntityKind::kArc: {
+        const auto& arc = static_cast<const memhost::MemArc&>(e);
+        PathBuilder path(Tilted(arc.normal_, arc.center_.z, m));
+        path.CircularArc(arc.center_, arc.radius_, arc.start_angle_,
+                         memhost::ArcSweep(arc.start_angle_, arc.end_angle_));
+        Element("<path" + Attr("d", path.Data()) + Attr("stroke", color) +
+                    tags + "/>",
+                path.Extent());
+        return;
       }
       case EntityKind::kEllipse: {
         const auto& ellipse = static_cast<const memhost::MemEllipse&>(e);
-        Conic conic = Conic::Ellipse(ellipse.center_, ellipse.major_axis_,
-                                     ellipse.ratio_);
+        Conic conic{ellipse.center_, ellipse.major_axis_,
+                    memhost::EllipseMinorAxis(ellipse.major_axis_,
+                                              ellipse.ratio_, ellipse.normal_)};
         double sweep =
             std::fmod(ellipse.end_param_ - ellipse.start_param_, kTwoPi);
         if (sweep <= 1e-12) sweep += kTwoPi;
@@ -243,8 +236,11 @@ class Collector {
                 path.Extent());
         return;
       }
-      case EntityKind::kHatch:
-        return Hatch(static_cast<const memhost::MemHatch&>(e), m, color, tags);
+      case EntityKind::kHatch: {
+        const auto& hatch = static_cast<const memhost::MemHatch&>(e);
+        return Hatch(hatch, Tilted(hatch.normal_, hatch.elevation_, m), color,
+                     tags);
+      }
       case EntityKind::kPoint: {
         const auto& point = static_cast<const memhost::MemPoint&>(e);
         Prim prim{Prim::Kind::kPoint,
@@ -257,13 +253,16 @@ class Collector {
       }
       case EntityKind::kText: {
         const auto& text = static_cast<const memhost::MemText&>(e);
-        return Text(LookOf(text, text.text_), m, color, tags);
+        return Text(LookOf(text, text.text_),
+                    Tilted(text.normal_, text.insertion_.z, m), color, tags);
       }
       case EntityKind::kAttributeReference: {
         const auto& attribute =
             static_cast<const memhost::MemAttributeReference&>(e);
         if (attribute.invisible_) return;
-        return Text(LookOf(attribute, attribute.text_), m, color, tags);
+        return Text(LookOf(attribute, attribute.text_),
+                    Tilted(attribute.normal_, attribute.insertion_.z, m), color,
+                    tags);
       }
       case EntityKind::kAttributeDefinition: {
         // Outside inserts the host shows a definition by its tag.
@@ -278,7 +277,9 @@ class Collector {
         shown.rotation_ = definition.rotation_;
         shown.width_factor_ = definition.width_factor_;
         shown.oblique_ = definition.oblique_;
-        return Text(LookOf(shown, shown.text_), m, color, tags);
+        shown.normal_ = definition.normal_;
+        return Text(LookOf(shown, shown.text_),
+                    Tilted(shown.normal_, shown.insertion_.z, m), color, tags);
       }
       default:
         ++skipped_[e.AsHostEntity().EntityName()];
@@ -307,8 +308,9 @@ class Collector {
       ++skipped_["INSERT of a block inside itself"];
     } else {
       stack_.push_back(block);
-      Walk(*block, Context{ref.BlockTransform().Then(ctx.m), layer, color},
-           false);
+      Affine to_owner = ref.BlockTransform().Then(
+          Tilted(ref.normal_, ref.insertion_.z, ctx.m));
+      Walk(*block, Context{to_owner, layer, color}, false);
       stack_.pop_back();
     }
     // Attributes live in the insert's own space and take its colour ByBlock.
@@ -493,6 +495,7 @@ class Collector {
       run_widths.push_back(w * look.height);
       natural += w * look.height;
     }
+    // Named corners, not a structured binding: lambdas below capture them.
     const Point3& c0 = look.corners[0];
     const Point3& c1 = look.corners[1];
     const Point3& c3 = look.corners[3];
@@ -528,10 +531,10 @@ class Collector {
     for (size_t i = 0; i < runs.size(); ++i) {
       double from = offset, to = offset + run_widths[i];
       offset = to;
-      for (auto [on, level] : {std::pair{runs[i].underline, kUnderlineAt},
+      for (const auto& line : {std::pair{runs[i].underline, kUnderlineAt},
                                std::pair{runs[i].overline, kOverlineAt}}) {
-        if (!on) continue;
-        double at = level;  // lambdas cannot capture structured bindings in clang 14
+        if (!line.first) continue;
+        double at = line.second;
         auto point = [&](double u) {
           return m.Apply(Point3{c0.x + ex.x * u + up.x * at * look.height,
                                 c0.y + ex.y * u + up.y * at * look.height, 0});

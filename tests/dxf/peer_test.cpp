@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <sstream>
 
 #include "dxf/io.h"
 #include "dxf_test_util.h"
@@ -72,6 +75,7 @@ class Peers : public ::testing::Test {
     doc.ModelSpace().AddPoint({1, 1, 0}).SetXData(
         {{1001, "Other"}, {1000, "x"}});
     doc.ModelSpace().AddEllipse({30, 0, 0}, {5, 0, 0}, 0.5);
+    doc.ModelSpace().AddArc({30, 10, 0}, 2, 0.5, 3.5);
     auto& square =
         doc.ModelSpace().AddLightWeightPolyline({40, 0, 50, 0, 50, 10, 40, 10});
     square.SetClosed(true);
@@ -93,7 +97,7 @@ TEST_F(Peers, EzdxfReadsNewDrawingsWithoutAuditErrors) {
             std::string::npos)
       << summary;
   for (const char* type : {"LWPOLYLINE", "INSERT", "TEXT", "LINE", "POINT",
-                           "ELLIPSE", "HATCH", "CIRCLE"})
+                           "ELLIPSE", "HATCH", "CIRCLE", "ARC"})
     EXPECT_NE(summary.find(std::string("\"type\": \"") + type + "\""),
               std::string::npos)
         << type;
@@ -165,6 +169,99 @@ TEST_F(Peers, EzdxfReadsChangedDrawings) {
       << "APPID of a layer's XData";
   // The untouched hatch came through as it was read.
   EXPECT_NE(summary.find("\"type\": \"HATCH\""), std::string::npos);
+}
+
+// World points by "handle name", as tests/dxf/ezdxf_mirrored.py prints them.
+using Points = std::map<std::string, host::Point3>;
+
+Points EzdxfPoints(const std::string& path) {
+  std::istringstream in(Capture("/usr/bin/python3 " KESTRANA_SOURCE_DIR
+                                "/tests/dxf/ezdxf_mirrored.py points '" +
+                                path + "'"));
+  Points out;
+  std::string handle, name;
+  double x, y;
+  while (in >> handle >> name >> x >> y) out[handle + " " + name] = {x, y, 0};
+  return out;
+}
+
+// The same points from the state kestrana read. Arcs and ellipses turn
+// counter-clockwise from above here, so their ends come the other way round.
+Points KestranaPoints(memhost::MemDocument& doc) {
+  Points out;
+  auto put = [&](memhost::MemEntity& e, const char* name,
+                 const host::Point3& p) {
+    out[e.AsHostEntity().Handle() + " " + name] = {p.x, p.y, 0};
+  };
+  for (memhost::MemEntity* e : doc.ModelSpaceBlock().MemEntities()) {
+    if (auto* circle = dynamic_cast<memhost::MemCircle*>(e)) {
+      put(*e, "center", circle->Center());
+    } else if (auto* arc = dynamic_cast<memhost::MemArc*>(e)) {
+      put(*e, "start", arc->EndPoint());
+      put(*e, "end", arc->StartPoint());
+    } else if (auto* ellipse = dynamic_cast<memhost::MemEllipse*>(e)) {
+      host::Point3 minor = memhost::EllipseMinorAxis(
+          ellipse->major_axis_, ellipse->ratio_, ellipse->normal_);
+      auto at = [&](double t) {
+        return host::Point3{
+            ellipse->center_.x + ellipse->major_axis_.x * std::cos(t) +
+                minor.x * std::sin(t),
+            ellipse->center_.y + ellipse->major_axis_.y * std::cos(t) +
+                minor.y * std::sin(t),
+            0};
+      };
+      put(*e, "start", at(ellipse->end_param_));
+      put(*e, "end", at(ellipse->start_param_));
+    } else if (auto* text = dynamic_cast<memhost::MemText*>(e)) {
+      put(*e, "insert", text->InsertionPoint());
+    } else if (auto* hatch = dynamic_cast<memhost::MemHatch*>(e)) {
+      const host::HatchLoop& loop = hatch->loops_.at(0);
+      std::vector<host::Point3> corners;
+      if (loop.is_polyline) {
+        for (size_t i = 0; i + 1 < loop.vertices.size(); i += 2)
+          corners.push_back({loop.vertices[i], loop.vertices[i + 1], 0});
+      } else {
+        corners.push_back(loop.edges.at(0).center);
+        for (size_t k = 1; k < loop.edges.size(); ++k)
+          corners.push_back(loop.edges[k].end);
+      }
+      for (size_t k = 0; k < corners.size(); ++k)
+        put(*e, ("v" + std::to_string(k)).c_str(), corners[k]);
+    } else if (auto* ref = dynamic_cast<memhost::MemBlockReference*>(e)) {
+      put(*e, "line_start", ref->BlockTransform().Apply({0, 0, 0}));
+      put(*e, "line_end", ref->BlockTransform().Apply({1, 0, 0}));
+      for (auto* a : ref->Attributes()) put(*a, "insert", a->InsertionPoint());
+    }
+  }
+  return out;
+}
+
+void ExpectSamePoints(const Points& got, const Points& want, double dx) {
+  ASSERT_EQ(got.size(), want.size());
+  for (const auto& [key, p] : want) {
+    auto it = got.find(key);
+    ASSERT_NE(it, got.end()) << key;
+    EXPECT_NEAR(it->second.x, p.x + dx, 1e-9) << key;
+    EXPECT_NEAR(it->second.y, p.y, 1e-9) << key;
+  }
+}
+
+TEST_F(Peers, MirroredEntitiesLandWhereEzdxfPutsThem) {
+  Capture("/usr/bin/python3 " KESTRANA_SOURCE_DIR
+          "/tests/dxf/ezdxf_mirrored.py write '" +
+          Path("mirrored.dxf") + "'");
+  Points ezdxf = EzdxfPoints(Path("mirrored.dxf"));
+  ASSERT_EQ(ezdxf.size(), 15u) << "ezdxf wrote no drawing";
+  auto doc = LoadDrawing(Path("mirrored.dxf"));
+  ExpectSamePoints(KestranaPoints(*doc), ezdxf, 0);
+
+  // Moved east by the logic and written: ezdxf finds every point moved.
+  for (memhost::MemEntity* e : doc->ModelSpaceBlock().MemEntities())
+    e->AsHostEntity().Move({0, 0, 0}, {10, 0, 0});
+  SaveDrawing(*doc, Path("moved.dxf"));
+  std::string summary = EzdxfSummary(Path("moved.dxf"));
+  EXPECT_NE(summary.find("\"errors\": []"), std::string::npos) << summary;
+  ExpectSamePoints(EzdxfPoints(Path("moved.dxf")), ezdxf, 10);
 }
 
 TEST_F(Peers, LibreCadDrawsNewDrawings) {

@@ -263,6 +263,43 @@ TEST(RoundTrip, AnUnchangedDrawingWritesBackByteForByte) {
   }
 }
 
+TEST(RoundTrip, RecordsReadAreTheSameWhetherUsedCopiedOrRewritten) {
+  // Records are parsed from the file's text when first used: reading them,
+  // copying their entities, selecting by them and setting them again must
+  // all behave as if they had been parsed at once.
+  MemDocument original;
+  auto& first = original.ModelSpace().AddLightWeightPolyline({0, 0, 1, 1});
+  first.SetXData(AllKinds("Kestrana"));
+  first.SetXData(AllKinds("OtherApp"));
+  auto& second = original.ModelSpace().AddLine({0, 0, 0}, {2, 2, 0});
+  second.SetXData(AllKinds("Kestrana"));
+  std::string text = WriteDxf(original);
+
+  auto doc = Read(text);
+  auto& pipe = Only<memhost::MemLwPolyline>(*doc, "LWPOLYLINE");
+  auto& line = Only<memhost::MemLine>(*doc, "LINE");
+  // Selected by application and by value before anything was parsed.
+  EXPECT_EQ(doc->SelectAll({{1001, "OTHERAPP"}}).size(), 1u);
+  EXPECT_EQ(
+      doc->SelectAll({{1001, "Kestrana"}, {1070, int16_t{-32768}}}).size(), 2u);
+  // Reading or setting the same records again changes nothing written.
+  EXPECT_EQ(line.GetXData("Kestrana"), AllKinds("Kestrana"));
+  line.SetXData(AllKinds("Kestrana"));
+  EXPECT_EQ(WriteDxf(*doc), text);
+  // Copies carry the records; a changed record is written from its state
+  // while the copy keeps the old one.
+  auto& copy2 = pipe.Copy();
+  EXPECT_EQ(copy2.GetAllXData(), first.GetAllXData());
+  pipe.SetXData({{1001, "Kestrana"}, {1000, "changed"}});
+  auto back = Read(WriteDxf(*doc));
+  EXPECT_EQ(back->HandleToObject(pipe.Handle()).GetXData("Kestrana"),
+            (XRecord{{1001, "Kestrana"}, {1000, "changed"}}));
+  EXPECT_EQ(back->HandleToObject(pipe.Handle()).GetXData("OtherApp"),
+            AllKinds("OtherApp"));
+  EXPECT_EQ(back->HandleToObject(copy2.Handle()).GetXData("Kestrana"),
+            AllKinds("Kestrana"));
+}
+
 // A LINE as another program writes it: codes the model ignores, texts
 // in a format of its own.
 const char* kForeignEntities =
@@ -325,6 +362,38 @@ TEST(RoundTrip, ChangesAreMergedIntoTheTagsTheyWereReadFrom) {
       out.find(
           "0\nMTEXT\n5\n2B\n100\nAcDbEntity\n  8\n0\n100\nAcDbMText\n10\n1\n"),
       std::string::npos);
+}
+
+TEST(RoundTrip, GroupsOfOtherNamesAreNeitherReadNorMerged) {
+  // A text with an embedded object (as newer files add to attributes) and
+  // a polyline with a group another program added: their codes are not
+  // the entity's own, so they neither change its state nor take its
+  // changes, and what is written after a change reads again.
+  const std::string entities =
+      "0\nTEXT\n5\n2A\n100\nAcDbEntity\n8\n0\n100\nAcDbText\n10\n1\n20\n"
+      "2\n30\n0\n40\n1\n1\nreal\n101\nEmbedded Object\n10\n99\n20\n99\n"
+      "1\nembedded\n"
+      "0\nLWPOLYLINE\n5\n2B\n100\nAcDbEntity\n8\n0\n100\nAcDbPolyline\n90\n"
+      "2\n70\n0\n10\n0\n20\n0\n10\n5\n20\n0\n100\nOtherProgram\n20\n"
+      "not a number\n";
+  auto doc = Read(MinimalDxf(entities));
+  auto& text = Only<memhost::MemText>(*doc, "TEXT");
+  EXPECT_EQ(text.text_, "real");
+  EXPECT_EQ(text.insertion_, (Point3{1, 2, 0}));
+  auto& pl = Only<memhost::MemLwPolyline>(*doc, "LWPOLYLINE");
+  EXPECT_EQ(pl.xy_, (std::vector<double>{0, 0, 5, 0}));
+  text.Move({0, 0, 0}, {1, 0, 0});
+  pl.Move({0, 0, 0}, {1, 0, 0});
+  std::string out = WriteDxf(*doc);
+  EXPECT_NE(out.find("101\nEmbedded Object\n10\n99\n20\n99\n1\nembedded\n"),
+            std::string::npos);
+  EXPECT_NE(out.find("100\nOtherProgram\n20\nnot a number\n"),
+            std::string::npos);
+  auto back = Read(out);
+  EXPECT_EQ(Only<memhost::MemText>(*back, "TEXT").insertion_,
+            (Point3{2, 2, 0}));
+  EXPECT_EQ(Only<memhost::MemLwPolyline>(*back, "LWPOLYLINE").xy_,
+            (std::vector<double>{1, 0, 6, 0}));
 }
 
 TEST(RoundTrip, NewObjectsGetFreshHandlesAndTheSeedFollows) {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdlib>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -104,6 +107,77 @@ TEST(Values, RealsWriteInTheirShortestExactForm) {
   EXPECT_EQ(FormatReal(-0.0), "0.0");
   EXPECT_EQ(FormatReal(0.1), "0.1");
   EXPECT_EQ(FormatHandle(0xAB12), "AB12");
+}
+
+TEST(Values, DecimalsReadExactlyAsTheCLibraryReadsThem) {
+  // Plain decimals take a shortcut of their own; every one must come out
+  // as strtod makes it, to the last bit, whatever the digits.
+  std::mt19937_64 random(7);
+  auto digits = [&](int n) {
+    std::string s;
+    for (int i = 0; i < n; ++i) s += static_cast<char>('0' + random() % 10);
+    return s;
+  };
+  for (int i = 0; i < 20000; ++i) {
+    int whole = static_cast<int>(random() % 12);
+    int fraction = static_cast<int>(random() % 12);
+    std::string text = (random() % 3 == 0 ? "-" : "") + digits(whole);
+    if (random() % 4 != 0) text += "." + digits(fraction);
+    double expected = 0;
+    char* end = nullptr;
+    expected = std::strtod(text.c_str(), &end);
+    bool valid = end == text.c_str() + text.size() && text != "-" &&
+                 text != "." && text != "-." && !text.empty();
+    double got = 0;
+    ASSERT_EQ(ParseReal(text, got), valid) << text;
+    if (valid) ASSERT_EQ(got, expected) << text;
+  }
+  double v = 0;
+  ASSERT_TRUE(ParseReal("0.1000000000000000055511151231257827", v));
+  EXPECT_EQ(v, 0.1);
+  ASSERT_TRUE(ParseReal("-0", v));
+  EXPECT_TRUE(std::signbit(v));
+  EXPECT_FALSE(ParseReal("1.2.3", v));
+  EXPECT_FALSE(ParseReal("--1", v));
+}
+
+TEST(Tokenizer, AgreesWithAPlainSplitForEveryLineLength) {
+  // Values of every length around the eight bytes read at a time, with
+  // both line endings, codes with and without blanks, and a last line
+  // without its ending.
+  std::mt19937 random(11);
+  for (const char* eol : {"\n", "\r\n"}) {
+    std::string text;
+    std::vector<std::pair<int, std::string>> expected;
+    for (int length = 0; length < 40; ++length) {
+      int code = static_cast<int>(random() % 1100);
+      std::string value;
+      for (int i = 0; i < length; ++i)
+        value += static_cast<char>(' ' + random() % 90);
+      std::string code_text = std::to_string(code);
+      if (random() % 2)
+        code_text.insert(0, 3 - std::min<size_t>(3, code_text.size()), ' ');
+      text += code_text + eol + value + eol;
+      expected.push_back({code, value});
+    }
+    text += "0";
+    text += eol;
+    text += "EOF";
+    expected.push_back({0, "EOF"});
+    auto tags = Tokens(text);
+    ASSERT_EQ(tags.size(), expected.size());
+    for (size_t i = 0; i < tags.size(); ++i) {
+      EXPECT_EQ(tags[i].code, expected[i].first) << i;
+      EXPECT_EQ(tags[i].value, expected[i].second) << i;
+      EXPECT_EQ(tags[i].line, 2 * i + 1);
+    }
+  }
+  // Codes beyond the usual form still read.
+  auto odd = Tokens("\t 1071 \n5\n+8\nx\n 1000000\ny\n");
+  ASSERT_EQ(odd.size(), 3u);
+  EXPECT_EQ(odd[0].code, 1071);
+  EXPECT_EQ(odd[1].code, 8);
+  EXPECT_EQ(odd[2].code, 1000000);
 }
 
 TEST(TagWriter, AlignsGroupCodesLikeTheFilesItReads) {

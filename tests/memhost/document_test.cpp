@@ -147,6 +147,29 @@ TEST_F(DocumentTest, IndexedSelectionEqualsPlainScan) {
   EXPECT_FALSE(plain.empty());
 }
 
+TEST_F(DocumentTest, SelectionsFollowRecordsAddedDroppedAndErasedLater) {
+  // Records given to old entities, given twice, dropped, and entities
+  // erased in bulk: selections stay in drawing order without repeats.
+  std::vector<host::Entity*> lines;
+  for (int i = 0; i < 400; ++i)
+    lines.push_back(&ms.AddLine({0.0 + i, 0, 0}, {1.0 + i, 1, 0}));
+  for (int i = 399; i >= 0; i -= 3)
+    lines[i]->SetXData(Record("Kestrana", {{1000, "a"}}));
+  for (int i = 0; i < 400; i += 6)
+    lines[i]->SetXData(Record("Kestrana", {{1000, "b"}}));
+  static_cast<MemLine*>(lines[3])->SetAllXData({});
+  for (int i = 0; i < 400; i += 2) lines[i]->Delete();
+  std::vector<host::ObjectId> plain;
+  for (host::Entity* e : ms.Entities())
+    if (e->GetXData("Kestrana")) plain.push_back(e->ObjectID());
+  EXPECT_EQ(SelectIds({{1001, "Kestrana"}}), plain);
+  EXPECT_EQ(plain.size(), 66u);
+  EXPECT_EQ(SelectIds({{0, "LINE"}}).size(), 200u);
+  auto& late = ms.AddLine({0, 0, 0}, {1, 0, 0});
+  late.SetXData(Record("Kestrana", {{1000, "c"}}));
+  EXPECT_EQ(SelectIds({{1001, "Kestrana"}}).back(), late.ObjectID());
+}
+
 TEST_F(DocumentTest, LockedLayerRefusesChangesButAllowsCreation) {
   auto& layer = doc.GetLayers().Add("Locked");
   auto& line = ms.AddLine({0, 0, 0}, {1, 0, 0});

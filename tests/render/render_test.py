@@ -7,6 +7,7 @@ import tempfile
 import xml.etree.ElementTree as ET
 
 import ezdxf
+from ezdxf.math import Matrix44
 
 KESTRANA = sys.argv[1]
 SVG = "{http://www.w3.org/2000/svg}"
@@ -113,6 +114,47 @@ with tempfile.TemporaryDirectory() as tmp:
     check(sorted(os.listdir(tmp)) == sorted(["plan.dxf", "plan.svg", "plan.png", "node.svg",
                                              "window.svg"]),
           "no temporary files left: %r" % sorted(os.listdir(tmp)))
+
+
+def mirrored_drawing(path):
+    """Entities mirrored by ezdxf (normal (0,0,-1)) and a mirrored insert."""
+    doc = ezdxf.new("R2010")
+    msp = doc.modelspace()
+    node = doc.blocks.new("Node")
+    node.add_circle((1, 0), 0.5)
+    node.add_attdef("LABEL", (14, 20), dxfattribs={"height": 1})
+    for entity in (msp.add_circle((3, 4), 1), msp.add_arc((3, 4), 2, 0, 90),
+                   msp.add_text("T", dxfattribs={"height": 1}).set_pos((5, 5))):
+        entity.transform(Matrix44.scale(-1, 1, 1))
+    ref = msp.add_blockref("Node", (2, 0), dxfattribs={"extrusion": (0, 0, -1)})
+    ref.add_auto_attribs({"LABEL": "N-1"})
+    doc.saveas(path)
+
+
+def origin(text_element):
+    """Where a picture's text starts, in drawing coordinates."""
+    numbers = text_element.get("transform")[len("matrix("):-1].split()
+    return float(numbers[4]), -float(numbers[5])
+
+
+with tempfile.TemporaryDirectory() as tmp:
+    dxf = os.path.join(tmp, "mirrored.dxf")
+    mirrored_drawing(dxf)
+    svg_path = os.path.join(tmp, "mirrored.svg")
+    r = run(dxf, "-o", svg_path)
+    check(r.returncode == 0, "a mirrored drawing renders: " + r.stderr)
+    root = ET.parse(svg_path).getroot()
+    circles = {(float(c.get("cx")), float(c.get("cy")), float(c.get("r")))
+               for c in elements(root, "circle")}
+    check(circles == {(-3, -4, 1), (-3, 0, 0.5)},
+          "the circle and the insert's circle mirrored in X: %r" % circles)
+    paths = [p.get("d") for p in elements(root, "path")]
+    check(len(paths) == 1 and paths[0].startswith("M-3 -6"),
+          "the arc from (3,6) runs from (-3,6) seen from above: %r" % paths)
+    starts = {t.text: origin(t) for t in elements(root, "text")}
+    check(starts.get("T") == (-5, 5), "the text starts at (-5,5): %r" % starts)
+    check(starts.get("N-1") == (-16, 20), "the attribute sits at (-16,20): %r" % starts)
+    check("ARC" not in r.stderr, "arcs are drawn, not skipped: " + r.stderr)
 
 print("%d failure(s)" % len(failures))
 sys.exit(1 if failures else 0)

@@ -1,5 +1,6 @@
 #include <cctype>
 
+#include "dxf/reader.h"
 #include "tests/render/picture.h"
 
 namespace kestrana::render {
@@ -280,6 +281,111 @@ TEST_F(PictureTest, PointsAreSmallDotsUnlessInvisible) {
   // Two line widths across, the view being 88 wide.
   EXPECT_NEAR(dot.Num("r"), 2 * 88.0 / 800, 1e-12);
   EXPECT_FALSE(IsDrawn(svg, hidden));
+}
+
+TEST_F(PictureTest, ArcsAreTrueArcsThroughInsertsAndMirrors) {
+  NewLayer("Net", 4);
+  auto& arc = Model().AddArc({10, 5, 0}, 2, 0, kPi / 2);
+  arc.SetLayer("Net");
+  host::Block& block = NewBlock("Hook");
+  auto& hook = block.AddArc({1, 0, 0}, 1, 0, kPi);
+  hook.SetTrueColor(host::color::kByBlock);
+  auto& ref = Model().InsertBlock({20, 0, 0}, "Hook", -1, 1, 1, 0);
+  ref.SetTrueColor(1);
+  SvgDocument svg = Picture();
+
+  const SvgNode& a = Drawn(svg, arc);
+  EXPECT_EQ(a.name, "path");
+  EXPECT_EQ(a.Attr("stroke"), "#00ffff");
+  Trace t = Follow(a.Attr("d"));
+  ExpectNear(t.points.front(), 12, 5);
+  ExpectNear(t.points.back(), 10, 7);
+  for (const Point3& centre : t.centres) ExpectNear(centre, 10, 5);
+  // Counter-clockwise in the plan is SVG's negative sense: sweep flag 0.
+  EXPECT_EQ(PathCommands(a.Attr("d"))[1].args[4], 0);
+
+  // Mirrored in X, the upper half circle from (2,0) to (0,0) runs from
+  // (18,0) over (19,1) to (20,0), in the insert's colour.
+  const SvgNode& h = Drawn(svg, hook);
+  EXPECT_EQ(h.Attr("stroke"), "#ff0000");
+  Trace m = Follow(h.Attr("d"));
+  ExpectNear(m.points.front(), 18, 0);
+  ExpectNear(m.points[1], 19, 1);
+  ExpectNear(m.points.back(), 20, 0);
+  for (const Point3& centre : m.centres) ExpectNear(centre, 19, 0);
+}
+
+// A drawing as mirroring in a CAD program leaves it: normals (0,0,-1) and
+// values in the mirrored plane.
+TEST_F(PictureTest, EntitiesFacingDownAreDrawnWhereTheyAre) {
+  std::string entities =
+      "0\nCIRCLE\n5\n30\n8\n0\n10\n3\n20\n4\n30\n0\n40\n1\n"
+      "210\n0\n220\n0\n230\n-1\n"
+      "0\nARC\n5\n31\n8\n0\n10\n3\n20\n4\n30\n0\n40\n1\n50\n0\n"
+      "51\n90\n210\n0\n220\n0\n230\n-1\n"
+      "0\nTEXT\n5\n32\n8\n0\n10\n5\n20\n5\n30\n0\n40\n1\n1\nAB\n"
+      "210\n0\n220\n0\n230\n-1\n"
+      "0\nHATCH\n5\n34\n8\n0\n10\n0\n20\n0\n30\n0\n210\n0\n220\n0\n"
+      "230\n-1\n2\nSOLID\n70\n1\n71\n0\n91\n1\n92\n2\n72\n0\n73\n1\n"
+      "93\n3\n10\n0\n20\n0\n10\n1\n20\n0\n10\n1\n20\n1\n97\n0\n"
+      "75\n0\n76\n1\n98\n0\n"
+      "0\nINSERT\n5\n35\n8\n0\n66\n1\n2\nB\n10\n2\n20\n0\n30\n0\n"
+      "210\n0\n220\n0\n230\n-1\n"
+      "0\nATTRIB\n5\n36\n8\n0\n10\n14\n20\n20\n30\n0\n40\n1\n1\nv\n"
+      "2\nTAG\n70\n0\n210\n0\n220\n0\n230\n-1\n"
+      "0\nSEQEND\n5\n37\n8\n0\n";
+  std::string text =
+      "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n0\nENDSEC\n"
+      "0\nSECTION\n2\nTABLES\n0\nENDSEC\n"
+      "0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n5\n20\n8\n0\n2\nB\n70\n0\n"
+      "10\n0\n20\n0\n30\n0\n0\nLINE\n5\n21\n8\n0\n10\n0\n20\n0\n"
+      "30\n0\n11\n1\n21\n0\n31\n0\n0\nENDBLK\n5\n22\n8\n0\n0\nENDSEC\n"
+      "0\nSECTION\n2\nENTITIES\n" +
+      entities + "0\nENDSEC\n0\nEOF\n";
+  dxf::ReadDxf(doc_, text);
+  SvgDocument svg = Picture();
+
+  auto find = [&](const char* handle) -> const SvgNode& {
+    auto found = svg.root.WithHandle(handle);
+    if (found.empty()) throw std::runtime_error(handle);
+    return *found.front();
+  };
+  const SvgNode& circle = find("30");
+  EXPECT_SVG_POINT(circle.Num("cx"), circle.Num("cy"), -3, 4);
+  // 0 to 90 degrees in the plane: from (-2,4) over (-3,5), seen from above
+  // a quarter from 90 to 180 degrees.
+  Trace arc = Follow(find("31").Attr("d"));
+  ExpectNear(arc.points.front(), -3, 5);
+  ExpectNear(arc.points.back(), -4, 4);
+  ExpectNear(arc.centres.front(), -3, 4);
+  // The text starts at (-5,5) and reads backwards: its frame turns X over.
+  std::vector<double> frame = Numbers(find("32").Attr("transform"));
+  ASSERT_EQ(frame.size(), 6u);
+  EXPECT_SVG_POINT(frame[4], frame[5], -5, 5);
+  EXPECT_LT(frame[0], 0);
+  EXPECT_LT(frame[0] * frame[3] - frame[1] * frame[2], 0);
+  Trace hatch = Follow(find("34").Attr("d"));
+  ASSERT_EQ(hatch.points.size(), 4u);  // back to the start
+  ExpectNear(hatch.points[1], -1, 0);
+  ExpectNear(hatch.points[2], -1, 1);
+  // The block's line runs from (-2,0) to (-3,0); the attribute sits at
+  // (-14,20), not where its plane's values would put it.
+  const SvgNode& line = find("21");
+  EXPECT_SVG_POINT(line.Num("x1"), line.Num("y1"), -2, 0);
+  EXPECT_SVG_POINT(line.Num("x2"), line.Num("y2"), -3, 0);
+  std::vector<double> attribute = Numbers(find("36").Attr("transform"));
+  EXPECT_SVG_POINT(attribute[4], attribute[5], -14, 20);
+}
+
+TEST_F(PictureTest, TiltedCirclesAreSeenFromAbove) {
+  auto& circle =
+      static_cast<memhost::MemCircle&>(Model().AddCircle({0, 0, 0}, 5));
+  circle.normal_ = {0, 0.6, 0.8};  // tipped towards the north
+  SvgDocument svg = Picture();
+  const SvgNode& e = Drawn(svg, circle);
+  ASSERT_EQ(e.name, "ellipse");
+  EXPECT_NEAR(e.Num("rx"), 5, 1e-9);
+  EXPECT_NEAR(e.Num("ry"), 4, 1e-9);
 }
 
 }  // namespace
