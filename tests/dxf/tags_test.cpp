@@ -130,7 +130,9 @@ TEST(Values, DecimalsReadExactlyAsTheCLibraryReadsThem) {
                  text != "." && text != "-." && !text.empty();
     double got = 0;
     ASSERT_EQ(ParseReal(text, got), valid) << text;
-    if (valid) ASSERT_EQ(got, expected) << text;
+    if (valid) {
+      ASSERT_EQ(got, expected) << text;
+    }
   }
   double v = 0;
   ASSERT_TRUE(ParseReal("0.1000000000000000055511151231257827", v));

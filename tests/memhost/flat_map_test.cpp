@@ -34,7 +34,9 @@ TEST(FlatMap, BehavesAsAStandardMapThroughGrowthAndErasure) {
         auto it = plain.find(probe);
         int* const* found = flat.find(probe);
         ASSERT_EQ(found != nullptr, it != plain.end()) << probe;
-        if (found != nullptr) ASSERT_EQ(*found, it->second) << probe;
+        if (found != nullptr) {
+          ASSERT_EQ(*found, it->second) << probe;
+        }
       }
     }
   }
