@@ -67,9 +67,31 @@ int Main(const std::vector<std::string>& args, Io& io) {
     }
   }
   if (command == nullptr) {
-    io.err << "kestrana: unknown command '" << args[0]
-           << "' (see kestrana --help)\n";
-    return 2;
+    // A group word alone ("style", "network") or with a wrong second word:
+    // list what the group holds.
+    std::vector<const CommandInfo*> group;
+    for (const auto& c : Commands())
+      if (c.name.rfind(args[0] + " ", 0) == 0) group.push_back(&c);
+    if (group.empty()) {
+      io.err << "kestrana: unknown command '" << args[0]
+             << "' (see kestrana --help)\n";
+      return 2;
+    }
+    bool help = args.size() == 2 && IsHelp(args[1]);
+    std::ostream& os = help ? io.out : io.err;
+    if (!help) {
+      os << "kestrana " << args[0] << ": "
+         << (args.size() < 2 ? std::string("which one?")
+                             : "unknown command '" + args[1] + "'")
+         << '\n';
+    }
+    os << "Commands of '" << args[0] << "':\n";
+    size_t width = 0;
+    for (const CommandInfo* c : group) width = std::max(width, c->name.size());
+    for (const CommandInfo* c : group)
+      os << "  " << c->name << std::string(width + 2 - c->name.size(), ' ')
+         << c->summary << '\n';
+    return help ? 0 : 2;
   }
   std::vector<std::string> rest(args.begin() + words, args.end());
   if (std::any_of(rest.begin(), rest.end(), IsHelp)) {

@@ -130,5 +130,31 @@ TEST_F(ProjectCommands, DrawingsWithoutOrWithNewerProjectsAreRefused) {
   EXPECT_NE(err_.str().find("missing.dxf"), std::string::npos);
 }
 
+TEST_F(ProjectCommands, CommandWordsAreFoundOrExplained) {
+  EXPECT_EQ(Run({"--version"}), 0);
+  EXPECT_EQ(out_.str().rfind("kestrana ", 0), 0u);
+  EXPECT_EQ(Run({}), 2);  // the overview, but a failure: nothing was done
+  EXPECT_NE(out_.str().find("  style apply "), std::string::npos);
+
+  EXPECT_EQ(Run({"frobnicate"}), 2);
+  EXPECT_EQ(err_.str(),
+            "kestrana: unknown command 'frobnicate' (see kestrana --help)\n");
+  // A group word lists its commands: on stdout when asked for, on stderr
+  // as a failure otherwise.
+  EXPECT_EQ(Run({"network", "--help"}), 0);
+  EXPECT_NE(out_.str().find("  network add  "), std::string::npos);
+  EXPECT_NE(out_.str().find("  network show  "), std::string::npos);
+  EXPECT_EQ(out_.str().find("style"), std::string::npos);
+  EXPECT_EQ(Run({"style"}), 2);
+  EXPECT_EQ(err_.str().rfind("kestrana style: which one?\n", 0), 0u);
+  EXPECT_EQ(Run({"style", "paint", "x.dxf"}), 2);
+  EXPECT_EQ(err_.str().rfind("kestrana style: unknown command 'paint'\n", 0),
+            0u);
+  EXPECT_TRUE(out_.str().empty());
+  // A command's own --help is its usage, wherever the flag stands.
+  EXPECT_EQ(Run({"style", "apply", "x.dxf", "--help"}), 0);
+  EXPECT_NE(out_.str().find("style apply"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace kestrana::cli
