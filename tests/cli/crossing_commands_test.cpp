@@ -14,6 +14,7 @@
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
 #include "memhost/document.h"
+#include "support/command_test.h"
 #include "support/pipe_fixture.h"
 
 namespace kestrana::cli {
@@ -21,19 +22,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class CrossingCommands : public ::testing::Test {
+class CrossingCommands : public test::CommandTest {
  protected:
-  void SetUp() override {
-    dir_ =
-        fs::temp_directory_path() /
-        ("kestrana_crossing_cli_" +
-         std::string(
-             ::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-  }
-  void TearDown() override { fs::remove_all(dir_); }
-
   // Two sewers crossed by one main whose nodes lie 12, 10, 11: a low point
   // between two high points. The clearances are 88.55 and 89.05.
   std::string Site(bool zero_length_pipe = false) {
@@ -65,22 +55,9 @@ class CrossingCommands : public ::testing::Test {
     dxf::SaveDrawing(doc, path);
     return path;
   }
-  int Run(std::vector<std::string> args) {
-    out_.str("");
-    err_.str("");
-    Io io{out_, err_};
-    return Main(args, io);
-  }
-  static std::string Bytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-  }
   bool Says(const std::string& text) {
     return out_.str().find(text) != std::string::npos;
   }
-
-  fs::path dir_;
-  std::ostringstream out_, err_;
 };
 
 TEST_F(CrossingCommands, BuildDrawsEachCrossingOnce) {

@@ -17,6 +17,7 @@
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
 #include "memhost/document.h"
+#include "support/command_test.h"
 #include "support/elements.h"
 
 namespace kestrana::cli {
@@ -26,20 +27,12 @@ namespace fs = std::filesystem;
 using core::NodeField;
 using core::PipeField;
 
-class EditingCommands : public ::testing::Test {
+class EditingCommands : public test::CommandTest {
  protected:
   void SetUp() override {
-    dir_ =
-        fs::temp_directory_path() /
-        ("kestrana_editing_cli_" +
-         std::string(
-             ::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
+    CommandTest::SetUp();
     path_ = (dir_ / "site.dxf").string();
   }
-  void TearDown() override { fs::remove_all(dir_); }
-
   // Three sewer lines meeting end to end, and a main of two pipes across
   // them, drawn on their own layers in a project.
   void Site() {
@@ -68,16 +61,6 @@ class EditingCommands : public ::testing::Test {
                    "--layer", "Water lines"}),
               0)
         << err_.str();
-  }
-  int Run(std::vector<std::string> args) {
-    out_.str("");
-    err_.str("");
-    Io io{out_, err_};
-    return Main(args, io);
-  }
-  static std::string Bytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
   }
   // The command fails with `message` on stderr and leaves the file alone.
   void Refused(std::vector<std::string> args, const std::string& message,
@@ -114,9 +97,7 @@ class EditingCommands : public ::testing::Test {
         "</Surfaces></LandXML>\n");
   }
 
-  fs::path dir_;
   std::string path_;
-  std::ostringstream out_, err_;
 };
 
 TEST_F(EditingCommands, ConvertTurnsTheChosenLinesIntoANetwork) {

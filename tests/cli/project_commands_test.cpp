@@ -10,39 +10,15 @@
 #include "core/general.h"
 #include "core/project_record.h"
 #include "dxf/io.h"
+#include "support/command_test.h"
 
 namespace kestrana::cli {
 namespace {
 
 namespace fs = std::filesystem;
 
-class ProjectCommands : public ::testing::Test {
+class ProjectCommands : public test::CommandTest {
  protected:
-  void SetUp() override {
-    dir_ =
-        fs::temp_directory_path() /
-        ("kestrana_cli_" +
-         std::string(
-             ::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-  }
-  void TearDown() override { fs::remove_all(dir_); }
-
-  std::string Path(const std::string& name) { return (dir_ / name).string(); }
-  int Run(std::vector<std::string> args) {
-    out_.str("");
-    err_.str("");
-    Io io{out_, err_};
-    return Main(args, io);
-  }
-  static std::string Bytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-  }
-
-  fs::path dir_;
-  std::ostringstream out_, err_;
 };
 
 TEST_F(ProjectCommands, NewMakesADrawingThatReadsBack) {

@@ -8,6 +8,7 @@
 #include "cli/render.h"
 #include "dxf/io.h"
 #include "memhost/document.h"
+#include "support/command_test.h"
 #include "support/svg_reader.h"
 
 namespace kestrana::cli {
@@ -15,16 +16,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class RenderCommandTest : public ::testing::Test {
+class RenderCommandTest : public test::CommandTest {
  protected:
   void SetUp() override {
-    dir_ =
-        fs::temp_directory_path() /
-        ("kestrana_render_cmd_" +
-         std::string(
-             ::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
+    CommandTest::SetUp();
     memhost::MemDocument doc;
     doc.GetLayers().Add("Pipes").SetTrueColor(5);
     doc.ModelSpace().AddLine({0, 0, 0}, {10, 0, 0}).SetLayer("Pipes");
@@ -33,26 +28,14 @@ class RenderCommandTest : public ::testing::Test {
     dxf::SaveDrawing(doc, drawing_);
     original_ = Read(drawing_);
   }
-  void TearDown() override { fs::remove_all(dir_); }
-
-  static std::string Read(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-  }
+  static std::string Read(const fs::path& p) { return Bytes(p.string()); }
   int Command(std::vector<std::string> args) {
-    out_.str("");
-    err_.str("");
-    Io io{out_, err_};
     args.insert(args.begin(), "render");
-    return Main(args, io);
+    return Run(args);
   }
 
-  fs::path dir_;
   std::string drawing_;
   std::string original_;
-  std::ostringstream out_, err_;
 };
 
 TEST_F(RenderCommandTest, DrawsTheDrawingIntoThePictureFile) {

@@ -14,6 +14,7 @@
 #include "core/project_record.h"
 #include "core/record.h"
 #include "dxf/io.h"
+#include "support/command_test.h"
 #include "support/network_elements.h"
 #include "viewstyle/annotation_record.h"
 #include "viewstyle/project_styles.h"
@@ -25,16 +26,10 @@ namespace {
 namespace fs = std::filesystem;
 using core::General;
 
-class StyleCommands : public ::testing::Test {
+class StyleCommands : public test::CommandTest {
  protected:
   void SetUp() override {
-    dir_ =
-        fs::temp_directory_path() /
-        ("kestrana_style_" +
-         std::string(
-             ::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
+    CommandTest::SetUp();
     site_ = Path("site.dxf");
     // Two networks with a few elements, nothing annotated yet.
     auto doc = test::NewFullProjectDocument("Metric");
@@ -50,19 +45,6 @@ class StyleCommands : public ::testing::Test {
                   {.start_invert = 98.5, .end_invert = 98});
     water.AddPipeWithNodes("W-1", {-10, 10, 60, 10});
     dxf::SaveDrawing(*doc, site_);
-  }
-  void TearDown() override { fs::remove_all(dir_); }
-
-  std::string Path(const std::string& name) { return (dir_ / name).string(); }
-  int Run(std::vector<std::string> args) {
-    out_.str("");
-    err_.str("");
-    Io io{out_, err_};
-    return Main(args, io);
-  }
-  static std::string Bytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
   }
   void Write(const std::string& path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;
@@ -83,9 +65,7 @@ class StyleCommands : public ::testing::Test {
     return count;
   }
 
-  fs::path dir_;
   std::string site_;
-  std::ostringstream out_, err_;
 };
 
 TEST_F(StyleCommands, NewProjectsHoldTheStandardStyleAndLibraries) {
@@ -98,10 +78,10 @@ TEST_F(StyleCommands, NewProjectsHoldTheStandardStyleAndLibraries) {
             "[{\"name\": \"Standard\", \"active\": true, \"text style\": "
             "\"Standard\", \"text height\": \"2\"}]\n");
   EXPECT_EQ(Run({"info", site_}), 0);
-  EXPECT_NE(out_.str().find(
-                "view styles:\n  active: Standard\n  count: 1\n  names: "
-                "Standard\n"),
-            std::string::npos)
+  EXPECT_NE(
+      out_.str().find("view styles:\n  active: Standard\n  count: 1\n  names: "
+                      "Standard\n"),
+      std::string::npos)
       << out_.str();
   EXPECT_EQ(Run({"library", "materials", site_}), 0);
   EXPECT_EQ(out_.str().rfind("MATERIAL        PIPES\nPVC             0\n", 0),
