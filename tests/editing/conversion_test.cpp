@@ -3,6 +3,8 @@
 // around the new elements.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "cli/project.h"
 #include "core/general.h"
 #include "core/lists.h"
@@ -210,6 +212,56 @@ TEST_F(Conversion, NewPipesAreAnnotatedCrossedAnalysedAndCounted) {
   core::TextTable materials = library::Library::GetMaterialsArray(*doc_);
   EXPECT_EQ(materials(0, 0), "PVC");
   EXPECT_EQ(materials(0, 1), "5");
+}
+
+TEST_F(Conversion, PipesDrawnEveryWayReadUprightInATurnedSystem) {
+  // Pipes drawn outwards from one point in eight directions, in a user
+  // system turned by 30°: each converted pipe's annotation sits half way
+  // along it and every line of it runs along the pipe, reading left to
+  // right against the user's X axis (upwards when across it).
+  constexpr double kDeg = M_PI / 180;
+  doc_->SetVariable("UCSXDIR",
+                    host::Point3{std::cos(30 * kDeg), std::sin(30 * kDeg), 0});
+  doc_->SetVariable("UCSYDIR",
+                    host::Point3{-std::sin(30 * kDeg), std::cos(30 * kDeg), 0});
+  const double correction = General::GetCorrectionAngleForCS(*doc_);
+  ASSERT_NEAR(correction, 30 * kDeg, 1e-9);
+  std::vector<host::Entity*> drawn;
+  for (int k = 0; k < 8; ++k) {
+    const double a = (k * 45 + 10) * kDeg;
+    drawn.push_back(&Polyline({0, 0, 60 * std::cos(a), 60 * std::sin(a)}));
+  }
+  Convert(drawn, "Sewer", core::kGravity, false);
+
+  int seen = 0;
+  for (host::Entity* e : General::GetNetworkSet(*doc_, "Sewer", 1).Entities()) {
+    SCOPED_TRACE(Text(*e, PipeField::kCombinedLabel));
+    auto& pipe = static_cast<host::LwPolyline&>(*e);
+    const std::vector<double> xy = pipe.Coordinates();
+    ASSERT_EQ(xy.size(), 4u);
+    const double a = std::atan2(xy[3] - xy[1], xy[2] - xy[0]);
+    auto& annotation =
+        static_cast<host::BlockReference&>(core::EntityFromReference(
+            *doc_, Text(pipe, PipeField::kAnnotationOIDRef)));
+    EXPECT_NEAR(annotation.InsertionPoint().x, (xy[0] + xy[2]) / 2, 1e-9);
+    EXPECT_NEAR(annotation.InsertionPoint().y, (xy[1] + xy[3]) / 2, 1e-9);
+    const std::vector<host::AttributeReference*> lines =
+        annotation.GetAttributes();
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(lines.front()->TextString(),
+              General::EntityLabelFromCombined(
+                  Text(pipe, PipeField::kCombinedLabel)));
+    for (const host::AttributeReference* line : lines) {
+      const double theta = line->Rotation();
+      EXPECT_NEAR(std::sin(theta - a), 0, 1e-8);
+      const double along = std::cos(theta - correction);
+      EXPECT_TRUE(along > 1e-9 ||
+                  (std::abs(along) <= 1e-9 && std::sin(theta - correction) > 0))
+          << "turned to " << theta / kDeg << "° on a pipe at " << a / kDeg;
+    }
+    ++seen;
+  }
+  EXPECT_EQ(seen, 8);
 }
 
 TEST_F(Conversion, JoiningAnExistingNetworkMatchesItsNodes) {
