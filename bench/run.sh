@@ -68,3 +68,9 @@ build-bench/bench_crossing ${CROSSING_SIZES:-1000 2000 5000 10000 20000}
 # the documented steps one polyline at a time for the smaller sizes.
 echo
 build-bench/bench_conversion ${CONVERSION_SIZES:-1000 5000 10000}
+
+# Ground levels: the triangle index of surfaces up to a million triangles,
+# one lookup against trying every triangle, and reading LandXML.
+echo
+build-bench/surface_bench --benchmark_repetitions=${REPETITIONS:-5} \
+  --benchmark_report_aggregates_only=true 2>/dev/null | grep -E "^Benchmark|_median"
