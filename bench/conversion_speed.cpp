@@ -130,7 +130,14 @@ Row Measure(int n, const fs::path& folder) {
 
 int main(int argc, char** argv) {
   std::vector<int> sizes;
-  for (int i = 1; i < argc; ++i) sizes.push_back(std::atoi(argv[i]));
+  for (int i = 1; i < argc; ++i) {
+    const int n = std::atoi(argv[i]);
+    if (n < 10) {
+      std::fprintf(stderr, "usage: bench_conversion [SIZES...] (10 or more)\n");
+      return 2;
+    }
+    sizes.push_back(n);
+  }
   if (sizes.empty()) sizes = {1000, 5000, 10000};
   const fs::path folder =
       fs::temp_directory_path() / "kestrana_conversion_bench";
