@@ -15,6 +15,7 @@
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
 #include "host/host.h"
+#include "memhost/text_metrics.h"
 
 namespace kestrana::cli {
 
@@ -224,12 +225,13 @@ std::string CrossingsText(const CrossingsResult& r) {
   out << "crossing annotations: " << r.annotations << " (" << r.shown
       << " shown)\n";
   for (const CrossingListing& c : r.crossings)
-    out << "  " << c.network1 << " " << c.label1 << " (" << c.size1 << ", I.L. "
+    out << "  " << c.network1 << " " << c.label1 << " ("
+        << memhost::DisplayText(c.size1) << ", I.L. "
         << OptionalNumber(c.invert1) << ") x " << c.network2 << " " << c.label2
-        << " (" << c.size2 << ", I.L. " << OptionalNumber(c.invert2)
-        << ")  clearance " << Number(c.clearance) << "  at "
-        << core::GeneralText(c.easting) << ", " << core::GeneralText(c.northing)
-        << (c.shown ? "" : "  hidden") << "\n";
+        << " (" << memhost::DisplayText(c.size2) << ", I.L. "
+        << OptionalNumber(c.invert2) << ")  clearance " << Number(c.clearance)
+        << "  at " << core::GeneralText(c.easting) << ", "
+        << core::GeneralText(c.northing) << (c.shown ? "" : "  hidden") << "\n";
   return out.str();
 }
 

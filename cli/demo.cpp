@@ -35,6 +35,7 @@
 #include "editing/editing.h"
 #include "host/host.h"
 #include "memhost/document.h"
+#include "memhost/text_metrics.h"
 #include "render/picture.h"
 #include "render/svg.h"
 #include "viewstyle/annotation_record.h"
@@ -82,13 +83,6 @@ constexpr SewerSize kDistributionMain = {0, "150", "PE"};
 std::string Fixed(double value, int places = 2) {
   return core::FormatNumber(core::RoundHalfEven(value, places),
                             places == 2 ? "0.00" : "0.000");
-}
-
-// A size text of the records with the diameter sign spelt out.
-std::string ShownSize(std::string size) {
-  for (size_t at; (at = size.find("%%c")) != std::string::npos;)
-    size.replace(at, 3, "\xC3\x98");  // Ø
-  return size;
 }
 
 // --- The drawn sewer lines, turned to flow towards the outlet ---------------
@@ -517,7 +511,7 @@ void ReportNetwork(host::Document& document, const std::string& network,
     const double end = r.Number(PipeField::kEndInvert);
     out << "  " << pipe.label << "  " << graph.nodes[pipe.from].label << " -> "
         << graph.nodes[pipe.to].label << "  "
-        << ShownSize(General::BuildSectionSizeString(r)) << " "
+        << memhost::DisplayText(General::BuildSectionSizeString(r)) << " "
         << r.Text(PipeField::kMaterial) << "  " << Fixed(pipe.length)
         << " m  I.L. " << Fixed(start) << " -> " << Fixed(end) << "  slope "
         << Fixed((start - end) / pipe.length * 100) << " %\n";
@@ -549,13 +543,13 @@ std::string Report(memhost::MemDocument& document, const std::string& surface) {
   ReportNetwork(document, kWater, out);
   out << "\nCrossings (invert levels at the crossing)\n";
   for (const CrossingListing& c : ListCrossings(document))
-    out << "  " << c.network1 << " " << c.label1 << " " << ShownSize(c.size1)
-        << " I.L. " << (c.invert1 ? Fixed(*c.invert1, 3) : "?") << "  x  "
-        << c.network2 << " " << c.label2 << " " << ShownSize(c.size2)
-        << " I.L. " << (c.invert2 ? Fixed(*c.invert2, 3) : "?")
-        << "  clearance " << Fixed(c.clearance, 3) << " m  at ("
-        << core::GeneralText(c.easting) << ", " << core::GeneralText(c.northing)
-        << ")\n";
+    out << "  " << c.network1 << " " << c.label1 << " "
+        << memhost::DisplayText(c.size1) << " I.L. "
+        << (c.invert1 ? Fixed(*c.invert1, 3) : "?") << "  x  " << c.network2
+        << " " << c.label2 << " " << memhost::DisplayText(c.size2) << " I.L. "
+        << (c.invert2 ? Fixed(*c.invert2, 3) : "?") << "  clearance "
+        << Fixed(c.clearance, 3) << " m  at (" << core::GeneralText(c.easting)
+        << ", " << core::GeneralText(c.northing) << ")\n";
   out << "\nLow and high points\n";
   for (const LowHighListing& p : ListLowHighPoints(document))
     out << "  " << p.kind << "  " << p.network << " " << p.node << "  at ("

@@ -15,6 +15,7 @@
 #include "host/host.h"
 #include "library/library.h"
 #include "memhost/document.h"
+#include "memhost/text_metrics.h"
 
 namespace kestrana::cli {
 
@@ -137,10 +138,10 @@ int Run(const std::vector<std::string>& args, Io& io) {
     options.end_invert = ParseReal(*v, "--end-invert");
   PipeSetResult r = SetPipe(options);
   const PipeState& p = r.pipe;
-  io.out << "pipe " << p.label << " of " << p.network << ": " << p.size << " "
-         << p.material << ", inverts " << core::GeneralText(p.start_invert)
-         << " to " << core::GeneralText(p.end_invert) << "\nwrote " << r.written
-         << "\n";
+  io.out << "pipe " << p.label << " of " << p.network << ": "
+         << memhost::DisplayText(p.size) << " " << p.material << ", inverts "
+         << core::GeneralText(p.start_invert) << " to "
+         << core::GeneralText(p.end_invert) << "\nwrote " << r.written << "\n";
   return 0;
 }
 

@@ -72,7 +72,7 @@ TEST_F(CrossingCommands, BuildDrawsEachCrossingOnce) {
   ASSERT_EQ(Run({"crossings", site, "--build", "--list"}), 0) << err_.str();
   EXPECT_FALSE(Says("drew")) << out_.str();
   EXPECT_TRUE(
-      Says("Sewer P-1 (%%c200, I.L. 99.750) x Water W-1 (%%c200, "
+      Says("Sewer P-1 (Ø200, I.L. 99.750) x Water W-1 (Ø200, "
            "I.L. 11.000)  clearance 88.550  at 25, 0"))
       << out_.str();
 }

@@ -189,6 +189,11 @@ TEST_F(EditingCommands, NodeAndPipeSetStoreTheirDataAndPassItOn) {
   EXPECT_NE(out_.str().find("1200X800 Concrete, inverts 99.5 to 99"),
             std::string::npos)
       << out_.str();
+  ASSERT_EQ(Run({"pipe", "set", path_, "--network", "Sewer", "--label", "P-2",
+                 "--size", "300"}),
+            0)
+      << err_.str();
+  EXPECT_NE(out_.str().find(": Ø300 PVC,"), std::string::npos) << out_.str();
   ASSERT_EQ(Run({"node", "set", path_, "--network", "Sewer", "--label", "N-4",
                  "--new-label", "MH-4", "--ground", "101.5", "--sump", "98.75",
                  "--matching", "Match Inverts"}),
