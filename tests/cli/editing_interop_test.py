@@ -69,5 +69,39 @@ def main():
     print("ok")
 
 
+def cyrillic_code_page():
+    """An R2000 drawing in the Cyrillic code page: names written by ezdxf
+    are found by kestrana, and what kestrana adds is written in the page."""
+    with tempfile.TemporaryDirectory() as folder:
+        drawing = os.path.join(folder, "cyrillic.dxf")
+        doc = ezdxf.new("R2000")
+        doc.encoding = "cp1251"  # and $DWGCODEPAGE ANSI_1251
+        doc.layers.add("Канализация")
+        msp = doc.modelspace()
+        msp.add_line((0, 0), (40, 0), dxfattribs={"layer": "Канализация"})
+        msp.add_line((40, 0), (40, 30), dxfattribs={"layer": "Канализация"})
+        msp.add_text("Люк №1", dxfattribs={"layer": "Канализация"})
+        doc.saveas(drawing)
+        assert "Канализация".encode("cp1251") in open(drawing, "rb").read()
+        run("new", drawing)
+        result = run("convert", drawing, "--network", "Сеть", "--type",
+                     "Gravity", "--layer", "Канализация")
+        assert "converted 2 pipes" in result.stdout, result.stdout
+
+        data = open(drawing, "rb").read()
+        assert "Сеть - Network".encode("cp1251") in data
+        assert b"\\U+" not in data  # every name fits the page
+        doc = ezdxf.readfile(drawing)
+        assert doc.dxfversion == "AC1015"
+        auditor = doc.audit()
+        assert not auditor.has_errors, [str(e) for e in auditor.errors]
+        assert "Сеть - Annotation" in doc.layers
+        pipes = [record(p)[0] for p in doc.modelspace().query("LWPOLYLINE")
+                 if p.has_xdata("Kestrana")]
+        assert sorted(pipes) == ["Pipe;Сеть;P-1", "Pipe;Сеть;P-2"], pipes
+        assert [t.dxf.text for t in doc.modelspace().query("TEXT")] == ["Люк №1"]
+
+
 if __name__ == "__main__":
     main()
+    cyrillic_code_page()

@@ -218,5 +218,31 @@ TEST(TextCodec, OlderFilesUseTheCodePageAndEscapesNewerOnesUtf8) {
   EXPECT_FALSE(IsUtf8Version("AC1018"));
 }
 
+TEST(TextCodec, OtherCodePagesOfOlderFiles) {
+  // Cyrillic: one byte a character, both ways; a byte the page leaves
+  // undefined goes back as it came.
+  TextCodec cyrillic = TextCodec::For("AC1015", "ANSI_1251");
+  const std::string kanal = "\xCA\xE0\xED\xE0\xEB";
+  EXPECT_EQ(cyrillic.Decode(kanal), "Канал");
+  EXPECT_EQ(cyrillic.Encode("Канал €"), kanal + " \x88");
+  EXPECT_EQ(cyrillic.Encode("Straße 水"), "Stra\\U+00DFe \\U+6C34");
+  EXPECT_EQ(cyrillic.Encode(cyrillic.Decode("a\x98z")), "a\x98z");
+  EXPECT_EQ(cyrillic.Decode("\\U+00DF" + kanal), "ßКанал");
+
+  // Japanese: two bytes for most characters, and escapes between them.
+  TextCodec japanese = TextCodec::For("AC1018", "ansi_932");
+  EXPECT_EQ(japanese.Decode("\x90\x85\\U+00E9\x84\x47"), "水éЖ");
+  EXPECT_EQ(japanese.Encode("水éЖ"), "\x90\x85\\U+00E9\x84\x47");
+  // Bytes that are not text of the page are read one by one as 1252.
+  EXPECT_EQ(japanese.Decode("\x90"), "\xC2\x90");
+
+  // A page nobody knows: read as 1252, written with escapes only.
+  TextCodec unknown = TextCodec::For("AC1015", "ANSI_99999");
+  EXPECT_EQ(unknown.Decode("\xDF"), "ß");
+  EXPECT_EQ(unknown.Encode("ß"), "\\U+00DF");
+  // Newer files are UTF-8 whatever page they name.
+  EXPECT_EQ(TextCodec::For("AC1024", "ANSI_1251").Encode("Канал"), "Канал");
+}
+
 }  // namespace
 }  // namespace kestrana::dxf
