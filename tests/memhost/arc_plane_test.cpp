@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "memhost/document.h"
+#include "support/host_errors.h"
 
 namespace kestrana::memhost {
 namespace {
@@ -18,16 +19,7 @@ void ExpectPoint(const Point3& p, double x, double y) {
   EXPECT_NEAR(p.y, y, 1e-9) << "y of (" << p.x << ", " << p.y << ")";
 }
 
-template <class F>
-ErrorCode CodeOf(F&& f) {
-  try {
-    f();
-  } catch (const HostError& e) {
-    return e.code();
-  }
-  ADD_FAILURE() << "no HostError raised";
-  return ErrorCode::kBadArgument;
-}
+using test::CodeOf;
 
 class ArcTest : public ::testing::Test {
  protected:

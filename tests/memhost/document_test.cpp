@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "support/host_errors.h"
+
 namespace kestrana::memhost {
 namespace {
 
@@ -19,16 +21,7 @@ XRecord Record(const std::string& app, std::vector<XItem> items) {
   return r;
 }
 
-template <class F>
-ErrorCode CodeOf(F&& f) {
-  try {
-    f();
-  } catch (const HostError& e) {
-    return e.code();
-  }
-  ADD_FAILURE() << "no HostError raised";
-  return ErrorCode::kBadArgument;
-}
+using test::CodeOf;
 
 class DocumentTest : public ::testing::Test {
  protected:

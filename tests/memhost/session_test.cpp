@@ -2,6 +2,7 @@
 
 #include "memhost/document.h"
 #include "memhost/text_metrics.h"
+#include "support/host_errors.h"
 
 namespace kestrana::memhost {
 namespace {
@@ -9,16 +10,7 @@ namespace {
 using host::ErrorCode;
 using host::HostError;
 
-template <class F>
-ErrorCode CodeOf(F&& f) {
-  try {
-    f();
-  } catch (const HostError& e) {
-    return e.code();
-  }
-  ADD_FAILURE() << "no HostError raised";
-  return ErrorCode::kBadArgument;
-}
+using test::CodeOf;
 
 TEST(Session, PromptsConsumeScriptedInputInOrder) {
   MemDocument doc;
