@@ -94,7 +94,7 @@ static_assert(materials_column::kName == sizes_column::kSize &&
 Entries EntriesOfTable(const TextTable& table, bool box_sizes) {
   Entries entries;
   for (int row = 0; row < table.Rows(); ++row) {
-    std::string name = table(row, materials_column::kName);
+    const std::string& name = table(row, materials_column::kName);
     entries.push_back({box_sizes ? BoxKey(name) : name,
                        table(row, materials_column::kCount)});
   }
