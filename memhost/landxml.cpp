@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <pugixml.hpp>
@@ -45,7 +46,7 @@ std::vector<double> Numbers(const char* text) {
     if (p >= end) break;
     double v = 0;
     auto [next, ec] = std::from_chars(p, end, v);
-    if (ec != std::errc()) return {};
+    if (ec != std::errc() || !std::isfinite(v)) return {};  // no "nan", "inf"
     out.push_back(v);
     p = next;
   }

@@ -153,10 +153,20 @@ MemSurface::MemSurface(std::string name, std::vector<Point3> points,
   if (triangles_.empty()) return;
   host::Box2 box;
   for (const auto& t : triangles_)
-    for (int v : t) box.Add(points_[v].x, points_[v].y);
+    for (int v : t) {
+      const Point3& p = points_[v];
+      if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z))
+        throw HostError(ErrorCode::kBadArgument,
+                        "surface \"" + name_ + "\" has a triangle corner " +
+                            std::to_string(v) + " that is not a number");
+      box.Add(p.x, p.y);
+    }
   Grid& g = *grid_;
   double w = std::max(box.max_x - box.min_x, 1e-9);
   double h = std::max(box.max_y - box.min_y, 1e-9);
+  if (!std::isfinite(w) || !std::isfinite(h))
+    throw HostError(ErrorCode::kBadArgument,
+                    "surface \"" + name_ + "\" is too large to index");
   double cells = std::max(1.0, static_cast<double>(triangles_.size()));
   g.cell = std::max(std::sqrt(w * h / cells), 1e-9);
   g.nx = std::clamp(static_cast<int>(std::ceil(w / g.cell)), 1, 4096);

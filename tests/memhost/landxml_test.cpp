@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "support/host_errors.h"
+
 namespace kestrana::memhost {
 namespace {
 
@@ -68,6 +70,33 @@ TEST(LandXml, BadFilesNameWhatIsWrong) {
       "</Surface>");
   EXPECT_NE(ErrorOf(bad_face).find("names point 2"), std::string::npos);
   EXPECT_THROW(ReadLandXmlSurfaces("/no/such/file.xml"), LandXmlError);
+  // Words the number reader would take are not levels.
+  for (const char* word : {"nan", "inf", "-infinity"}) {
+    std::string odd = Wrap(
+        "<Surface name=\"A\"><Definition surfType=\"TIN\"><Pnts>\n"
+        "<P id=\"1\">0 " +
+        std::string(word) + " 1</P></Pnts><Faces/></Definition></Surface>");
+    EXPECT_NE(ErrorOf(odd).find("line 5: a point needs"), std::string::npos)
+        << word;
+  }
+}
+
+TEST(Surface, CornersThatAreNoNumbersOrTooFarApartAreRefused) {
+  auto code = [](std::vector<host::Point3> points) {
+    return test::CodeOf([&] {
+      MemSurface("S", std::move(points), {{0, 1, 2}});
+    });
+  };
+  EXPECT_EQ(code({{0, 0, 0}, {1, 0, 0}, {0, 1, NAN}}),
+            host::ErrorCode::kBadArgument);
+  EXPECT_EQ(code({{-1e308, 0, 0}, {1e308, 0, 0}, {0, 1, 0}}),
+            host::ErrorCode::kBadArgument);
+  // Grid coordinates of a national system, metres from a far origin.
+  MemSurface far(
+      "F",
+      {{500000, 5400000, 100}, {501000, 5400000, 110}, {500000, 5401000, 120}},
+      {{0, 1, 2}});
+  EXPECT_NEAR(far.FindElevationAtXY(500250, 5400500), 112.5, 1e-6);
 }
 
 }  // namespace
