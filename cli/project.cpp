@@ -14,6 +14,7 @@
 #include "dxf/io.h"
 #include "host/host.h"
 #include "library/library.h"
+#include "oids/update_oids.h"
 #include "viewstyle/view_style.h"
 
 namespace kestrana::cli {
@@ -28,10 +29,21 @@ void RequireProject(host::Document& document) {
     throw CommandError(core::NewerProjectMessage(version));
 }
 
+namespace {
+// A drawing saved in a CAD session stores that session's IDs; they are
+// renewed before anything follows a link.
+void RequireCurrentProject(host::Document& document) {
+  RequireProject(document);
+  if (oids::UpdateOIDs::StoredIdsAreStale(document))
+    oids::UpdateOIDs::UpdateObjectIDs(document);
+}
+}  // namespace
+
 std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
     const std::string& path) {
-  std::unique_ptr<memhost::MemDocument> document = dxf::LoadDrawing(path, CommandLoadOptions());
-  RequireProject(*document);
+  std::unique_ptr<memhost::MemDocument> document =
+      dxf::LoadDrawing(path, CommandLoadOptions());
+  RequireCurrentProject(*document);
   return document;
 }
 
@@ -41,7 +53,7 @@ void EditProjectDrawing(
   dxf::EditDrawing(
       input, output,
       [&](memhost::MemDocument& document) {
-        RequireProject(document);
+        RequireCurrentProject(document);
         change(document);
       },
       CommandLoadOptions());

@@ -24,8 +24,8 @@ namespace kestrana::cli {
 void RequireProject(host::Document& document);
 
 // How every command opens a drawing whose project it works on: load, then
-// RequireProject. Object IDs stored in records are renewed here too once
-// their renewal exists.
+// RequireProject; object IDs stored by another session (the CAD add-on's,
+// or a load with fresh IDs) are then renewed from their labels.
 std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
     const std::string& path);
 // The same for commands that change the drawing: `change` runs on the
@@ -70,6 +70,18 @@ struct NewResult {
   core::ProjectMarkers markers;
 };
 NewResult New(const NewOptions& options);
+
+struct RenewIdsOptions {
+  std::string drawing;
+  std::optional<std::string> output;
+};
+struct RenewIdsResult {
+  std::string written;
+  bool was_stale = false;  // the marker check found another session's IDs
+  int records = 0;         // records written
+};
+// `kestrana renew-ids`: every stored object ID rebuilt from its label.
+RenewIdsResult RenewIds(const RenewIdsOptions& options);
 
 struct NetworkAddOptions {
   std::string drawing;

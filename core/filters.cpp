@@ -39,6 +39,8 @@ host::Filter PipeByLabelFilter(std::string_view network,
                                 EscapeWildcards(label))};
 }
 
+host::Filter ProjectObjectsFilter() { return {Item(code::kAppName, kAppName)}; }
+
 host::Filter NodeBlocksFilter() {
   return {Item(code::kAppName, kAppName), Item(kEntityType, "INSERT"),
           Item(kBlockName, kNodeBlock)};

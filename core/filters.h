@@ -14,6 +14,8 @@ namespace kestrana::core {
 // named "Net.1" or "#2" matches only itself.
 std::string EscapeWildcards(std::string_view text);
 
+// Every object that carries a record: 1001 "Kestrana".
+host::Filter ProjectObjectsFilter();
 // Pipes of one network: 1001 "Kestrana"; 1000 "Pipe;<network>;*".
 host::Filter PipesOfNetworkFilter(std::string_view network);
 // One pipe by its combined label: 1000 "Pipe;<network>;<label>".
