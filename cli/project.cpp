@@ -159,6 +159,17 @@ std::string NetworkAdd(const NetworkAddOptions& options) {
   return options.output.value_or(options.drawing);
 }
 
+std::string NetworkDelete(const NetworkDeleteOptions& options) {
+  EditProjectDrawing(options.drawing, options.output,
+                     [&](memhost::MemDocument& document) {
+                       if (!General::CheckNetworkExists(document, options.name))
+                         throw CommandError("There is no network named \"" +
+                                            options.name + "\"");
+                       General::DeleteNetwork(document, options.name);
+                     });
+  return options.output.value_or(options.drawing);
+}
+
 std::vector<NetworkInfo> NetworkList(const NetworkListOptions& options) {
   return ListNetworks(*OpenProjectDrawing(options.drawing));
 }
@@ -223,6 +234,30 @@ Registrar network_add_command(
      "  --type Gravity|Pressure   sewers and storm drains, or water mains\n"
      "  -o, --output OUT          write to OUT instead of DRAWING\n",
      RunNetworkAdd});
+
+int RunNetworkDelete(const std::vector<std::string>& args, Io& io) {
+  Args a(args, {}, {"output"});
+  a.ExpectPositionals(2);
+  NetworkDeleteOptions options{a.Positional(0, "the drawing (DRAWING.dxf)"),
+                               a.Option("output"),
+                               a.Positional(1, "the network name")};
+  std::string written = NetworkDelete(options);
+  io.out << "deleted network \"" << options.name << "\" from " << written
+         << "\n";
+  return 0;
+}
+
+Registrar network_delete_command(
+    {"network delete", "remove a network with everything that belongs to it",
+     "Usage: kestrana network delete DRAWING NAME [-o OUT]\n\n"
+     "Removes the network NAME from the project of DRAWING: its crossings\n"
+     "with other networks (their pipes forget them), its low and high\n"
+     "points, its profiles (their styles and pipes forget them), its pipes\n"
+     "and nodes with their annotations and arrows, their counts in the\n"
+     "materials and sizes libraries, its definition and its layers (a\n"
+     "layer that is current stays). Other networks are left as they are.\n\n"
+     "  -o, --output OUT   write to OUT instead of DRAWING\n",
+     RunNetworkDelete});
 
 Registrar network_list_command(
     {"network list", "the networks of a project",

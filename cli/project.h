@@ -92,6 +92,15 @@ struct NetworkAddOptions {
 // The file written.
 std::string NetworkAdd(const NetworkAddOptions& options);
 
+struct NetworkDeleteOptions {
+  std::string drawing;
+  std::optional<std::string> output;
+  std::string name;
+};
+// `kestrana network delete`: the network and everything that belongs to it
+// (CommandError for a network that is not there). The file written.
+std::string NetworkDelete(const NetworkDeleteOptions& options);
+
 struct NetworkListOptions {
   std::string drawing;
 };

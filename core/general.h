@@ -116,6 +116,13 @@ class General {
   static host::SelectionSet& GetNetworkSet(host::Document& document,
                                            std::string_view net_name,
                                            int elements_option);
+  // Removes a network and everything that belongs to it: crossings (their
+  // annotations too, which the erase reaction would take with the pipes),
+  // low and high points, profiles, pipes and nodes with their annotations
+  // and arrows, library usage, the definition and the layers. The caller
+  // checks that the network exists.
+  static void DeleteNetwork(host::Document& document,
+                            std::string_view net_name);
   // Removes the network from the project record only;
   // std::invalid_argument for a name that is not defined.
   static void DeleteNetworkDefintion(host::Document& document,

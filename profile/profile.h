@@ -99,6 +99,10 @@ class Profile {
   static void ReversePipeDirectionInProfile(host::Document& document,
                                             std::string_view pipe_oid,
                                             std::string_view profile_oid);
+  // Erases the network's profiles, each through the profile erase reaction
+  // (its style and pipes forget it, its plan annotation goes too).
+  static void DeleteNetworkProfiles(host::Document& document,
+                                    std::string_view net_name);
   // Drops the profile from the pipe's profile lists, unless the pipe is in
   // one of the two object-ID lists (erased, or about to be).
   static void DeleteProfileReferenceFromPipe(

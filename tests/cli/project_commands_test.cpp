@@ -106,6 +106,26 @@ TEST_F(ProjectCommands, DrawingsWithoutOrWithNewerProjectsAreRefused) {
   EXPECT_NE(err_.str().find("missing.dxf"), std::string::npos);
 }
 
+TEST_F(ProjectCommands, NetworksAreDeletedByName) {
+  std::string site = Path("site.dxf");
+  ASSERT_EQ(Run({"new", site}), 0) << err_.str();
+  ASSERT_EQ(Run({"network", "add", site, "Sewer", "--type", "Gravity"}), 0);
+  ASSERT_EQ(Run({"network", "add", site, "Water", "--type", "Pressure"}), 0);
+  const std::string before = Bytes(site);
+  EXPECT_EQ(Run({"network", "delete", site, "Gas"}), 1);
+  EXPECT_EQ(err_.str(),
+            "kestrana network delete: There is no network named \"Gas\"\n");
+  EXPECT_EQ(Bytes(site), before);
+
+  ASSERT_EQ(Run({"network", "delete", site, "Sewer"}), 0) << err_.str();
+  EXPECT_EQ(out_.str(), "deleted network \"Sewer\" from " + site + "\n");
+  auto doc = dxf::LoadDrawing(site);
+  EXPECT_EQ(core::General::GetNetworkNames(*doc),
+            std::vector<std::string>{"Water"});
+  EXPECT_EQ(doc->GetLayers().Find("Sewer - Network"), nullptr);
+  EXPECT_NE(doc->GetLayers().Find("Water - Network"), nullptr);
+}
+
 TEST_F(ProjectCommands, CommandWordsAreFoundOrExplained) {
   EXPECT_EQ(Run({"--version"}), 0);
   EXPECT_EQ(out_.str().rfind("kestrana ", 0), 0u);

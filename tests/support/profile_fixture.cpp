@@ -37,8 +37,18 @@ host::BlockReference& AddProfileBlock(host::Document& document,
     inputs.pipes.directions +=
         ";" + (i < wanted.directions.size() ? wanted.directions[i] : "0");
   }
-  profile::Profile::BuildProfileBlockXData(document, inputs, reference,
-                                           nullptr);
+  host::BlockReference* plan = nullptr;
+  if (wanted.plan_annotation) {
+    const std::string plan_name = block_name + "_Plan";
+    core::General::InitializeBlockDefinition(document, plan_name)
+        .AddLine({0, 0, 0}, {10, 0, 0});
+    plan = &document.ModelSpace().InsertBlock({wanted.x, wanted.y - 20, 0},
+                                              plan_name, 1, 1, 1, 0);
+  }
+  profile::Profile::BuildProfileBlockXData(document, inputs, reference, plan);
+  if (plan != nullptr)
+    profile::Profile::BuildProfilePlanAnnoBlockXData(
+        wanted.name, wanted.network, reference, *plan);
   return reference;
 }
 

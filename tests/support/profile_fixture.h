@@ -23,6 +23,7 @@ struct ProfileSpec {
   std::vector<std::string> directions = {};   // "0" or "1" per pipe
   double x = 0, y = 0;                        // insertion point
   double width = 200, height = 80;            // of the frame
+  bool plan_annotation = false;  // with a (bare) plan annotation block
 };
 
 // The drawing must hold the style (a project made by CreateProjectRecord has

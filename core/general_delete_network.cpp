@@ -1,0 +1,52 @@
+// Deleting a network calls into the subsystems that own what goes with it;
+// the classes call each other at this level, headers stay apart.
+#include <string>
+#include <vector>
+
+#include "core/general.h"
+#include "crossing/crossing.h"
+#include "host/host.h"
+#include "library/library.h"
+#include "lowhigh/lowhigh.h"
+#include "profile/profile.h"
+
+namespace kestrana::core {
+
+void General::DeleteNetwork(host::Document& document,
+                            std::string_view net_name) {
+  const std::vector<std::string> locked = UnlockAllLayers(document);
+
+  // The annotations stay behind DeleteNetworkCrossings for the pipes' erase
+  // reaction, which no editor runs here: they go with the network.
+  const std::vector<host::Entity*> crossings =
+      crossing::Crossing::GetExistingCrossingPointsSet(document, net_name)
+          .Entities();
+  crossing::Crossing::DeleteNetworkCrossings(document, net_name);
+  for (host::Entity* annotation : crossings) {
+    try {
+      annotation->Delete();
+    } catch (const host::HostError&) {
+      // Erased already.
+    }
+  }
+  lowhigh::LowHigh::DeleteNetworkLowHighPoints(document, net_name);
+  profile::Profile::DeleteNetworkProfiles(document, net_name);
+
+  host::SelectionSet& set = GetNetworkSet(document, net_name, 0);
+  library::Library::UpdateMaterialLibraryForDeleteNetwork(document, set);
+  library::Library::UpdateSizeLibraryForDeleteNetwork(document, set);
+  set.Erase();
+  set.Delete();
+
+  DeleteNetworkDefintion(document, net_name);
+  DeleteNetworkLayers(document, net_name);
+
+  // The network's own layers are gone; the others are locked again.
+  std::vector<std::string> still_there;
+  for (const std::string& name : locked)
+    if (!name.empty() && document.GetLayers().Find(name) != nullptr)
+      still_there.push_back(name);
+  RestoreLockedLayers(document, still_there);
+}
+
+}  // namespace kestrana::core
