@@ -195,6 +195,16 @@ void Args::ExpectPositionals(size_t count) const {
     throw UsageError("unexpected argument '" + positionals_[count] + "'");
 }
 
+std::vector<std::string> SplitAtCommas(const std::string& text) {
+  std::vector<std::string> parts;
+  size_t from = 0;
+  for (size_t comma; (comma = text.find(',', from)) != std::string::npos;
+       from = comma + 1)
+    parts.push_back(text.substr(from, comma - from));
+  if (!text.empty()) parts.push_back(text.substr(from));
+  return parts;
+}
+
 double ParseReal(const std::string& text, const std::string& what) {
   double value = 0;
   const char* first = text.data();

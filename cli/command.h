@@ -70,6 +70,10 @@ class Args {
   std::vector<std::string> positionals_;
 };
 
+// "a,b,,c" as its pieces, empty ones kept ("a," gives "a" and ""); no
+// pieces for the empty text.
+std::vector<std::string> SplitAtCommas(const std::string& text);
+
 // Parses a real; UsageError naming the option when the text is not one.
 double ParseReal(const std::string& text, const std::string& what);
 int ParseInt(const std::string& text, const std::string& what);

@@ -75,15 +75,6 @@ memhost::Input SelectionInput(memhost::MemDocument& document,
   return memhost::Input::All();
 }
 
-std::vector<std::string> SplitAtCommas(const std::string& text) {
-  std::vector<std::string> parts;
-  std::stringstream in(text);
-  std::string part;
-  while (std::getline(in, part, ',')) parts.push_back(part);
-  if (!text.empty() && text.back() == ',') parts.emplace_back();
-  return parts;
-}
-
 }  // namespace
 
 ConvertResult ConvertInDocument(memhost::MemDocument& document,

@@ -116,6 +116,14 @@ class General {
   static host::SelectionSet& GetNetworkSet(host::Document& document,
                                            std::string_view net_name,
                                            int elements_option);
+  // Takes a pipe out of a node's lists of one side ("Start", else the end
+  // side), stores the sump level the remaining pipes give and refreshes the
+  // node's annotation. The host's error when the node ID names nothing;
+  // std::invalid_argument for a damaged ID list.
+  static void RemovePipeFromNode(host::Document& document,
+                                 std::string_view node_oid,
+                                 std::string_view pipe_oid,
+                                 std::string_view side);
   // Removes a network and everything that belongs to it: crossings (their
   // annotations too, which the erase reaction would take with the pipes),
   // low and high points, profiles, pipes and nodes with their annotations

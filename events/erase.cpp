@@ -1,0 +1,73 @@
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/general.h"
+#include "core/lists.h"
+#include "core/names.h"
+#include "core/pipe_record.h"
+#include "core/record.h"
+#include "core/references.h"
+#include "core/text.h"
+#include "crossing/crossing_record.h"
+#include "events/events.h"
+#include "host/host.h"
+#include "profile/profile_record.h"
+#include "viewstyle/annotation_record.h"
+
+namespace kestrana::events {
+
+namespace {
+
+// Runs the reaction of the entity's kind; kinds without one need nothing.
+void React(host::Document& document, host::Entity& entity,
+           const std::string& erased, std::string& to_be_erased,
+           std::string& nodes) {
+  const std::optional<core::Record> record = core::Record::Read(entity);
+  if (!record || !record->Has(core::PipeField::kElementType) ||
+      !record->Value(core::PipeField::kElementType).IsText())
+    return;
+  const std::string type = record->Text(core::PipeField::kElementType);
+  if (type == core::kGravityPipe || type == core::kPressurePipe)
+    Events::PipeWillBeErased(document, entity, erased, to_be_erased, nodes);
+  else if (type == core::kGravityNode || type == core::kPressureNode)
+    Events::NodeWillBeErased(document, entity, erased, to_be_erased, nodes);
+  else if (type == crossing::kCrossingPointAnnotation)
+    Events::CrossingAnnoWillBeErased(document, entity, erased, to_be_erased);
+  else if (type == viewstyle::kAnnotation)
+    Events::AnnotationWillBeErased(document, entity, erased);
+  else if (type == viewstyle::kArrow)
+    Events::ArrowWillBeErased(document, entity, erased);
+  else if (type == profile::kProfileKind)
+    Events::ProfileWillBeErased(
+        document, host::As<host::BlockReference>(entity), erased, to_be_erased);
+}
+
+}  // namespace
+
+int EraseWithReactions(host::Document& document,
+                       const std::vector<host::Entity*>& chosen) {
+  std::string erased;
+  for (host::Entity* entity : chosen) {
+    const std::string id = core::IdText(entity->ObjectID());
+    if (!core::General::Check_ID_Exists(id, erased)) erased += id + ";";
+  }
+  std::string to_be_erased, nodes;
+  for (host::Entity* entity : chosen)
+    React(document, *entity, erased, to_be_erased, nodes);
+  int count = 0;
+  for (const std::string& list : {erased, to_be_erased})
+    for (const std::string& id : core::Split(list)) {
+      if (id.empty()) continue;
+      try {
+        core::EntityFromIdText(document, id).Delete();
+        ++count;
+      } catch (const host::HostError&) {
+        // Gone already.
+      }
+    }
+  Events::AnalyzeLowHighAfterDeleting(document, nodes);
+  return count;
+}
+
+}  // namespace kestrana::events

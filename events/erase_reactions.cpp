@@ -1,0 +1,270 @@
+#include <string>
+#include <vector>
+
+#include "core/general.h"
+#include "core/lists.h"
+#include "core/names.h"
+#include "core/node_record.h"
+#include "core/pipe_record.h"
+#include "core/project_record.h"
+#include "core/record.h"
+#include "core/references.h"
+#include "core/text.h"
+#include "crossing/crossing_record.h"
+#include "events/events.h"
+#include "host/host.h"
+#include "library/library.h"
+#include "lowhigh/lowhigh.h"
+#include "profile/profile.h"
+#include "profile/profile_record.h"
+#include "types/cross_point.h"
+#include "viewstyle/annotation_record.h"
+
+namespace kestrana::events {
+
+namespace {
+
+using core::General;
+using core::NodeField;
+using core::PipeField;
+using core::Record;
+
+constexpr std::string_view kRelatedTo = "RelatedTo";
+
+// The ID a single-entry reference field names; empty for an empty field.
+std::string SingleId(const Record& record, core::Field field) {
+  std::vector<std::string> ids = core::ReferenceValues(record.Text(field));
+  return ids.empty() ? std::string() : ids.front();
+}
+
+bool Listed(std::string_view id, std::string_view list) {
+  return !id.empty() && General::Check_ID_Exists(id, list);
+}
+
+void AppendOnce(std::string& list, const std::string& id) {
+  if (!id.empty() && !Listed(id, list)) list += id + ";";
+}
+
+// Queues an object for erasure unless it goes already.
+void Queue(const std::string& id, std::string_view erased,
+           std::string& to_be_erased) {
+  if (!Listed(id, erased)) AppendOnce(to_be_erased, id);
+}
+
+bool Exists(host::Document& document, const std::string& id) {
+  try {
+    core::ObjectFromIdText(document, id);
+    return true;
+  } catch (const host::HostError&) {
+    return false;
+  }
+}
+
+// The owner of an annotation or arrow empties its two link fields.
+void Unlink(host::Document& document, host::Entity& reference,
+            std::string_view erased, bool arrow) {
+  const Record record = Record::ReadRequired(reference);
+  const std::string owner_id =
+      SingleId(record, viewstyle::AnnotationField::kElementOIDRef);
+  if (owner_id.empty() || Listed(owner_id, erased) ||
+      !Exists(document, owner_id))
+    return;
+  host::Entity& owner = core::EntityFromIdText(document, owner_id);
+  Record owner_record = Record::ReadRequired(owner);
+  const std::string type = owner_record.Text(PipeField::kElementType);
+  const bool pipe = type == core::kGravityPipe || type == core::kPressurePipe;
+  if (arrow) {
+    if (!pipe) return;
+    owner_record.SetText(PipeField::kArrowLabelRef, "");
+    owner_record.SetText(PipeField::kArrowOIDRef, "");
+  } else if (pipe) {
+    owner_record.SetText(PipeField::kAnnotationLabelRef, "");
+    owner_record.SetText(PipeField::kAnnotationOIDRef, "");
+  } else {
+    owner_record.SetText(NodeField::kAnnotationLabelRef, "");
+    owner_record.SetText(NodeField::kAnnotationOIDRef, "");
+  }
+  owner_record.Write(owner);
+}
+
+}  // namespace
+
+void Events::PipeWillBeErased(host::Document& document, host::Entity& pipe,
+                              std::string_view erased,
+                              std::string& to_be_erased,
+                              std::string& nodes_for_low_high) {
+  const Record record =
+      core::ReadRecordWithFields(pipe, core::kPipeRecordLength, "pipe");
+  const std::string pipe_id = core::IdText(pipe.ObjectID());
+  const std::string start = SingleId(record, PipeField::kStartNodeOID);
+  const std::string end = SingleId(record, PipeField::kEndNodeOID);
+  // A node that is gone already has nothing left to repair.
+  if (!start.empty() && !Listed(start, erased) && Exists(document, start))
+    General::RemovePipeFromNode(document, start, pipe_id, "Start");
+  if (!end.empty() && !Listed(end, erased) && Exists(document, end))
+    General::RemovePipeFromNode(document, end, pipe_id, "End");
+  AppendOnce(nodes_for_low_high, start);
+  AppendOnce(nodes_for_low_high, end);
+
+  Queue(SingleId(record, PipeField::kAnnotationOIDRef), erased, to_be_erased);
+  Queue(SingleId(record, PipeField::kArrowOIDRef), erased, to_be_erased);
+  for (const std::string& id :
+       core::ReferenceValues(record.Text(PipeField::kCrossingOIDRefs))) {
+    if (Listed(id, erased) || Listed(id, to_be_erased) || !Exists(document, id))
+      continue;
+    CrossingAnnoWillBeErased(document, core::EntityFromIdText(document, id),
+                             erased, to_be_erased);
+    AppendOnce(to_be_erased, id);
+  }
+  for (const std::string& id :
+       core::ReferenceValues(record.Text(PipeField::kProfileOIDRefs)))
+    if (!Listed(id, erased) && !Listed(id, to_be_erased) &&
+        Exists(document, id))
+      DeletePipeFromProfile(document, id, pipe_id, erased, to_be_erased);
+
+  // One use less of its material and size, counted as a network's pipes are.
+  host::SelectionSet& set =
+      General::InitializeSelectionSet(document, "ErasedPipeSet");
+  set.AddItems({&pipe});
+  library::Library::UpdateMaterialLibraryForDeleteNetwork(document, set);
+  library::Library::UpdateSizeLibraryForDeleteNetwork(document, set);
+  set.Delete();
+}
+
+void Events::NodeWillBeErased(host::Document& document, host::Entity& node,
+                              std::string_view erased,
+                              std::string& to_be_erased,
+                              std::string& nodes_for_low_high) {
+  const Record record =
+      core::ReadRecordWithFields(node, core::kNodeRecordLength, "node");
+  for (auto field : {NodeField::kPipesAtStartOID, NodeField::kPipesAtEndOID}) {
+    for (const std::string& id : core::ReferenceValues(record.Text(field))) {
+      if (Listed(id, erased) || Listed(id, to_be_erased) ||
+          !Exists(document, id))
+        continue;
+      PipeWillBeErased(document, core::EntityFromIdText(document, id), erased,
+                       to_be_erased, nodes_for_low_high);
+      AppendOnce(to_be_erased, id);
+    }
+  }
+  Queue(SingleId(record, NodeField::kAnnotationOIDRef), erased, to_be_erased);
+  Queue(SingleId(record, NodeField::kLowHighOIDRef), erased, to_be_erased);
+  AppendOnce(nodes_for_low_high, core::IdText(node.ObjectID()));
+}
+
+void Events::CrossingAnnoWillBeErased(host::Document& document,
+                                      host::Entity& crossing_anno,
+                                      std::string_view erased,
+                                      std::string& to_be_erased) {
+  using F = crossing::CrossingAnnoField;
+  const Record record = Record::ReadRequired(crossing_anno);
+  const std::string label =
+      General::EntityLabelFromCombined(record.Text(F::kCombinedLabel));
+  const std::string id = core::IdText(crossing_anno.ObjectID());
+  types::CrossPoint pipes;
+  pipes.Pipe1OID = SingleId(record, F::kPipe1OIDRef);
+  pipes.Pipe2OID = SingleId(record, F::kPipe2OIDRef);
+  bool both_stay = true;
+  for (const std::string* pipe_id : {&pipes.Pipe1OID, &pipes.Pipe2OID}) {
+    if (pipe_id->empty() || Listed(*pipe_id, erased) ||
+        Listed(*pipe_id, to_be_erased) || !Exists(document, *pipe_id)) {
+      both_stay = false;
+      continue;
+    }
+    host::Entity& pipe = core::EntityFromIdText(document, *pipe_id);
+    Record pipe_record = Record::ReadRequired(pipe);
+    pipe_record.SetText(PipeField::kCrossingRefs,
+                        General::DeleteReferenceInReferenceString(
+                            pipe_record.Text(PipeField::kCrossingRefs),
+                            std::string(kRelatedTo) + label, 0));
+    pipe_record.SetText(PipeField::kCrossingOIDRefs,
+                        General::DeleteReferenceInReferenceString(
+                            pipe_record.Text(PipeField::kCrossingOIDRefs),
+                            std::string(kRelatedTo) + id, 0));
+    pipe_record.Write(pipe);
+  }
+  Queue(SingleId(record, F::kLineOIDRef), erased, to_be_erased);
+  // The profiles along a pipe that goes are cut at it instead.
+  if (both_stay)
+    profile::Profile::FlagProfilesRelatedToCrossingPoints(document, {pipes});
+}
+
+void Events::AnnotationWillBeErased(host::Document& document,
+                                    host::Entity& annotation,
+                                    std::string_view erased) {
+  Unlink(document, annotation, erased, false);
+}
+
+void Events::ArrowWillBeErased(host::Document& document, host::Entity& arrow,
+                               std::string_view erased) {
+  Unlink(document, arrow, erased, true);
+}
+
+void Events::DeletePipeFromProfile(host::Document& document,
+                                   std::string_view profile_oid,
+                                   std::string_view pipe_oid,
+                                   std::string_view erased,
+                                   std::string& to_be_erased) {
+  using F = profile::ProfileField;
+  host::Entity& block = core::EntityFromIdText(document, profile_oid);
+  Record record = core::ReadRecordWithFields(
+      block, profile::kProfileRecordLength, "profile");
+  const std::string name =
+      General::EntityLabelFromCombined(record.Text(F::kCombinedLabel));
+  const std::vector<std::string> labels =
+      core::Split(record.Text(F::kPipeLabels));
+  const std::vector<std::string> ids = core::Split(record.Text(F::kPipeOIDs));
+  const std::vector<std::string> directions =
+      core::Split(record.Text(F::kDirections));
+  const std::string wanted = std::string(kRelatedTo) + std::string(pipe_oid);
+  size_t cut = 0;
+  for (size_t i = 1; i < ids.size() && cut == 0; ++i)
+    if (ids[i] == wanted) cut = i;
+  if (cut == 0) return;  // not in this profile
+
+  std::string kept_labels, kept_ids, kept_directions;
+  for (size_t i = 1; i < cut; ++i) {
+    kept_labels += ";" + (i < labels.size() ? labels[i] : "");
+    kept_ids += ";" + ids[i];
+    kept_directions += ";" + (i < directions.size() ? directions[i] : "0");
+  }
+  for (size_t i = cut + 1; i < ids.size(); ++i)
+    profile::Profile::DeleteProfileReferenceFromPipe(
+        document, name, profile_oid, ids[i].substr(kRelatedTo.size()), erased,
+        to_be_erased);
+
+  if (kept_labels.empty()) {
+    ProfileWillBeErased(document, host::As<host::BlockReference>(block), erased,
+                        to_be_erased);
+    AppendOnce(to_be_erased, std::string(profile_oid));
+    return;
+  }
+  record.SetText(F::kPipeLabels, kept_labels);
+  record.SetText(F::kPipeOIDs, kept_ids);
+  record.SetText(F::kDirections, kept_directions);
+  record.Write(block);
+  profile::Profile::FlagProfileForUpdate(document, profile_oid);
+}
+
+void Events::AnalyzeLowHighAfterDeleting(host::Document& document,
+                                         std::string_view nodes) {
+  const core::TextTable networks = General::GetNetworkDefinitions(document);
+  if (networks.Rows() == 0 || networks(0, 0).empty()) return;
+  std::vector<std::vector<std::string>> per_network(
+      static_cast<size_t>(networks.Rows()));
+  for (host::Entity* node :
+       General::ConvertOIDStringToSelectionSet(document, nodes).Entities()) {
+    const std::string network = General::GetElementNetwork(*node);
+    for (int row = 0; row < networks.Rows(); ++row)
+      if (networks(row, 0) == network)
+        per_network[static_cast<size_t>(row)].push_back(
+            core::IdText(node->ObjectID()));
+  }
+  for (int row = 0; row < networks.Rows(); ++row)
+    if (networks(row, 1) == core::kPressure &&
+        !per_network[static_cast<size_t>(row)].empty())
+      lowhigh::LowHigh::BuildLowHighPointsAfterImporting(
+          document, per_network[static_cast<size_t>(row)], networks(row, 0));
+}
+
+}  // namespace kestrana::events

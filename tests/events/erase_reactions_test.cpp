@@ -1,0 +1,252 @@
+// Erasing network elements: what hangs on them goes too, and every record
+// that stays names only objects that are there.
+#include <gtest/gtest.h>
+
+#include <charconv>
+#include <string>
+#include <vector>
+
+#include "cli/project.h"
+#include "core/general.h"
+#include "core/lists.h"
+#include "core/names.h"
+#include "core/node_record.h"
+#include "core/pipe_record.h"
+#include "core/record.h"
+#include "core/references.h"
+#include "core/text.h"
+#include "crossing/crossing.h"
+#include "dxf/io.h"
+#include "editing/editing.h"
+#include "events/events.h"
+#include "host/host.h"
+#include "library/library.h"
+#include "lowhigh/lowhigh.h"
+#include "profile/profile.h"
+#include "profile/profile_record.h"
+#include "support/command_test.h"
+#include "support/elements.h"
+#include "support/network_elements.h"
+#include "support/profile_fixture.h"
+
+namespace kestrana::events {
+namespace {
+
+using core::General;
+using core::NodeField;
+using core::PipeField;
+using core::Record;
+
+// "<record> field <n> names <id>, which is gone" for every stored ID that
+// names no live object.
+std::vector<std::string> DanglingLinks(host::Document& doc) {
+  std::vector<std::string> found;
+  for (host::Entity* e : doc.ModelSpace().Entities()) {
+    std::optional<Record> record = Record::Read(*e);
+    if (!record) continue;
+    for (int f = 1; f < record->Size(); ++f) {
+      if (!record->Value(f).IsText()) continue;
+      for (const std::string& piece : core::Split(record->Text(f))) {
+        if (piece.rfind("RelatedTo", 0) != 0) continue;
+        const std::string id = piece.substr(9);
+        uint64_t value = 0;
+        auto [end, ec] =
+            std::from_chars(id.data(), id.data() + id.size(), value);
+        if (ec != std::errc() || end != id.data() + id.size() || id.size() < 9)
+          continue;  // a label, not an ID
+        try {
+          core::EntityFromIdText(doc, id);
+        } catch (const host::HostError&) {
+          found.push_back(record->Text(1) + " field " + std::to_string(f) +
+                          " names " + id + ", which is gone");
+        }
+      }
+    }
+  }
+  return found;
+}
+
+class Erasing : public ::testing::Test {
+ protected:
+  // A sewer of three pipes crossed by a main of three; a profile along the
+  // whole sewer.
+  void SetUp() override {
+    doc_ = test::NewFullProjectDocument("Metric");
+    cli::AddNetwork(*doc_, "Sewer", core::kGravity);
+    cli::AddNetwork(*doc_, "Water", core::kPressure);
+    Convert({{0, 0, 100, 0}, {100, 0, 200, 0}, {200, 0, 300, 0}}, "Sewer",
+            core::kGravity);
+    Convert({{150, -40, 150, 40}, {150, 40, 250, 40}, {250, 40, 250, -40}},
+            "Water", core::kPressure);
+    test::ProfileSpec spec;
+    spec.network = "Sewer";
+    for (const char* label : {"P-1", "P-2", "P-3"}) {
+      spec.pipes.push_back(&Pipe("Sewer", label));
+      spec.directions.push_back("0");
+    }
+    spec.y = 300;
+    profile_ = &test::AddProfileBlock(*doc_, spec);
+    ASSERT_TRUE(DanglingLinks(*doc_).empty());
+  }
+  void Convert(std::vector<std::vector<double>> lines,
+               const std::string& network, const std::string& type) {
+    host::SelectionSet& set =
+        General::InitializeSelectionSet(*doc_, "SetEntitiesToConvert");
+    for (auto& xy : lines)
+      set.AddItems({&doc_->ModelSpace().AddLightWeightPolyline(xy)});
+    editing::Editing::CreateElementsInNetwork(*doc_, set, true, network, type);
+  }
+  host::LwPolyline& Pipe(const std::string& network, const std::string& label) {
+    return static_cast<host::LwPolyline&>(
+        test::ElementLabelled(*doc_, network, "Pipe", label));
+  }
+  host::Entity& Node(const std::string& network, const std::string& label) {
+    return test::ElementLabelled(*doc_, network, "Node", label);
+  }
+  void Erase(const std::vector<host::Entity*>& chosen) {
+    EraseWithReactions(*doc_, chosen);
+  }
+  int Count(const std::string& type) {
+    int n = 0;
+    for (host::Entity* e : doc_->ModelSpace().Entities())
+      if (auto r = Record::Read(*e))
+        n += r->Has(2) && r->Value(2).IsText() && r->Text(2) == type;
+    return n;
+  }
+  std::string Materials() {
+    core::TextTable t = library::Library::GetMaterialsArray(*doc_);
+    for (int row = 0; row < t.Rows(); ++row)
+      if (t(row, 0) == "PVC") return t(row, 1);
+    return "";
+  }
+
+  std::unique_ptr<memhost::MemDocument> doc_;
+  host::BlockReference* profile_ = nullptr;
+};
+
+TEST_F(Erasing, APipeLeavesItsNodesCrossingsProfileAndLibrary) {
+  host::LwPolyline& p2 = Pipe("Sewer", "P-2");
+  ASSERT_EQ(crossing::Crossing::GetExistingCrossingPointsSet(*doc_, "").Count(),
+            2);
+  ASSERT_EQ(Materials(), "6");
+  const int annotations = Count("Annotation"), arrows = Count("Arrow");
+
+  Erase({&p2});
+
+  EXPECT_TRUE(DanglingLinks(*doc_).empty())
+      << testing::PrintToString(DanglingLinks(*doc_));
+  Record n2 = Record::ReadRequired(Node("Sewer", "N-2"));
+  EXPECT_EQ(n2.Text(NodeField::kPipesAtStartLabels), "");
+  EXPECT_EQ(n2.Text(NodeField::kPipesAtEndLabels), ";RelatedToP-1");
+  Record n3 = Record::ReadRequired(Node("Sewer", "N-3"));
+  EXPECT_EQ(n3.Text(NodeField::kPipesAtStartLabels), ";RelatedToP-3");
+  EXPECT_EQ(n3.Text(NodeField::kPipesAtEndLabels), "");
+  // P-2 crossed the main once; the other crossing stays.
+  EXPECT_EQ(crossing::Crossing::GetExistingCrossingPointsSet(*doc_, "").Count(),
+            1);
+  EXPECT_EQ(Count("CrossingPointLine"), 1);
+  EXPECT_EQ(Count("Annotation"), annotations - 1);
+  EXPECT_EQ(Count("Arrow"), arrows - 1);
+  EXPECT_EQ(Materials(), "5");
+
+  // The profile keeps the pipes before P-2 and is flagged; P-3 left it.
+  Record profile = Record::ReadRequired(*profile_);
+  EXPECT_EQ(profile.Text(profile::ProfileField::kPipeLabels), ";RelatedToP-1");
+  EXPECT_EQ(profile.Text(profile::ProfileField::kDirections), ";0");
+  EXPECT_EQ(profile.Int16(profile::ProfileField::kUpdateFlag), 1);
+  EXPECT_EQ(
+      Record::ReadRequired(Pipe("Sewer", "P-3")).Text(PipeField::kProfileRefs),
+      "");
+}
+
+TEST_F(Erasing, ANodeTakesItsPipesAndMarkersAndTheProfileGoesWhole) {
+  // N-1 is where the sewer and its profile start.
+  Erase({&Node("Sewer", "N-1")});
+  EXPECT_TRUE(DanglingLinks(*doc_).empty())
+      << testing::PrintToString(DanglingLinks(*doc_));
+  EXPECT_EQ(General::GetNetworkSet(*doc_, "Sewer", 1).Count(), 2);
+  EXPECT_EQ(profile::Profile::GetExistingProfileSet(*doc_, "").Count(), 0);
+  for (const char* label : {"P-2", "P-3"})
+    EXPECT_EQ(Record::ReadRequired(Pipe("Sewer", label))
+                  .Text(PipeField::kProfileRefs),
+              "")
+        << label;
+
+  // A main's node: its two pipes, their crossings and its marker go; the
+  // low and high points of what stays are analysed again.
+  Erase({&Node("Water", "N-2")});
+  EXPECT_TRUE(DanglingLinks(*doc_).empty())
+      << testing::PrintToString(DanglingLinks(*doc_));
+  EXPECT_EQ(General::GetNetworkSet(*doc_, "Water", 1).Count(), 1);
+  EXPECT_EQ(crossing::Crossing::GetExistingCrossingPointsSet(*doc_, "").Count(),
+            1);
+  // Markers and the nodes naming them agree, the marker of N-2 gone.
+  int linked = 0;
+  for (host::Entity* node :
+       General::GetNetworkSet(*doc_, "Water", 2).Entities())
+    linked +=
+        !Record::ReadRequired(*node).Text(NodeField::kLowHighOIDRef).empty();
+  EXPECT_GT(linked, 0);
+  EXPECT_EQ(
+      lowhigh::LowHigh::GetExistingLowHighPointsSet(*doc_, "Water").Count(),
+      linked);
+}
+
+TEST_F(Erasing, AnAnnotationOrArrowIsForgottenByItsOwner) {
+  host::LwPolyline& p1 = Pipe("Sewer", "P-1");
+  Record before = Record::ReadRequired(p1);
+  host::Entity& annotation = core::EntityFromReference(
+      *doc_, before.Text(PipeField::kAnnotationOIDRef));
+  host::Entity& arrow =
+      core::EntityFromReference(*doc_, before.Text(PipeField::kArrowOIDRef));
+  host::Entity& node = Node("Sewer", "N-1");
+  host::Entity& node_annotation = core::EntityFromReference(
+      *doc_, Record::ReadRequired(node).Text(NodeField::kAnnotationOIDRef));
+
+  Erase({&annotation, &arrow, &node_annotation});
+  Record after = Record::ReadRequired(p1);
+  for (auto field :
+       {PipeField::kAnnotationLabelRef, PipeField::kAnnotationOIDRef,
+        PipeField::kArrowLabelRef, PipeField::kArrowOIDRef})
+    EXPECT_EQ(after.Text(field), "") << static_cast<int>(field);
+  EXPECT_EQ(Record::ReadRequired(node).Text(NodeField::kAnnotationOIDRef), "");
+  EXPECT_EQ(after.Text(PipeField::kEndNodeLabel), ";RelatedToN-2");
+  EXPECT_TRUE(DanglingLinks(*doc_).empty());
+}
+
+class EraseCommand : public test::CommandTest {};
+
+TEST_F(EraseCommand, NamedElementsGoAndBadNamesChangeNothing) {
+  const std::string site = Path("site.dxf");
+  ASSERT_EQ(Run({"new", site}), 0);
+  {
+    auto doc = dxf::LoadDrawing(site);
+    doc->ModelSpace().AddLightWeightPolyline({0, 0, 50, 0});
+    doc->ModelSpace().AddLightWeightPolyline({50, 0, 90, 0});
+    dxf::SaveDrawing(*doc, site);
+  }
+  ASSERT_EQ(Run({"convert", site, "--network", "Sewer", "--type", "Gravity",
+                 "--all"}),
+            0)
+      << err_.str();
+  const std::string before = Bytes(site);
+  EXPECT_EQ(Run({"erase", site, "--network", "Sewer", "--pipes", "P-9"}), 1);
+  EXPECT_NE(err_.str().find("P-9"), std::string::npos) << err_.str();
+  EXPECT_EQ(Run({"erase", site, "--pipes", "P-1"}), 2);
+  EXPECT_EQ(Run({"erase", site, "--handles", "FFFFF"}), 1);
+  EXPECT_EQ(Bytes(site), before);
+
+  ASSERT_EQ(Run({"erase", site, "--network", "Sewer", "--nodes", "N-1"}), 0)
+      << err_.str();
+  // N-1 with P-1, their annotations and P-1's arrow.
+  EXPECT_EQ(out_.str().rfind("erased 1 chosen and 4 dependent objects\n", 0),
+            0u)
+      << out_.str();
+  auto doc = dxf::LoadDrawing(site);
+  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 1).Count(), 1);
+  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 2).Count(), 2);
+  EXPECT_TRUE(DanglingLinks(*doc).empty());
+}
+
+}  // namespace
+}  // namespace kestrana::events
