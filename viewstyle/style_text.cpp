@@ -4,6 +4,7 @@
 #include <optional>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <vector>
 
 #include "core/names.h"
@@ -41,6 +42,16 @@ std::string Quote(std::string_view text) {
     quoted += c;
   }
   return quoted + "\"";
+}
+
+// A text height: a positive number within range, else nullopt.
+std::optional<double> TextHeightOf(std::string_view text) {
+  try {
+    std::optional<double> value = core::ParseNumber(text);
+    if (value && *value > 0) return value;
+  } catch (const std::overflow_error&) {
+  }
+  return std::nullopt;
 }
 
 bool IsDigits(std::string_view text) {
@@ -234,8 +245,7 @@ std::string NotationName(std::string_view notation) {
 std::string WriteStyleText(const ViewStyleSettings& style) {
   std::ostringstream out;
   const std::string& height = style.at(Index(F::kTextHeight));
-  std::optional<double> value = core::ParseNumber(height);
-  if (!value || *value <= 0)
+  if (!TextHeightOf(height))
     throw StyleTextError(
         0, "the text height \"" + height + "\" is not a positive number");
   out << kTextStyleKey << " = " << Quote(style.at(Index(F::kTextStyle))) << "\n"
@@ -327,8 +337,7 @@ ViewStyleSettings ReadStyleText(std::string_view text, std::string_view name) {
                              "the text style is a name without \";\"");
       style[field] = style_name;
     } else if (field == Index(F::kTextHeight)) {
-      std::optional<double> height = core::ParseNumber(value);
-      if (!height || *height <= 0)
+      if (!TextHeightOf(value))
         throw StyleTextError(line_number,
                              "the text height is a positive "
                              "number, not \"" +
