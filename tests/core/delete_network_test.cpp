@@ -21,6 +21,7 @@
 #include "lowhigh/lowhigh.h"
 #include "profile/profile.h"
 #include "profile/profile_style_record.h"
+#include "support/drawn_lines.h"
 #include "support/elements.h"
 #include "support/network_elements.h"
 #include "support/profile_fixture.h"
@@ -43,13 +44,9 @@ class DeleteNetwork : public ::testing::Test {
     AddProfile("Sewer", "Along the sewer", {"P-1", "P-2"});
     AddProfile("Water", "Along the main", {"P-1", "P-2"});
   }
-  void Convert(std::vector<std::vector<double>> lines,
+  void Convert(const std::vector<std::vector<double>>& lines,
                const std::string& network, const std::string& type) {
-    host::SelectionSet& set =
-        General::InitializeSelectionSet(*doc_, "SetEntitiesToConvert");
-    for (auto& xy : lines)
-      set.AddItems({&doc_->ModelSpace().AddLightWeightPolyline(xy)});
-    editing::Editing::CreateElementsInNetwork(*doc_, set, true, network, type);
+    test::ConvertDrawn(*doc_, lines, network, type);
   }
   void AddProfile(const std::string& network, const std::string& name,
                   std::vector<std::string> labels) {

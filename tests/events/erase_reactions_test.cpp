@@ -25,6 +25,7 @@
 #include "profile/profile.h"
 #include "profile/profile_record.h"
 #include "support/command_test.h"
+#include "support/drawn_lines.h"
 #include "support/elements.h"
 #include "support/network_elements.h"
 #include "support/profile_fixture.h"
@@ -88,13 +89,9 @@ class Erasing : public ::testing::Test {
     profile_ = &test::AddProfileBlock(*doc_, spec);
     ASSERT_TRUE(DanglingLinks(*doc_).empty());
   }
-  void Convert(std::vector<std::vector<double>> lines,
+  void Convert(const std::vector<std::vector<double>>& lines,
                const std::string& network, const std::string& type) {
-    host::SelectionSet& set =
-        General::InitializeSelectionSet(*doc_, "SetEntitiesToConvert");
-    for (auto& xy : lines)
-      set.AddItems({&doc_->ModelSpace().AddLightWeightPolyline(xy)});
-    editing::Editing::CreateElementsInNetwork(*doc_, set, true, network, type);
+    test::ConvertDrawn(*doc_, lines, network, type);
   }
   host::LwPolyline& Pipe(const std::string& network, const std::string& label) {
     return static_cast<host::LwPolyline&>(

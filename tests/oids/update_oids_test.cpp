@@ -26,6 +26,7 @@
 #include "host/host.h"
 #include "memhost/document.h"
 #include "support/command_test.h"
+#include "support/drawn_lines.h"
 #include "support/elements.h"
 #include "support/network_elements.h"
 #include "support/profile_fixture.h"
@@ -76,15 +77,10 @@ class Renewal : public ::testing::Test {
     first_ = test::NewFullProjectDocument("Metric");
     cli::AddNetwork(*first_, "Sewer", core::kGravity);
     cli::AddNetwork(*first_, "Water", core::kPressure);
-    auto convert = [&](std::vector<std::vector<double>> lines,
+    auto convert = [&](const std::vector<std::vector<double>>& lines,
                        const std::string& network) {
-      host::SelectionSet& set =
-          General::InitializeSelectionSet(*first_, "SetEntitiesToConvert");
-      for (auto& xy : lines)
-        set.AddItems({&first_->ModelSpace().AddLightWeightPolyline(xy)});
-      editing::Editing::CreateElementsInNetwork(
-          *first_, set, true, network,
-          network == "Sewer" ? core::kGravity : core::kPressure);
+      test::ConvertDrawn(*first_, lines, network,
+                         network == "Sewer" ? core::kGravity : core::kPressure);
     };
     convert({{0, 0, 100, 0}, {100, 0, 200, 0}, {200, 0, 200, 80}}, "Sewer");
     convert({{50, -40, 50, 40}, {50, 40, 150, 40}, {150, 40, 150, -40}},
@@ -232,12 +228,8 @@ TEST_F(RenewalCommands, CommandsRenewStaleIDsBeforeFollowingLinks) {
   {
     auto doc = test::NewFullProjectDocument("Metric");
     cli::AddNetwork(*doc, "Sewer", core::kGravity);
-    host::SelectionSet& set =
-        General::InitializeSelectionSet(*doc, "SetEntitiesToConvert");
-    set.AddItems({&doc->ModelSpace().AddLightWeightPolyline({0, 0, 50, 0}),
-                  &doc->ModelSpace().AddLightWeightPolyline({50, 0, 90, 0})});
-    editing::Editing::CreateElementsInNetwork(*doc, set, true, "Sewer",
-                                              core::kGravity);
+    test::ConvertDrawn(*doc, {{0, 0, 50, 0}, {50, 0, 90, 0}}, "Sewer",
+                       core::kGravity);
     // Another session: new IDs, renewed and saved there.
     memhost::MemDocument other(nullptr,
                                memhost::Options{memhost::IdPolicy::kFresh, 3});

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <random>
 
+#include "core/general.h"
+#include "editing/editing.h"
 #include "host/host.h"
 
 namespace kestrana::test {
@@ -64,6 +66,16 @@ std::vector<host::LwPolyline*> AddDrawnGrid(host::Document& document,
     }
   }
   return drawn;
+}
+
+void ConvertDrawn(host::Document& document,
+                  const std::vector<std::vector<double>>& lines,
+                  const std::string& network, const std::string& type) {
+  host::SelectionSet& set =
+      core::General::InitializeSelectionSet(document, "SetEntitiesToConvert");
+  for (const std::vector<double>& xy : lines)
+    set.AddItems({&document.ModelSpace().AddLightWeightPolyline(xy)});
+  editing::Editing::CreateElementsInNetwork(document, set, true, network, type);
 }
 
 }  // namespace kestrana::test

@@ -32,4 +32,11 @@ struct DrawnGridOptions {
 std::vector<host::LwPolyline*> AddDrawnGrid(host::Document& document,
                                             const DrawnGridOptions& options);
 
+// Converts polylines of these coordinates into the network, which must
+// exist, as `kestrana convert` does: nodes, labels, annotations, crossings
+// and low and high points.
+void ConvertDrawn(host::Document& document,
+                  const std::vector<std::vector<double>>& lines,
+                  const std::string& network, const std::string& type);
+
 }  // namespace kestrana::test
