@@ -50,17 +50,17 @@ class DeleteNetwork : public ::testing::Test {
   }
   void AddProfile(const std::string& network, const std::string& name,
                   std::vector<std::string> labels) {
-    test::ProfileSpec spec;
-    spec.name = name;
-    spec.network = network;
-    spec.network_type = network == "Sewer" ? kGravity : kPressure;
+    test::ProfileSpec wanted;
+    wanted.name = name;
+    wanted.network = network;
+    wanted.network_type = network == "Sewer" ? kGravity : kPressure;
     for (const std::string& label : labels) {
-      spec.pipes.push_back(&static_cast<host::LwPolyline&>(
+      wanted.pipes.push_back(&static_cast<host::LwPolyline&>(
           test::ElementLabelled(*doc_, network, "Pipe", label)));
-      spec.directions.push_back("0");
+      wanted.directions.push_back("0");
     }
-    spec.y = network == "Sewer" ? 300 : 500;
-    test::AddProfileBlock(*doc_, spec);
+    wanted.y = network == "Sewer" ? 300 : 500;
+    test::AddProfileBlock(*doc_, wanted);
   }
   // Every live entity's record, with its network piece of field 1.
   std::vector<std::pair<host::Entity*, Record>> Recorded() {

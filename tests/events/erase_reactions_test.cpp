@@ -79,14 +79,14 @@ class Erasing : public ::testing::Test {
             core::kGravity);
     Convert({{150, -40, 150, 40}, {150, 40, 250, 40}, {250, 40, 250, -40}},
             "Water", core::kPressure);
-    test::ProfileSpec spec;
-    spec.network = "Sewer";
+    test::ProfileSpec wanted;
+    wanted.network = "Sewer";
     for (const char* label : {"P-1", "P-2", "P-3"}) {
-      spec.pipes.push_back(&Pipe("Sewer", label));
-      spec.directions.push_back("0");
+      wanted.pipes.push_back(&Pipe("Sewer", label));
+      wanted.directions.push_back("0");
     }
-    spec.y = 300;
-    profile_ = &test::AddProfileBlock(*doc_, spec);
+    wanted.y = 300;
+    profile_ = &test::AddProfileBlock(*doc_, wanted);
     ASSERT_TRUE(DanglingLinks(*doc_).empty());
   }
   void Convert(const std::vector<std::vector<double>>& lines,

@@ -35,13 +35,13 @@ class ProfileErased : public ::testing::Test {
     second_ = &Profile("Second", false);
   }
   host::BlockReference& Profile(const std::string& name, bool plan) {
-    test::ProfileSpec spec;
-    spec.name = name;
-    spec.network = "Sewer";
-    spec.pipes = {p1_, p2_};
-    spec.directions = {"0", "0"};
-    spec.plan_annotation = plan;
-    return test::AddProfileBlock(*doc_, spec);
+    test::ProfileSpec wanted;
+    wanted.name = name;
+    wanted.network = "Sewer";
+    wanted.pipes = {p1_, p2_};
+    wanted.directions = {"0", "0"};
+    wanted.plan_annotation = plan;
+    return test::AddProfileBlock(*doc_, wanted);
   }
   Record StyleRecord() {
     host::Entity& marker = core::EntityFromReference(
