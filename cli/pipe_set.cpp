@@ -1,5 +1,6 @@
 // kestrana pipe set: a pipe's label, section, material and inverts.
 #include <ostream>
+#include <stdexcept>
 
 #include "cli/command.h"
 #include "cli/editing.h"
@@ -32,7 +33,11 @@ constexpr char kBoxForm[] = "Box - ";
 constexpr int kMaxCells = 32767;
 
 double PositiveSize(const std::string& text, const std::string& size) {
-  std::optional<double> value = core::ParseNumber(text);
+  std::optional<double> value;
+  try {
+    value = core::ParseNumber(text);
+  } catch (const std::overflow_error&) {
+  }
   if (!value || *value <= 0)
     throw UsageError(
         "--size takes a diameter such as 300 or a box such as 1200x800, not '" +

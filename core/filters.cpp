@@ -57,6 +57,12 @@ host::Filter ElementsOfKindFilter(bool pipes) {
           Item(kEntityType, pipes ? "LWPOLYLINE" : "INSERT")};
 }
 
+host::Filter ElementsFilter() {
+  return {Item(code::kAppName, kAppName), Item(kGrouping, "<OR"),
+          Item(kEntityType, "LWPOLYLINE"), Item(kEntityType, "INSERT"),
+          Item(kGrouping, "OR>")};
+}
+
 host::Filter EntitiesToConvertFilter() {
   return {Item(kGrouping, "<or"), Item(kEntityType, "LWPOLYLINE"),
           Item(kEntityType, "LINE"), Item(kGrouping, "or>")};

@@ -28,6 +28,9 @@ host::Filter NodeBlocksFilter();
 host::Filter AllPipesFilter();
 // Elements of one kind: 1001 "Kestrana"; 0 "LWPOLYLINE" (pipes) or "INSERT".
 host::Filter ElementsOfKindFilter(bool pipes);
+// Pipes and nodes alike: 1001 "Kestrana"; -4 "<OR"; 0 "LWPOLYLINE";
+// 0 "INSERT"; -4 "OR>".
+host::Filter ElementsFilter();
 // What may be converted into pipes: polylines and lines.
 host::Filter EntitiesToConvertFilter();
 // Inserts of any of the given blocks that carry a "Kestrana" record:

@@ -37,6 +37,8 @@ inline constexpr char kMatchInverts[] = "Match Inverts";
 
 // The prompt of the conversion's on-screen selection.
 inline constexpr char kConvertPrompt[] = "Select Entities to Convert:";
+inline constexpr char kReversePrompt[] = "Select Pipes to Reverse:";
+inline constexpr char kGroupEditingPrompt[] = "Select Elements to Edit:";
 
 // Label prefixes: "P-<n>" for pipes, "N-<n>" for nodes.
 inline constexpr char kPipeLabelPrefix[] = "P-";
@@ -126,6 +128,27 @@ class Editing {
   static void UpdateGroundLevelsFromSurface(
       host::Document& document, const std::vector<std::string>& ar_net_names,
       std::string_view surface_name);
+
+  // --- Reversing pipes and group editing ----------------------------------
+
+  // Asks for pipes on screen; the set "SetPipesToReverse".
+  static host::SelectionSet& GetPipesToReverse(host::Document& document);
+  // Turns each pipe of the set round, in set order: its vertices, its ends
+  // and inverts in its record, its entries in its two nodes' lists (moved
+  // to the other side), its profiles' chains and its annotation and arrow.
+  // Node levels are left as they are.
+  static void ReverseSelectedPipes(host::Document& document,
+                                   host::SelectionSet& set_pipes_to_reverse);
+  // Moves the pipe's entries in the node's lists from the start side
+  // (indicator 0) or the end side (1) to the end of the other side's.
+  static void ReversePipeReferenceInNode(host::Document& document,
+                                         std::string_view pipe_label,
+                                         std::string_view pipe_oid,
+                                         std::string_view node_oid,
+                                         int indicator);
+  // Asks for pipes and nodes on screen; the set "GrEd_SetElementsGroup".
+  static host::SelectionSet& GetSelectionForGroupEditing(
+      host::Document& document);
 
   // --- Vertex lists ------------------------------------------------------
 

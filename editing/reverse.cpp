@@ -1,0 +1,130 @@
+#include <string>
+#include <vector>
+
+#include "core/filters.h"
+#include "core/general.h"
+#include "core/lists.h"
+#include "core/node_record.h"
+#include "core/pipe_record.h"
+#include "core/record.h"
+#include "core/references.h"
+#include "editing/editing.h"
+#include "host/host.h"
+#include "profile/profile.h"
+#include "viewstyle/view_style.h"
+
+namespace kestrana::editing {
+
+namespace {
+
+using core::General;
+using core::NodeField;
+using core::PipeField;
+
+constexpr char kEscape[] = "\x1b";
+constexpr std::string_view kRelatedTo = "RelatedTo";
+
+host::SelectionSet& AskOnScreen(host::Document& document,
+                                std::string_view set_name, const char* prompt,
+                                const host::Filter& filter) {
+  host::SelectionSet& set = General::InitializeSelectionSet(document, set_name);
+  document.SendCommand(kEscape);
+  document.GetUtility().Prompt(prompt);
+  set.SelectOnScreen(filter);
+  return set;
+}
+
+// The value of a single-entry reference field (";RelatedTo<value>").
+std::string SingleValue(const core::Record& record, core::Field field) {
+  const std::vector<std::string> values =
+      core::ReferenceValues(record.Text(field));
+  return values.empty() ? std::string() : values.front();
+}
+
+// The reference field of a value; empty for no value.
+std::string Entry(const std::string& value) {
+  return value.empty() ? std::string() : core::ReferenceEntry(value);
+}
+
+}  // namespace
+
+host::SelectionSet& Editing::GetPipesToReverse(host::Document& document) {
+  return AskOnScreen(document, "SetPipesToReverse", kReversePrompt,
+                     core::ElementsOfKindFilter(true));
+}
+
+host::SelectionSet& Editing::GetSelectionForGroupEditing(
+    host::Document& document) {
+  return AskOnScreen(document, "GrEd_SetElementsGroup", kGroupEditingPrompt,
+                     core::ElementsFilter());
+}
+
+void Editing::ReversePipeReferenceInNode(host::Document& document,
+                                         std::string_view pipe_label,
+                                         std::string_view pipe_oid,
+                                         std::string_view node_oid,
+                                         int indicator) {
+  host::Entity& node = core::EntityFromIdText(document, node_oid);
+  core::Record record = core::Record::ReadRequired(node);
+  const bool from_start = indicator == 0;
+  const core::Field from_labels = from_start ? NodeField::kPipesAtStartLabels
+                                             : NodeField::kPipesAtEndLabels;
+  const core::Field from_ids =
+      from_start ? NodeField::kPipesAtStartOID : NodeField::kPipesAtEndOID;
+  const core::Field to_labels = from_start ? NodeField::kPipesAtEndLabels
+                                           : NodeField::kPipesAtStartLabels;
+  const core::Field to_ids =
+      from_start ? NodeField::kPipesAtEndOID : NodeField::kPipesAtStartOID;
+  const std::string label_entry =
+      std::string(kRelatedTo) + std::string(pipe_label);
+  const std::string id_entry = std::string(kRelatedTo) + std::string(pipe_oid);
+  record.SetText(from_labels, General::DeleteReferenceInReferenceString(
+                                  record.Text(from_labels), label_entry, 0));
+  record.SetText(from_ids, General::DeleteReferenceInReferenceString(
+                               record.Text(from_ids), id_entry, 0));
+  record.SetText(to_labels, record.Text(to_labels) + ";" + label_entry);
+  record.SetText(to_ids, record.Text(to_ids) + ";" + id_entry);
+  record.Write(node);
+}
+
+void Editing::ReverseSelectedPipes(host::Document& document,
+                                   host::SelectionSet& set_pipes_to_reverse) {
+  for (host::Entity* entity : set_pipes_to_reverse.Entities()) {
+    auto& pipe = host::As<host::LwPolyline>(*entity);
+    core::Record record =
+        core::ReadRecordWithFields(pipe, core::kPipeRecordLength, "pipe");
+    const std::string label = General::EntityLabelFromCombined(
+        record.Text(PipeField::kCombinedLabel));
+    const std::string pipe_oid = core::IdText(pipe.ObjectID());
+    const std::string start_label =
+        SingleValue(record, PipeField::kStartNodeLabel);
+    const std::string end_label = SingleValue(record, PipeField::kEndNodeLabel);
+    const std::string start_oid = SingleValue(record, PipeField::kStartNodeOID);
+    const std::string end_oid = SingleValue(record, PipeField::kEndNodeOID);
+    const double start_invert = record.Number(PipeField::kStartInvert);
+    const double end_invert = record.Number(PipeField::kEndInvert);
+
+    pipe.SetCoordinates(ReversePolylineCoordinates(pipe.Coordinates()));
+    if (!start_oid.empty())
+      ReversePipeReferenceInNode(document, label, pipe_oid, start_oid, 0);
+    if (!end_oid.empty())
+      ReversePipeReferenceInNode(document, label, pipe_oid, end_oid, 1);
+
+    record.SetText(PipeField::kStartNodeLabel, Entry(end_label));
+    record.SetText(PipeField::kEndNodeLabel, Entry(start_label));
+    record.SetText(PipeField::kStartNodeOID, Entry(end_oid));
+    record.SetText(PipeField::kEndNodeOID, Entry(start_oid));
+    record.SetReal(PipeField::kStartInvert, end_invert);
+    record.SetReal(PipeField::kEndInvert, start_invert);
+    record.Write(pipe);
+
+    for (const std::string& profile_oid :
+         core::ReferenceValues(record.Text(PipeField::kProfileOIDRefs)))
+      profile::Profile::ReversePipeDirectionInProfile(document, pipe_oid,
+                                                      profile_oid);
+    viewstyle::ViewStyle::UpdateAnnotationsAfterEditing(document,
+                                                        pipe_oid + ";", true);
+  }
+}
+
+}  // namespace kestrana::editing
