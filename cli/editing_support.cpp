@@ -9,6 +9,7 @@
 #include "core/names.h"
 #include "core/pipe_record.h"
 #include "core/record.h"
+#include "core/text.h"
 #include "editing/editing.h"
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
@@ -24,13 +25,6 @@ constexpr int kNodesOption = 2;
 
 const char* KindName(ElementKind kind) {
   return kind == ElementKind::kPipe ? "pipe" : "node";
-}
-
-bool SameIgnoringCase(const std::string& a, const std::string& b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-    return std::tolower(static_cast<unsigned char>(x)) ==
-           std::tolower(static_cast<unsigned char>(y));
-  });
 }
 
 }  // namespace
@@ -87,7 +81,7 @@ void CheckNewLabel(host::Document& document, const std::string& network,
       (kind == ElementKind::kPipe ? core::kPipeKind : core::kNodeKind);
   for (const std::string& taken : editing::Editing::GetExistingLabelsArray(
            document, network, type, {core::IdText(element.ObjectID())}))
-    if (!taken.empty() && SameIgnoringCase(taken, label))
+    if (!taken.empty() && core::SameIgnoringCase(taken, label))
       throw CommandError("the network \"" + network + "\" already has a " +
                          KindName(kind) + " labelled \"" + taken + "\"");
 }

@@ -124,6 +124,17 @@ class General {
                                  std::string_view node_oid,
                                  std::string_view pipe_oid,
                                  std::string_view side);
+  // Whether an element of the network and kind ("GravityPipe", "PressureNode",
+  // ...) already has the label: pipes by their combined label under the
+  // host's filter rules, nodes ignoring letter case; false for other kinds.
+  static bool CheckLabelDuplication(host::Document& document,
+                                    std::string_view network_name,
+                                    std::string_view element_type,
+                                    std::string_view element_label);
+  // Labels in natural order ("MH-2", "MH-10", "MH-10A"), their pieces
+  // compared as zero-padded numbers where they are numbers.
+  static std::vector<std::string> NumericSort(
+      const std::vector<std::string>& ar_strings);
   // Removes a network and everything that belongs to it: crossings (their
   // annotations too, which the erase reaction would take with the pipes),
   // low and high points, profiles, pipes and nodes with their annotations

@@ -13,10 +13,7 @@ namespace {
 // The host refuses a second set whose name differs only in letter case, so
 // such a set is the one to replace.
 bool SameSetName(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-    return std::tolower(static_cast<unsigned char>(x)) ==
-           std::tolower(static_cast<unsigned char>(y));
-  });
+  return SameIgnoringCase(a, b);
 }
 }  // namespace
 

@@ -1,5 +1,7 @@
 #include "core/text.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -637,6 +639,13 @@ std::string StationPattern(std::string_view precision,
   if (!PatternIndex(precision, decimals, sum) || sum < 0 || sum > 5)
     return prefix;
   return prefix + "0" + ZeroPlaces(sum);
+}
+
+bool SameIgnoringCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+    return std::tolower(static_cast<unsigned char>(x)) ==
+           std::tolower(static_cast<unsigned char>(y));
+  });
 }
 
 std::vector<std::string> Split(std::string_view text, char separator) {

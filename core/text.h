@@ -114,4 +114,8 @@ std::string StationPattern(std::string_view precision,
 // Splits at every `separator`, keeping empty pieces.
 std::vector<std::string> Split(std::string_view text, char separator = ';');
 
+// Equal texts when letter case is ignored, as the host compares names
+// (ASCII letters; other bytes as they are).
+bool SameIgnoringCase(std::string_view a, std::string_view b);
+
 }  // namespace kestrana::core

@@ -57,6 +57,9 @@ class Profile {
  public:
   // --- Profile styles ------------------------------------------------------
 
+  // The first of ".", "-", "/", "_" that a manhole label holds, or "".
+  static std::string GetManholeLabelDelimiter(std::string_view manhole_label);
+
   // 1001, then twenty 1000.
   static std::vector<int16_t> GetProfileStyleXdataTypeArray();
   // The style record, or nullopt when no style has the name (exact).
