@@ -38,6 +38,7 @@ inline constexpr char kMatchInverts[] = "Match Inverts";
 // The prompt of the conversion's on-screen selection.
 inline constexpr char kConvertPrompt[] = "Select Entities to Convert:";
 inline constexpr char kReversePrompt[] = "Select Pipes to Reverse:";
+inline constexpr char kMergePrompt[] = "Select Pipes to Merge:";
 inline constexpr char kGroupEditingPrompt[] = "Select Elements to Edit:";
 
 // Label prefixes: "P-<n>" for pipes, "N-<n>" for nodes.
@@ -128,6 +129,64 @@ class Editing {
   static void UpdateGroundLevelsFromSurface(
       host::Document& document, const std::vector<std::string>& ar_net_names,
       std::string_view surface_name);
+
+  // --- Merging pipes -----------------------------------------------------
+
+  // One selected pipe's ends: node label references (";RelatedTo<label>")
+  // and node IDs.
+  struct MergeRunRow {
+    std::string start_label, end_label, start_oid, end_oid;
+  };
+
+  // Asks for pipes on screen; the set "TempSetPipesToMerge", emptied (with
+  // the system's message) when they are not one unbranched run of one
+  // network, material and size.
+  static host::SelectionSet& GetPipesToMerge(host::Document& document);
+  // False when a node inside the run has a third pipe.
+  static bool CheckInternalNodes(host::Document& document,
+                                 const std::vector<MergeRunRow>& ar_nodes,
+                                 int count_pipes);
+  // Orders the pipes along the run (from the end with the higher start
+  // invert) and adds the joined polyline; fills the order and the joined
+  // crossing lists of all the pipes.
+  static host::LwPolyline& CreateMergedPipe(
+      host::Document& document, host::SelectionSet& set_pipes_to_merge,
+      std::vector<host::Entity*>& ar_final_sequence_pipes,
+      std::string& cross_point_labels_string,
+      std::string& cross_point_oids_string);
+  // The merged pipe's record (the first pipe's, with the run's ends,
+  // inverts, crossings and profiles) and annotations; its end nodes are
+  // relinked, matched and added to `set_nodes_for_low_high`.
+  static void AssignMergedXdata(
+      host::Document& document, host::Entity& merged_pipe_entity,
+      const std::vector<host::Entity*>& ar_final_sequence_pipes,
+      std::string_view cross_point_labels_string,
+      std::string_view cross_point_oids_string,
+      host::Entity*& first_merged_pipe_entity,
+      host::Entity*& last_merged_pipe_entity,
+      std::string& final_start_node_label, std::string& final_end_node_label,
+      std::string& merged_element_type, std::string& merged_element_network,
+      host::SelectionSet& set_nodes_for_low_high);
+  // The run counts as one pipe in the libraries.
+  static void UpdateLibrariesAfterMerging(
+      host::Document& document, host::Entity& first_merged_pipe_entity,
+      int count_pipes);
+  // Each crossing of an old pipe now names the merged pipe.
+  static void UpdateCrossingsAfterMerging(
+      host::Document& document, std::string_view cross_point_labels_string,
+      std::string_view cross_point_oids_string,
+      host::Entity& merged_pipe_entity, host::SelectionSet& set_pipes_to_merge);
+  // Each profile's chain has one entry for the merged pipe where the old
+  // pipes' entries were.
+  static void UpdateProfilesAfterMerging(
+      host::Document& document, host::Entity& merged_pipe_entity,
+      host::SelectionSet& set_pipes_to_merge);
+  // Erases the old pipes with their annotations and arrows, and the nodes
+  // inside the run with theirs.
+  static void DeleteOldMergedPipes(host::Document& document,
+                                   host::SelectionSet& set_pipes_to_merge,
+                                   std::string_view final_start_node_label,
+                                   std::string_view final_end_node_label);
 
   // --- Reversing pipes and group editing ----------------------------------
 

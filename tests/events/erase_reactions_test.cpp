@@ -2,7 +2,6 @@
 // that stays names only objects that are there.
 #include <gtest/gtest.h>
 
-#include <charconv>
 #include <string>
 #include <vector>
 
@@ -38,35 +37,6 @@ using core::NodeField;
 using core::PipeField;
 using core::Record;
 
-// "<record> field <n> names <id>, which is gone" for every stored ID that
-// names no live object.
-std::vector<std::string> DanglingLinks(host::Document& doc) {
-  std::vector<std::string> found;
-  for (host::Entity* e : doc.ModelSpace().Entities()) {
-    std::optional<Record> record = Record::Read(*e);
-    if (!record) continue;
-    for (int f = 1; f < record->Size(); ++f) {
-      if (!record->Value(f).IsText()) continue;
-      for (const std::string& piece : core::Split(record->Text(f))) {
-        if (piece.rfind("RelatedTo", 0) != 0) continue;
-        const std::string id = piece.substr(9);
-        uint64_t value = 0;
-        auto [end, ec] =
-            std::from_chars(id.data(), id.data() + id.size(), value);
-        if (ec != std::errc() || end != id.data() + id.size() || id.size() < 9)
-          continue;  // a label, not an ID
-        try {
-          core::EntityFromIdText(doc, id);
-        } catch (const host::HostError&) {
-          found.push_back(record->Text(1) + " field " + std::to_string(f) +
-                          " names " + id + ", which is gone");
-        }
-      }
-    }
-  }
-  return found;
-}
-
 class Erasing : public ::testing::Test {
  protected:
   // A sewer of three pipes crossed by a main of three; a profile along the
@@ -87,7 +57,7 @@ class Erasing : public ::testing::Test {
     }
     wanted.y = 300;
     profile_ = &test::AddProfileBlock(*doc_, wanted);
-    ASSERT_TRUE(DanglingLinks(*doc_).empty());
+    ASSERT_TRUE(test::DanglingLinks(*doc_).empty());
   }
   void Convert(const std::vector<std::vector<double>>& lines,
                const std::string& network, const std::string& type) {
@@ -130,8 +100,8 @@ TEST_F(Erasing, APipeLeavesItsNodesCrossingsProfileAndLibrary) {
 
   Erase({&p2});
 
-  EXPECT_TRUE(DanglingLinks(*doc_).empty())
-      << testing::PrintToString(DanglingLinks(*doc_));
+  EXPECT_TRUE(test::DanglingLinks(*doc_).empty())
+      << testing::PrintToString(test::DanglingLinks(*doc_));
   Record n2 = Record::ReadRequired(Node("Sewer", "N-2"));
   EXPECT_EQ(n2.Text(NodeField::kPipesAtStartLabels), "");
   EXPECT_EQ(n2.Text(NodeField::kPipesAtEndLabels), ";RelatedToP-1");
@@ -159,8 +129,8 @@ TEST_F(Erasing, APipeLeavesItsNodesCrossingsProfileAndLibrary) {
 TEST_F(Erasing, ANodeTakesItsPipesAndMarkersAndTheProfileGoesWhole) {
   // N-1 is where the sewer and its profile start.
   Erase({&Node("Sewer", "N-1")});
-  EXPECT_TRUE(DanglingLinks(*doc_).empty())
-      << testing::PrintToString(DanglingLinks(*doc_));
+  EXPECT_TRUE(test::DanglingLinks(*doc_).empty())
+      << testing::PrintToString(test::DanglingLinks(*doc_));
   EXPECT_EQ(General::GetNetworkSet(*doc_, "Sewer", 1).Count(), 2);
   EXPECT_EQ(profile::Profile::GetExistingProfileSet(*doc_, "").Count(), 0);
   for (const char* label : {"P-2", "P-3"})
@@ -172,8 +142,8 @@ TEST_F(Erasing, ANodeTakesItsPipesAndMarkersAndTheProfileGoesWhole) {
   // A main's node: its two pipes, their crossings and its marker go; the
   // low and high points of what stays are analysed again.
   Erase({&Node("Water", "N-2")});
-  EXPECT_TRUE(DanglingLinks(*doc_).empty())
-      << testing::PrintToString(DanglingLinks(*doc_));
+  EXPECT_TRUE(test::DanglingLinks(*doc_).empty())
+      << testing::PrintToString(test::DanglingLinks(*doc_));
   EXPECT_EQ(General::GetNetworkSet(*doc_, "Water", 1).Count(), 1);
   EXPECT_EQ(crossing::Crossing::GetExistingCrossingPointsSet(*doc_, "").Count(),
             1);
@@ -208,7 +178,7 @@ TEST_F(Erasing, AnAnnotationOrArrowIsForgottenByItsOwner) {
     EXPECT_EQ(after.Text(field), "") << static_cast<int>(field);
   EXPECT_EQ(Record::ReadRequired(node).Text(NodeField::kAnnotationOIDRef), "");
   EXPECT_EQ(after.Text(PipeField::kEndNodeLabel), ";RelatedToN-2");
-  EXPECT_TRUE(DanglingLinks(*doc_).empty());
+  EXPECT_TRUE(test::DanglingLinks(*doc_).empty());
 }
 
 class EraseCommand : public test::CommandTest {};
@@ -242,7 +212,7 @@ TEST_F(EraseCommand, NamedElementsGoAndBadNamesChangeNothing) {
   auto doc = dxf::LoadDrawing(site);
   EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 1).Count(), 1);
   EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 2).Count(), 2);
-  EXPECT_TRUE(DanglingLinks(*doc).empty());
+  EXPECT_TRUE(test::DanglingLinks(*doc).empty());
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "support/elements.h"
 
+#include <charconv>
+#include <optional>
 #include <stdexcept>
 
 #include "core/general.h"
@@ -8,6 +10,8 @@
 #include "core/node_record.h"
 #include "core/pipe_record.h"
 #include "core/record.h"
+#include "core/references.h"
+#include "core/text.h"
 #include "host/host.h"
 
 namespace kestrana::test {
@@ -42,6 +46,33 @@ std::vector<std::string> AnnotationTexts(host::Document& document,
   for (host::AttributeReference* a : annotation.GetAttributes())
     texts.push_back(a->TextString());
   return texts;
+}
+
+std::vector<std::string> DanglingLinks(host::Document& doc) {
+  std::vector<std::string> found;
+  for (host::Entity* e : doc.ModelSpace().Entities()) {
+    std::optional<core::Record> record = core::Record::Read(*e);
+    if (!record) continue;
+    for (int f = 1; f < record->Size(); ++f) {
+      if (!record->Value(f).IsText()) continue;
+      for (const std::string& piece : core::Split(record->Text(f))) {
+        if (piece.rfind("RelatedTo", 0) != 0) continue;
+        const std::string id = piece.substr(9);
+        uint64_t value = 0;
+        auto [end, ec] =
+            std::from_chars(id.data(), id.data() + id.size(), value);
+        if (ec != std::errc() || end != id.data() + id.size() || id.size() < 9)
+          continue;  // a label, not an ID
+        try {
+          core::EntityFromIdText(doc, id);
+        } catch (const host::HostError&) {
+          found.push_back(record->Text(1) + " field " + std::to_string(f) +
+                          " names " + id + ", which is gone");
+        }
+      }
+    }
+  }
+  return found;
 }
 
 }  // namespace kestrana::test

@@ -21,4 +21,8 @@ host::Entity& ElementLabelled(host::Document& document,
 std::vector<std::string> AnnotationTexts(host::Document& document,
                                          const host::Entity& element);
 
+// "<record> field <n> names <id>, which is gone" for every object ID a
+// record of model space stores that names no live object.
+std::vector<std::string> DanglingLinks(host::Document& document);
+
 }  // namespace kestrana::test
