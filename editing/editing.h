@@ -39,6 +39,13 @@ inline constexpr char kMatchInverts[] = "Match Inverts";
 inline constexpr char kConvertPrompt[] = "Select Entities to Convert:";
 inline constexpr char kReversePrompt[] = "Select Pipes to Reverse:";
 inline constexpr char kMergePrompt[] = "Select Pipes to Merge:";
+inline constexpr char kSplitPipePrompt[] = "Select pipe to split:";
+inline constexpr char kSplitPointPrompt[] = "Pick split point:";
+inline constexpr char kNotAPipeMessage[] = "The selected entity is not a pipe!";
+inline constexpr char kPointAtPipeEndMessage[] =
+    "The picked point lies at the pipe end!";
+inline constexpr char kPointOffPipeMessage[] =
+    "The picked point doesn't lie on the pipe!";
 inline constexpr char kGroupEditingPrompt[] = "Select Elements to Edit:";
 
 // Label prefixes: "P-<n>" for pipes, "N-<n>" for nodes.
@@ -129,6 +136,46 @@ class Editing {
   static void UpdateGroundLevelsFromSurface(
       host::Document& document, const std::vector<std::string>& ar_net_names,
       std::string_view surface_name);
+
+  // --- Splitting a pipe --------------------------------------------------
+
+  // Asks for a pipe and a point on it away from its ends, with the
+  // system's messages until both are right; false when the user cancels.
+  static bool GetSplitPipeAndPoint(host::Document& document,
+                                   host::Entity*& split_pipe_entity,
+                                   host::Point3& split_point);
+  // The two new pipes on either side of the point, on the pipe's layer,
+  // and a node block at the point.
+  static void CreateSplitEntities(host::Document& document,
+                                  host::Entity& split_pipe_entity,
+                                  const host::Point3& split_point,
+                                  host::LwPolyline*& new_pipe_entity1,
+                                  host::LwPolyline*& new_pipe_entity2,
+                                  host::BlockReference*& new_node_entity);
+  // Records of the new pipes (the first keeps the old label) and node with
+  // levels interpolated at the point; the end nodes relinked; annotations.
+  static void AssignSplitXdata(host::Document& document,
+                               host::Entity& split_pipe_entity,
+                               const host::Point3& split_point,
+                               host::Entity& new_pipe_entity1,
+                               host::Entity& new_pipe_entity2,
+                               host::Entity& new_node_entity);
+  // One more pipe of the old pipe's material and size.
+  static void UpdateLibrariesAfterSplitting(host::Document& document,
+                                            host::Entity& split_pipe_entity);
+  // Each crossing of the old pipe goes to the new pipe it lies on.
+  static void UpdateCrossingsAfterSplitting(host::Document& document,
+                                            host::Entity& split_pipe_entity,
+                                            host::Entity& new_pipe_entity1,
+                                            host::Entity& new_pipe_entity2);
+  // Each profile lists the two new pipes where the old one was.
+  static void UpdateProfilesAfterSplitting(host::Document& document,
+                                           host::Entity& split_pipe_entity,
+                                           host::Entity& new_pipe_entity1,
+                                           host::Entity& new_pipe_entity2);
+  // Erases the old pipe with its annotation and arrow.
+  static void DeleteSplitPipe(host::Document& document,
+                              host::Entity& split_pipe_entity);
 
   // --- Merging pipes -----------------------------------------------------
 

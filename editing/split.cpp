@@ -1,0 +1,355 @@
+#include <string>
+#include <vector>
+
+#include "core/general.h"
+#include "core/lists.h"
+#include "core/messages.h"
+#include "core/names.h"
+#include "core/node_record.h"
+#include "core/pipe_record.h"
+#include "core/record.h"
+#include "core/references.h"
+#include "core/text.h"
+#include "crossing/crossing.h"
+#include "crossing/crossing_record.h"
+#include "editing/editing.h"
+#include "host/host.h"
+#include "library/library.h"
+#include "profile/profile.h"
+#include "profile/profile_record.h"
+#include "viewstyle/view_style.h"
+
+namespace kestrana::editing {
+
+namespace {
+
+using core::General;
+using core::NodeField;
+using core::PipeField;
+using core::Record;
+
+constexpr char kEscape[] = "\x1b";
+constexpr std::string_view kRelatedTo = "RelatedTo";
+
+std::string Related(std::string_view value) {
+  return std::string(kRelatedTo) + std::string(value);
+}
+
+std::string IdOf(const Record& record, core::Field field) {
+  const std::vector<std::string> ids =
+      core::ReferenceValues(record.Text(field));
+  return ids.empty() ? std::string() : ids.front();
+}
+
+bool IsPipe(const host::Entity& entity) {
+  const std::string type = General::GetElementType(entity);
+  return type == core::kGravityPipe || type == core::kPressurePipe;
+}
+
+// The list with every entry `from` turned into `to` (";"-led entries).
+std::string Replaced(const std::string& list, const std::string& from,
+                     const std::string& to) {
+  std::vector<std::string> pieces = core::Split(list);
+  std::string out;
+  for (size_t i = 1; i < pieces.size(); ++i)
+    out += ";" + (pieces[i] == from ? to : pieces[i]);
+  return out;
+}
+
+void EraseIfThere(host::Document& document, const std::string& id) {
+  if (id.empty()) return;
+  try {
+    core::EntityFromIdText(document, id).Delete();
+  } catch (const host::HostError&) {
+  }
+}
+
+}  // namespace
+
+bool Editing::GetSplitPipeAndPoint(host::Document& document,
+                                   host::Entity*& split_pipe_entity,
+                                   host::Point3& split_point) {
+  try {
+    document.SendCommand(kEscape);
+    host::EntityPick pick = document.GetUtility().GetEntity(kSplitPipePrompt);
+    while (pick.entity == nullptr || !IsPipe(*pick.entity)) {
+      core::ShowMessage(document, kNotAPipeMessage, host::msgbox::kCritical);
+      pick = document.GetUtility().GetEntity(kSplitPipePrompt);
+    }
+    const auto& pipe = host::As<host::LwPolyline>(*pick.entity);
+    document.SendCommand(kEscape);
+    while (true) {
+      const host::Point3 point =
+          document.GetUtility().GetPoint(std::nullopt, kSplitPointPrompt);
+      const int16_t on = General::PointIsOnPolyline(point, pipe);
+      if (on == 2) {
+        split_pipe_entity = pick.entity;
+        split_point = point;
+        return true;
+      }
+      core::ShowMessage(document,
+                        on == 1 ? kPointAtPipeEndMessage : kPointOffPipeMessage,
+                        host::msgbox::kCritical);
+    }
+  } catch (const host::HostError& e) {
+    if (e.code() == host::ErrorCode::kUserCancelled) return false;
+    throw;
+  }
+}
+
+void Editing::CreateSplitEntities(host::Document& document,
+                                  host::Entity& split_pipe_entity,
+                                  const host::Point3& split_point,
+                                  host::LwPolyline*& new_pipe_entity1,
+                                  host::LwPolyline*& new_pipe_entity2,
+                                  host::BlockReference*& new_node_entity) {
+  const auto& pipe = host::As<host::LwPolyline>(split_pipe_entity);
+  const std::vector<double> xy = pipe.Coordinates();
+  const size_t k =
+      static_cast<size_t>(General::GetNodeIndexOnPolyline(pipe, split_point));
+  std::vector<double> first(xy.begin(),
+                            xy.begin() + static_cast<std::ptrdiff_t>(2 * k));
+  first.insert(first.end(), {split_point.x, split_point.y});
+  std::vector<double> second = {split_point.x, split_point.y};
+  second.insert(second.end(), xy.begin() + static_cast<std::ptrdiff_t>(2 * k),
+                xy.end());
+  host::Block& space = document.ModelSpace();
+  new_pipe_entity1 = &space.AddLightWeightPolyline(first);
+  new_pipe_entity2 = &space.AddLightWeightPolyline(second);
+  new_node_entity = &space.InsertBlock({split_point.x, split_point.y, 0},
+                                       core::kNodeBlock, 1, 1, 1, 0);
+  const std::string layer = split_pipe_entity.Layer();
+  new_pipe_entity1->SetLayer(layer);
+  new_pipe_entity2->SetLayer(layer);
+  new_node_entity->SetLayer(layer);
+}
+
+void Editing::AssignSplitXdata(host::Document& document,
+                               host::Entity& split_pipe_entity,
+                               const host::Point3& split_point,
+                               host::Entity& new_pipe_entity1,
+                               host::Entity& new_pipe_entity2,
+                               host::Entity& new_node_entity) {
+  const Record a = core::ReadRecordWithFields(split_pipe_entity,
+                                              core::kPipeRecordLength, "pipe");
+  const std::string combined = a.Text(PipeField::kCombinedLabel);
+  const std::string network = General::EntityNetworkFromCombined(combined);
+  const std::string label = General::EntityLabelFromCombined(combined);
+  const std::string type = a.Text(PipeField::kElementType);
+  const std::string new_pipe_label = GetNextLabel(document, network, type);
+  const std::string node_label =
+      GetNextLabel(document, network, General::GetNodeTypeFromPipeType(type));
+
+  const auto& pipe = host::As<host::LwPolyline>(split_pipe_entity);
+  const double t =
+      General::GetPointStationOnPolyline(pipe.Coordinates(), split_point);
+  const double length = pipe.Length();
+  auto at_point = [&](double start, double end) {
+    return length > 0 ? start + (end - start) * t / length : start;
+  };
+  const double invert = at_point(a.Number(PipeField::kStartInvert),
+                                 a.Number(PipeField::kEndInvert));
+  const std::string s_id = IdOf(a, PipeField::kStartNodeOID);
+  const std::string e_id = IdOf(a, PipeField::kEndNodeOID);
+  auto ground_at = [&](const std::string& id) {
+    const std::optional<host::ObjectId> oid = core::ParseObjectId(id);
+    return oid ? General::GetGroundLevelAtNode(document, *oid) : 0.0;
+  };
+  const double ground = at_point(ground_at(s_id), ground_at(e_id));
+
+  const std::string a_id = core::IdText(split_pipe_entity.ObjectID());
+  const std::string a1_id = core::IdText(new_pipe_entity1.ObjectID());
+  const std::string a2_id = core::IdText(new_pipe_entity2.ObjectID());
+  const std::string k_id = core::IdText(new_node_entity.ObjectID());
+
+  Record a1 = a;
+  a1.SetReal(PipeField::kEndInvert, invert);
+  a1.SetText(PipeField::kEndNodeLabel, core::ReferenceEntry(node_label));
+  a1.SetText(PipeField::kEndNodeOID, core::ReferenceEntry(k_id));
+  a1.SetText(PipeField::kCrossingRefs, "");
+  a1.SetText(PipeField::kCrossingOIDRefs, "");
+  a1.Write(new_pipe_entity1);
+
+  Record a2 = a;
+  a2.SetText(PipeField::kCombinedLabel, std::string(core::kPipeKind) + ";" +
+                                            network + ";" + new_pipe_label);
+  a2.SetReal(PipeField::kStartInvert, invert);
+  a2.SetText(PipeField::kStartNodeLabel, core::ReferenceEntry(node_label));
+  a2.SetText(PipeField::kStartNodeOID, core::ReferenceEntry(k_id));
+  a2.SetText(PipeField::kCrossingRefs, "");
+  a2.SetText(PipeField::kCrossingOIDRefs, "");
+  a2.Write(new_pipe_entity2);
+
+  std::optional<Record> s_record;
+  if (!s_id.empty()) {
+    host::Entity& s = core::EntityFromIdText(document, s_id);
+    Record record = Record::ReadRequired(s);
+    record.SetText(NodeField::kPipesAtStartOID,
+                   Replaced(record.Text(NodeField::kPipesAtStartOID),
+                            Related(a_id), Related(a1_id)));
+    record.Write(s);
+    s_record = record;
+  }
+  if (!e_id.empty()) {
+    host::Entity& e = core::EntityFromIdText(document, e_id);
+    Record record = Record::ReadRequired(e);
+    record.SetText(NodeField::kPipesAtEndOID,
+                   Replaced(record.Text(NodeField::kPipesAtEndOID),
+                            Related(a_id), Related(a2_id)));
+    record.SetText(NodeField::kPipesAtEndLabels,
+                   Replaced(record.Text(NodeField::kPipesAtEndLabels),
+                            Related(label), Related(new_pipe_label)));
+    record.Write(e);
+  }
+
+  // The new node is a copy of the start node, so it takes its kind and
+  // matching rule.
+  Record k = s_record ? *s_record : Record::WithCodes(core::kNodeRecordCodes);
+  if (!s_record) {
+    k.SetText(NodeField::kElementType, General::GetNodeTypeFromPipeType(type));
+  }
+  k.SetText(NodeField::kCombinedLabel,
+            std::string(core::kNodeKind) + ";" + network + ";" + node_label);
+  k.SetText(NodeField::kPipesAtStartLabels,
+            core::ReferenceEntry(new_pipe_label));
+  k.SetText(NodeField::kPipesAtEndLabels, core::ReferenceEntry(label));
+  k.SetText(NodeField::kPipesAtStartOID, core::ReferenceEntry(a2_id));
+  k.SetText(NodeField::kPipesAtEndOID, core::ReferenceEntry(a1_id));
+  k.SetReal(NodeField::kGroundLevel, ground);
+  k.SetReal(NodeField::kSumpLevel, invert);
+  for (auto field :
+       {NodeField::kAnnotationLabelRef, NodeField::kAnnotationOIDRef,
+        NodeField::kLowHighLabelRef, NodeField::kLowHighOIDRef})
+    k.SetText(field, "");
+  k.Write(new_node_entity);
+
+  const double correction = General::GetCorrectionAngleForCS(document);
+  for (host::Entity* entity :
+       {&new_pipe_entity1, &new_pipe_entity2, &new_node_entity})
+    viewstyle::ViewStyle::InsertAnnotationsForNewEntity(document, *entity,
+                                                        correction);
+}
+
+void Editing::UpdateLibrariesAfterSplitting(host::Document& document,
+                                            host::Entity& split_pipe_entity) {
+  const Record a = Record::ReadRequired(split_pipe_entity);
+  namespace mc = library::materials_column;
+  core::TextTable materials(1, mc::kColumns);
+  materials(0, mc::kName) = a.Text(PipeField::kMaterial);
+  materials(0, mc::kCount) = "1";
+  library::Library::UpdateMaterialUsage(
+      document, library::Library::GetMaterialsArray(document), materials);
+  namespace sc = library::size_change_column;
+  const library::PipeSize size = library::PipeSizeOf(a);
+  core::TextTable sizes(1, sc::kColumns);
+  sizes(0, sc::kKey) = size.key;
+  sizes(0, sc::kShape) = size.shape;
+  sizes(0, sc::kChange) = "1";
+  library::Library::UpdateSizeUsage(
+      document, library::Library::GetSizesArray(document, library::kCircular),
+      library::Library::GetSizesArray(document, library::kBox), sizes);
+}
+
+void Editing::UpdateCrossingsAfterSplitting(host::Document& document,
+                                            host::Entity& split_pipe_entity,
+                                            host::Entity& new_pipe_entity1,
+                                            host::Entity& new_pipe_entity2) {
+  using F = crossing::CrossingAnnoField;
+  const Record a = Record::ReadRequired(split_pipe_entity);
+  const std::string a_ref =
+      core::ReferenceEntry(core::IdText(split_pipe_entity.ObjectID()));
+  for (const std::string& id :
+       core::ReferenceValues(a.Text(PipeField::kCrossingOIDRefs))) {
+    host::Entity& annotation = core::EntityFromIdText(document, id);
+    Record record = Record::ReadRequired(annotation);
+    const std::string label =
+        General::EntityLabelFromCombined(record.Text(F::kCombinedLabel));
+    std::vector<std::string> location = core::Split(record.Text(F::kPoint));
+    location.resize(2);
+    const host::Point3 point{core::NumericValue(location[0]),
+                             core::NumericValue(location[1]), 0};
+    host::Entity& owner =
+        General::CheckPointOnPolyline(
+            point, host::As<host::LwPolyline>(new_pipe_entity1))
+            ? new_pipe_entity1
+            : new_pipe_entity2;
+    Record pipe = Record::ReadRequired(owner);
+    pipe.SetText(PipeField::kCrossingRefs, pipe.Text(PipeField::kCrossingRefs) +
+                                               core::ReferenceEntry(label));
+    pipe.SetText(
+        PipeField::kCrossingOIDRefs,
+        pipe.Text(PipeField::kCrossingOIDRefs) + core::ReferenceEntry(id));
+    pipe.Write(owner);
+    const std::string owner_ref =
+        core::ReferenceEntry(core::IdText(owner.ObjectID()));
+    if (record.Text(F::kPipe1OIDRef) == a_ref)
+      record.SetText(F::kPipe1OIDRef, owner_ref);
+    else if (record.Text(F::kPipe2OIDRef) == a_ref)
+      record.SetText(F::kPipe2OIDRef, owner_ref);
+    record.Write(annotation);
+    crossing::Crossing::UpdateCrossingData(document, annotation);
+  }
+}
+
+void Editing::UpdateProfilesAfterSplitting(host::Document& document,
+                                           host::Entity& split_pipe_entity,
+                                           host::Entity& new_pipe_entity1,
+                                           host::Entity& new_pipe_entity2) {
+  using F = profile::ProfileField;
+  const Record a = Record::ReadRequired(split_pipe_entity);
+  const std::string a_id = core::IdText(split_pipe_entity.ObjectID());
+  auto label_of = [](host::Entity& pipe) {
+    return General::EntityLabelFromCombined(
+        Record::ReadRequired(pipe).Text(PipeField::kCombinedLabel));
+  };
+  const std::string label1 = label_of(new_pipe_entity1);
+  const std::string label2 = label_of(new_pipe_entity2);
+  const std::string id1 = core::IdText(new_pipe_entity1.ObjectID());
+  const std::string id2 = core::IdText(new_pipe_entity2.ObjectID());
+  for (const std::string& profile_oid :
+       core::ReferenceValues(a.Text(PipeField::kProfileOIDRefs))) {
+    host::Entity& block = core::EntityFromIdText(document, profile_oid);
+    Record record = core::ReadRecordWithFields(
+        block, profile::kProfileRecordLength, "profile");
+    const std::vector<std::string> labels =
+        core::ReferenceValues(record.Text(F::kPipeLabels));
+    const std::vector<std::string> ids =
+        core::ReferenceValues(record.Text(F::kPipeOIDs));
+    std::vector<std::string> directions =
+        core::Split(record.Text(F::kDirections));
+    if (!directions.empty()) directions.erase(directions.begin());
+    std::string new_labels, new_ids, new_directions;
+    for (size_t i = 0; i < ids.size(); ++i) {
+      const std::string direction = i < directions.size() ? directions[i] : "0";
+      const std::string old_label = i < labels.size() ? labels[i] : "";
+      if (ids[i] != a_id) {
+        new_labels += core::ReferenceEntry(old_label);
+        new_ids += core::ReferenceEntry(ids[i]);
+        new_directions += ";" + direction;
+        continue;
+      }
+      const bool along = direction == "0";
+      for (int part = 0; part < 2; ++part) {
+        const bool first = (part == 0) == along;
+        new_labels += core::ReferenceEntry(first ? label1 : label2);
+        new_ids += core::ReferenceEntry(first ? id1 : id2);
+        new_directions += ";" + direction;
+      }
+    }
+    record.SetText(F::kPipeLabels, new_labels);
+    record.SetText(F::kPipeOIDs, new_ids);
+    record.SetText(F::kDirections, new_directions);
+    record.Write(block);
+    profile::Profile::FlagProfileForUpdate(document, profile_oid);
+  }
+}
+
+void Editing::DeleteSplitPipe(host::Document& document,
+                              host::Entity& split_pipe_entity) {
+  const Record a = Record::ReadRequired(split_pipe_entity);
+  EraseIfThere(document, IdOf(a, PipeField::kAnnotationOIDRef));
+  EraseIfThere(document, IdOf(a, PipeField::kArrowOIDRef));
+  split_pipe_entity.Delete();
+}
+
+}  // namespace kestrana::editing
