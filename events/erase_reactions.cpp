@@ -122,12 +122,11 @@ void Events::PipeWillBeErased(host::Document& document, host::Entity& pipe,
         Exists(document, id))
       DeletePipeFromProfile(document, id, pipe_id, erased, to_be_erased);
 
-  // One use less of its material and size, counted as a network's pipes are.
+  // One use less of its material and size.
   host::SelectionSet& set =
       General::InitializeSelectionSet(document, "ErasedPipeSet");
   set.AddItems({&pipe});
-  library::Library::UpdateMaterialLibraryForDeleteNetwork(document, set);
-  library::Library::UpdateSizeLibraryForDeleteNetwork(document, set);
+  library::Library::UpdateLibrariesForPipes(document, set, -1);
   set.Delete();
 }
 

@@ -59,6 +59,26 @@ class Events {
   // (those still there).
   static void AnalyzeLowHighAfterDeleting(
       host::Document& document, std::string_view ar_nodes_for_low_high_oid);
+
+  // --- Copies ----------------------------------------------------------
+
+  // Makes freshly copied pipes and nodes (an object-ID list) elements of
+  // their own: labels free in their network ("New " in front as often as
+  // needed), links among the copies only (a pipe whose end nodes were not
+  // copied along is erased), annotations, library counts, crossings and
+  // low and high points.
+  static void VerifyCopiedElements(host::Document& document,
+                                   std::string_view changed_pipe_object_id,
+                                   std::string_view copied_elements_oid);
+  // True when the network was defined already; otherwise defines it.
+  static bool CheckAndAddNetworkDefinition(host::Document& document,
+                                           std::string_view network_name,
+                                           std::string_view network_type);
+  // `original_label`, or "New " in front of it until no label of
+  // `ex_labels_array` (ended by an empty entry) equals it.
+  static std::string GetFinalLabel(
+      const std::string& original_label,
+      const std::vector<std::string>& ex_labels_array);
 };
 
 // What the editor does when the user erases `chosen`: the reaction of each

@@ -106,9 +106,9 @@ bool IsPipe(const std::string& type) {
 }
 
 // The pipes of a set, counted per key in the order keys are first met,
-// each pipe one use less.
+// each pipe `step` uses more (negative: fewer).
 template <class KeyOf>
-auto Decrements(host::SelectionSet& set, KeyOf key_of) {
+auto Tally(host::SelectionSet& set, KeyOf key_of, int step) {
   using Key = decltype(key_of(std::declval<const core::Record&>()));
   std::vector<std::pair<Key, int>> tally;
   for (host::Entity* entity : set.Entities()) {
@@ -120,9 +120,9 @@ auto Decrements(host::SelectionSet& set, KeyOf key_of) {
     auto found = std::find_if(tally.begin(), tally.end(),
                               [&](const auto& t) { return t.first == key; });
     if (found == tally.end())
-      tally.emplace_back(key, -1);
+      tally.emplace_back(key, step);
     else
-      --found->second;
+      found->second += step;
   }
   return tally;
 }
@@ -241,11 +241,22 @@ TextTable Library::SortSizesArray(TextTable strings) {
   return strings;
 }
 
-void Library::UpdateMaterialLibraryForDeleteNetwork(
-    host::Document& document, host::SelectionSet& network_set) {
-  auto tally = Decrements(network_set, [](const core::Record& pipe) {
-    return pipe.Text(core::PipeField::kMaterial);
-  });
+void Library::UpdateLibrariesForPipes(host::Document& document,
+                                      host::SelectionSet& pipes,
+                                      int change_per_pipe) {
+  UpdateMaterialsForPipes(document, pipes, change_per_pipe);
+  UpdateSizesForPipes(document, pipes, change_per_pipe);
+}
+
+void Library::UpdateMaterialsForPipes(host::Document& document,
+                                      host::SelectionSet& pipes,
+                                      int change_per_pipe) {
+  auto tally = Tally(
+      pipes,
+      [](const core::Record& pipe) {
+        return pipe.Text(core::PipeField::kMaterial);
+      },
+      change_per_pipe);
   TextTable change(static_cast<int>(tally.size()), materials_column::kColumns);
   for (int row = 0; row < change.Rows(); ++row) {
     change(row, materials_column::kName) = tally[row].first;
@@ -254,9 +265,10 @@ void Library::UpdateMaterialLibraryForDeleteNetwork(
   UpdateMaterialUsage(document, GetMaterialsArray(document), change);
 }
 
-void Library::UpdateSizeLibraryForDeleteNetwork(
-    host::Document& document, host::SelectionSet& network_set) {
-  auto tally = Decrements(network_set, PipeSizeOf);
+void Library::UpdateSizesForPipes(host::Document& document,
+                                  host::SelectionSet& pipes,
+                                  int change_per_pipe) {
+  auto tally = Tally(pipes, PipeSizeOf, change_per_pipe);
   TextTable change(static_cast<int>(tally.size()),
                    size_change_column::kColumns);
   for (int row = 0; row < change.Rows(); ++row) {
@@ -267,6 +279,16 @@ void Library::UpdateSizeLibraryForDeleteNetwork(
   }
   UpdateSizeUsage(document, GetSizesArray(document, kCircular),
                   GetSizesArray(document, kBox), change);
+}
+
+void Library::UpdateMaterialLibraryForDeleteNetwork(
+    host::Document& document, host::SelectionSet& network_set) {
+  UpdateMaterialsForPipes(document, network_set, -1);
+}
+
+void Library::UpdateSizeLibraryForDeleteNetwork(
+    host::Document& document, host::SelectionSet& network_set) {
+  UpdateSizesForPipes(document, network_set, -1);
 }
 
 LibraryMarkers Library::CreateLibraries(host::Document& document) {

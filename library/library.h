@@ -83,6 +83,17 @@ class Library {
                               const core::TextTable& ar_size_change);
   // Ascending by area; rows of equal area keep their order.
   static core::TextTable SortSizesArray(core::TextTable strings);
+  // Every pipe of the set counts `change_per_pipe` uses more of its
+  // material and size (negative: fewer); other objects are not counted.
+  static void UpdateLibrariesForPipes(host::Document& document,
+                                      host::SelectionSet& pipes,
+                                      int change_per_pipe);
+  static void UpdateMaterialsForPipes(host::Document& document,
+                                      host::SelectionSet& pipes,
+                                      int change_per_pipe);
+  static void UpdateSizesForPipes(host::Document& document,
+                                  host::SelectionSet& pipes,
+                                  int change_per_pipe);
   // One use less for every pipe of a network about to be erased.
   static void UpdateMaterialLibraryForDeleteNetwork(
       host::Document& document, host::SelectionSet& network_set);
