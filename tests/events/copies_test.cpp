@@ -88,9 +88,12 @@ TEST_F(Copies, CopiesTakeFreeLabelsAndLinkOnlyToEachOther) {
             1);
   EXPECT_EQ(core::ReferenceValues(r.Text(PipeField::kCrossingOIDRefs)).size(),
             1u);
+  // Two sewers and a main before, one copied sewer now.
   core::TextTable materials = library::Library::GetMaterialsArray(*doc);
+  std::string pvc;
   for (int row = 0; row < materials.Rows(); ++row)
-    if (materials(row, 0) == "PVC") EXPECT_EQ(materials(row, 1), "4");
+    if (materials(row, 0) == "PVC") pvc = materials(row, 1);
+  EXPECT_EQ(pvc, "4");
 }
 
 TEST_F(Copies, UnknownLabelsChangeNothing) {
