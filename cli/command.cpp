@@ -184,6 +184,16 @@ std::string Args::Required(const std::string& name) const {
   return *v;
 }
 
+std::vector<std::string> Args::Names(const std::string& name) const {
+  const std::optional<std::string> value = Option(name);
+  if (!value) return {};
+  std::vector<std::string> names = SplitAtCommas(*value);
+  for (const std::string& n : names)
+    if (n.empty())
+      throw UsageError("--" + name + ": an empty name in '" + *value + "'");
+  return names;
+}
+
 const std::string& Args::Positional(size_t index,
                                     const std::string& what) const {
   if (index >= positionals_.size()) throw UsageError("missing " + what);

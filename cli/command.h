@@ -59,6 +59,9 @@ class Args {
   // Every value of a repeatable option, in order.
   std::vector<std::string> Options(const std::string& name) const;
   std::string Required(const std::string& name) const;
+  // The comma-separated names an option gives ("P-1,P-2"); none when the
+  // option is absent. UsageError for an empty name in the list.
+  std::vector<std::string> Names(const std::string& name) const;
   const std::vector<std::string>& Positionals() const { return positionals_; }
   // The positional at `index`, or a UsageError naming `what`.
   const std::string& Positional(size_t index, const std::string& what) const;

@@ -64,8 +64,8 @@ int Run(const std::vector<std::string>& args, Io& io) {
   options.drawing = a.Positional(0, "the drawing (DRAWING.dxf)");
   options.output = a.Option("output");
   options.network = a.Required("network");
-  if (auto v = a.Option("pipes")) options.pipes = SplitAtCommas(*v);
-  if (auto v = a.Option("nodes")) options.nodes = SplitAtCommas(*v);
+  options.pipes = a.Names("pipes");
+  options.nodes = a.Names("nodes");
   const std::vector<std::string> by = SplitAtCommas(a.Required("by"));
   if (by.size() != 2) throw UsageError("--by takes DX,DY");
   options.dx = ParseReal(by[0], "--by");

@@ -82,9 +82,9 @@ int Run(const std::vector<std::string>& args, Io& io) {
   options.drawing = a.Positional(0, "the drawing (DRAWING.dxf)");
   options.output = a.Option("output");
   options.network = a.Option("network");
-  if (auto v = a.Option("pipes")) options.pipes = SplitAtCommas(*v);
-  if (auto v = a.Option("nodes")) options.nodes = SplitAtCommas(*v);
-  if (auto v = a.Option("handles")) options.handles = SplitAtCommas(*v);
+  options.pipes = a.Names("pipes");
+  options.nodes = a.Names("nodes");
+  options.handles = a.Names("handles");
   EraseResult result;
   EditProjectDrawing(options.drawing, options.output,
                      [&](memhost::MemDocument& document) {

@@ -48,9 +48,8 @@ int Run(const std::vector<std::string>& args, Io& io) {
   options.drawing = a.Positional(0, "the drawing (DRAWING.dxf)");
   options.output = a.Option("output");
   options.network = a.Required("network");
-  options.labels = SplitAtCommas(a.Required("labels"));
-  for (const std::string& label : options.labels)
-    if (label.empty()) throw UsageError("--labels: an empty label");
+  a.Required("labels");
+  options.labels = a.Names("labels");
   EditProjectDrawing(options.drawing, options.output,
                      [&](memhost::MemDocument& document) {
                        ReverseInDocument(document, options);

@@ -41,7 +41,7 @@ void General::RemovePipeFromNode(host::Document& document,
       throw std::invalid_argument("node " + std::string(node_oid) +
                                   " lists a pipe as \"" + ids[i] +
                                   "\", which is no reference");
-    if (ids[i].substr(kRelatedTo.size()) == pipe_oid)
+    if (core::ReferenceValues(";" + ids[i]).front() == pipe_oid)
       removed = i;
     else
       kept_ids += ";" + ids[i];

@@ -9,6 +9,10 @@
 
 namespace kestrana::core {
 
+std::string RelatedTo(std::string_view value) {
+  return std::string(kRelatedTo) + std::string(value);
+}
+
 std::string ReferenceEntry(std::string_view value) {
   return ";" + std::string(kRelatedTo) + std::string(value);
 }

@@ -16,6 +16,9 @@
 
 namespace kestrana::core {
 
+// "RelatedTo" followed by the value: an entry as the pieces of a list hold
+// it, for finding or deleting one.
+std::string RelatedTo(std::string_view value);
 // ";RelatedTo" followed by the value: one entry, ready to append.
 std::string ReferenceEntry(std::string_view value);
 // The value of every entry, in order (what follows "RelatedTo").

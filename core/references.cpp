@@ -43,4 +43,18 @@ Record ReadRecordWithFields(const host::Object& object, int fields,
   return std::move(*record);
 }
 
+std::string SingleReference(const Record& record, Field field) {
+  const std::vector<std::string> values = ReferenceValues(record.Text(field));
+  return values.empty() ? std::string() : values.front();
+}
+
+void EraseIfPresent(host::Document& document, std::string_view id_text) {
+  if (id_text.empty()) return;
+  try {
+    EntityFromIdText(document, id_text).Delete();
+  } catch (const host::HostError&) {
+    // Gone already.
+  }
+}
+
 }  // namespace kestrana::core

@@ -3,6 +3,7 @@
 // error, as when the host is asked for an object that is gone.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "core/record.h"
@@ -27,6 +28,12 @@ host::Entity& EntityFromIdText(host::Document& document,
 // (";RelatedTo<ID>..."); HostError(kNoSuchObject) for an empty list.
 host::Entity& EntityFromReference(host::Document& document,
                                   std::string_view reference_list);
+
+// The value a single-entry reference field names (";RelatedTo<value>"), or
+// "" for an empty field.
+std::string SingleReference(const Record& record, Field field);
+// Erases the entity an ID text names; nothing when it is gone already.
+void EraseIfPresent(host::Document& document, std::string_view id_text);
 
 // The object's record, which must hold at least `fields` fields (the
 // application name counted). MissingRecordError naming the object and

@@ -25,10 +25,6 @@ core::Record ReadAnnotationRecord(const host::Object& annotation) {
                                     "crossing annotation");
 }
 
-std::string RelatedTo(std::string_view value) {
-  return std::string(core::kRelatedTo) + std::string(value);
-}
-
 // The two pipes of an annotation, as a crossing whose profiles are flagged.
 types::CrossPoint PipesOf(const core::Record& annotation) {
   auto first = [](const std::string& list) {
@@ -72,13 +68,14 @@ void Crossing::DeleteNetworkCrossings(host::Document& document,
         record.Text(first_is_deleted ? CrossingAnnoField::kPipe2OIDRef
                                      : CrossingAnnoField::kPipe1OIDRef));
     core::Record pipe = ReadPipeRecord(survivor);
-    pipe.SetText(PipeField::kCrossingRefs,
-                 General::DeleteReferenceInReferenceString(
-                     pipe.Text(PipeField::kCrossingRefs), RelatedTo(label), 0));
+    pipe.SetText(
+        PipeField::kCrossingRefs,
+        General::DeleteReferenceInReferenceString(
+            pipe.Text(PipeField::kCrossingRefs), core::RelatedTo(label), 0));
     pipe.SetText(PipeField::kCrossingOIDRefs,
                  General::DeleteReferenceInReferenceString(
                      pipe.Text(PipeField::kCrossingOIDRefs),
-                     RelatedTo(core::IdText(annotation->ObjectID())), 0));
+                     core::RelatedTo(core::IdText(annotation->ObjectID())), 0));
     pipe.Write(survivor);
     touched.push_back(PipesOf(record));
   }
@@ -125,10 +122,11 @@ void Crossing::UpdateCrossingData(host::Document& document,
       CrossingLabel(net1, data1.label, net2, data2.label, kLineLabelSuffix);
   for (host::Entity* pipe : {&pipe1, &pipe2}) {
     core::Record pipe_record = ReadPipeRecord(*pipe);
-    pipe_record.SetText(PipeField::kCrossingRefs,
-                        General::ReplaceReferenceInReferenceString(
-                            pipe_record.Text(PipeField::kCrossingRefs),
-                            RelatedTo(old_label), RelatedTo(anno_label)));
+    pipe_record.SetText(
+        PipeField::kCrossingRefs,
+        General::ReplaceReferenceInReferenceString(
+            pipe_record.Text(PipeField::kCrossingRefs),
+            core::RelatedTo(old_label), core::RelatedTo(anno_label)));
     pipe_record.Write(*pipe);
   }
 

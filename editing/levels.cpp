@@ -39,10 +39,6 @@ constexpr size_t kCircularSizeOffset = 11;
 constexpr size_t kBoxSizeOffset = 6;
 constexpr char kBoxFormPrefix[] = "Box";
 
-std::string RelatedTo(std::string_view value) {
-  return std::string(core::kRelatedTo) + std::string(value);
-}
-
 // The text from `offset` on, or "" when the text is shorter.
 std::string_view After(std::string_view text, size_t offset) {
   return offset < text.size() ? text.substr(offset) : std::string_view();
@@ -324,8 +320,8 @@ void Editing::UpdateConnectedNodeAtPipe(host::Document& document,
   const double sump =
       SumpFromPipe(document, record, matching, largest, invert_level, rise);
   record.SetReal(NodeField::kSumpLevel, sump);
-  const std::string id_entry = RelatedTo(pipe_oid);
-  const std::string label_entry = RelatedTo(pipe_label);
+  const std::string id_entry = core::RelatedTo(pipe_oid);
+  const std::string label_entry = core::RelatedTo(pipe_label);
   record.SetText(NodeField::kPipesAtStartLabels,
                  RelabelPipeEntry(record.Text(NodeField::kPipesAtStartOID),
                                   record.Text(NodeField::kPipesAtStartLabels),

@@ -29,7 +29,6 @@ using core::PipeField;
 using core::Record;
 
 constexpr char kEscape[] = "\x1b";
-constexpr std::string_view kRelatedTo = "RelatedTo";
 
 constexpr char kOtherNetworks[] =
     "The selected pipes are from different networks!";
@@ -40,22 +39,11 @@ constexpr char kNotOneLine[] =
     "The selected pipes don't represent a single continuous line!";
 constexpr char kLateral[] = "The selected pipes have lateral connections!";
 
-std::string Related(std::string_view value) {
-  return std::string(kRelatedTo) + std::string(value);
-}
-
-// The ID a single-entry reference field names ("" for none).
-std::string IdOf(const Record& record, core::Field field) {
-  const std::vector<std::string> ids =
-      core::ReferenceValues(record.Text(field));
-  return ids.empty() ? std::string() : ids.front();
-}
-
 Editing::MergeRunRow RowOf(const Record& pipe) {
   return {pipe.Text(PipeField::kStartNodeLabel),
           pipe.Text(PipeField::kEndNodeLabel),
-          IdOf(pipe, PipeField::kStartNodeOID),
-          IdOf(pipe, PipeField::kEndNodeOID)};
+          core::SingleReference(pipe, PipeField::kStartNodeOID),
+          core::SingleReference(pipe, PipeField::kEndNodeOID)};
 }
 
 bool Connected(const Editing::MergeRunRow& a, const Editing::MergeRunRow& b) {
@@ -81,15 +69,6 @@ std::vector<Record> Records(host::SelectionSet& set) {
     records.push_back(
         core::ReadRecordWithFields(*pipe, core::kPipeRecordLength, "pipe"));
   return records;
-}
-
-void EraseIfThere(host::Document& document, const std::string& id) {
-  if (id.empty()) return;
-  try {
-    core::EntityFromIdText(document, id).Delete();
-  } catch (const host::HostError&) {
-    // Gone already.
-  }
 }
 
 }  // namespace
@@ -271,9 +250,11 @@ void Editing::AssignMergedXdata(
     const std::vector<std::string> ids =
         core::ReferenceValues(record.Text(PipeField::kProfileOIDRefs));
     for (size_t i = 0; i < ids.size(); ++i) {
-      if (General::Check_ID_Exists(Related(ids[i]), profile_oids)) continue;
-      profile_oids += ";" + Related(ids[i]);
-      profile_labels += ";" + Related(i < labels.size() ? labels[i] : "");
+      if (General::Check_ID_Exists(core::RelatedTo(ids[i]), profile_oids))
+        continue;
+      profile_oids += ";" + core::RelatedTo(ids[i]);
+      profile_labels +=
+          ";" + core::RelatedTo(i < labels.size() ? labels[i] : "");
     }
   }
 
@@ -313,18 +294,20 @@ void Editing::AssignMergedXdata(
     for (auto field :
          {NodeField::kPipesAtStartLabels, NodeField::kPipesAtEndLabels})
       if (!record.Text(field).empty())
-        record.SetText(field, General::DeleteReferenceInReferenceString(
-                                  record.Text(field), Related(old_label), 0));
+        record.SetText(field,
+                       General::DeleteReferenceInReferenceString(
+                           record.Text(field), core::RelatedTo(old_label), 0));
     for (auto field : {NodeField::kPipesAtStartOID, NodeField::kPipesAtEndOID})
       if (!record.Text(field).empty())
-        record.SetText(field, General::DeleteReferenceInReferenceString(
-                                  record.Text(field), Related(old_id), 0));
+        record.SetText(field,
+                       General::DeleteReferenceInReferenceString(
+                           record.Text(field), core::RelatedTo(old_id), 0));
     const core::Field labels = at_start ? NodeField::kPipesAtStartLabels
                                         : NodeField::kPipesAtEndLabels;
     const core::Field ids =
         at_start ? NodeField::kPipesAtStartOID : NodeField::kPipesAtEndOID;
-    record.SetText(labels, record.Text(labels) + ";" + Related(label));
-    record.SetText(ids, record.Text(ids) + ";" + Related(merged_id));
+    record.SetText(labels, record.Text(labels) + ";" + core::RelatedTo(label));
+    record.SetText(ids, record.Text(ids) + ";" + core::RelatedTo(merged_id));
     record.Write(node);
     UpdateConnectedPipesAtNode(document, node,
                                General::EntityLabelFromCombined(
@@ -343,23 +326,11 @@ void Editing::UpdateLibrariesAfterMerging(
     host::Document& document, host::Entity& first_merged_pipe_entity,
     int count_pipes) {
   if (count_pipes < 2) return;
-  const Record first = Record::ReadRequired(first_merged_pipe_entity);
-  const std::string change = std::to_string(-(count_pipes - 1));
-  namespace mc = library::materials_column;
-  core::TextTable materials(1, mc::kColumns);
-  materials(0, mc::kName) = first.Text(PipeField::kMaterial);
-  materials(0, mc::kCount) = change;
-  library::Library::UpdateMaterialUsage(
-      document, library::Library::GetMaterialsArray(document), materials);
-  namespace sc = library::size_change_column;
-  const library::PipeSize size = library::PipeSizeOf(first);
-  core::TextTable sizes(1, sc::kColumns);
-  sizes(0, sc::kKey) = size.key;
-  sizes(0, sc::kShape) = size.shape;
-  sizes(0, sc::kChange) = change;
-  library::Library::UpdateSizeUsage(
-      document, library::Library::GetSizesArray(document, library::kCircular),
-      library::Library::GetSizesArray(document, library::kBox), sizes);
+  host::SelectionSet& set =
+      General::InitializeSelectionSet(document, "MergedPipeSet");
+  set.AddItems({&first_merged_pipe_entity});
+  library::Library::UpdateLibrariesForPipes(document, set, -(count_pipes - 1));
+  set.Delete();
 }
 
 void Editing::UpdateCrossingsAfterMerging(
@@ -392,7 +363,6 @@ void Editing::UpdateCrossingsAfterMerging(
 void Editing::UpdateProfilesAfterMerging(
     host::Document& document, host::Entity& merged_pipe_entity,
     host::SelectionSet& set_pipes_to_merge) {
-  using F = profile::ProfileField;
   const Record merged = Record::ReadRequired(merged_pipe_entity);
   const std::string merged_label =
       General::EntityLabelFromCombined(merged.Text(PipeField::kCombinedLabel));
@@ -407,35 +377,25 @@ void Editing::UpdateProfilesAfterMerging(
     host::Entity& block = core::EntityFromIdText(document, profile_oid);
     Record record = core::ReadRecordWithFields(
         block, profile::kProfileRecordLength, "profile");
-    const std::vector<std::string> labels =
-        core::ReferenceValues(record.Text(F::kPipeLabels));
-    const std::vector<std::string> ids =
-        core::ReferenceValues(record.Text(F::kPipeOIDs));
-    // ";0;1": piece 0 is the empty text before the first ";".
-    std::vector<std::string> directions =
-        core::Split(record.Text(F::kDirections));
-    if (!directions.empty()) directions.erase(directions.begin());
-    std::string new_labels, new_ids, new_directions;
+    const profile::PipeChain chain = profile::ReadPipeChain(record);
+    profile::PipeChain merged_chain;
     bool replaced = false;
-    for (size_t i = 0; i < ids.size(); ++i) {
-      const std::string direction = i < directions.size() ? directions[i] : "0";
-      if (General::Check_ID_Exists(ids[i], old_ids)) {
-        if (replaced) continue;
+    for (size_t i = 0; i < chain.ids.size(); ++i) {
+      if (!General::Check_ID_Exists(chain.ids[i], old_ids)) {
+        merged_chain.labels.push_back(chain.labels[i]);
+        merged_chain.ids.push_back(chain.ids[i]);
+        merged_chain.directions.push_back(chain.directions[i]);
+      } else if (!replaced) {
+        // One entry for the merged pipe where the first old one stood.
         replaced = true;
-        new_labels += core::ReferenceEntry(merged_label);
-        new_ids += core::ReferenceEntry(merged_id);
-        new_directions +=
-            ";" + profile::Profile::GetMergedPipeDirectionInProfile(
-                      document, polyline, ids[i], direction);
-        continue;
+        merged_chain.labels.push_back(merged_label);
+        merged_chain.ids.push_back(merged_id);
+        merged_chain.directions.push_back(
+            profile::Profile::GetMergedPipeDirectionInProfile(
+                document, polyline, chain.ids[i], chain.directions[i]));
       }
-      new_labels += core::ReferenceEntry(i < labels.size() ? labels[i] : "");
-      new_ids += core::ReferenceEntry(ids[i]);
-      new_directions += ";" + direction;
     }
-    record.SetText(F::kPipeLabels, new_labels);
-    record.SetText(F::kPipeOIDs, new_ids);
-    record.SetText(F::kDirections, new_directions);
+    profile::WritePipeChain(record, merged_chain);
     record.Write(block);
     profile::Profile::FlagProfileForUpdate(document, profile_oid);
   }
@@ -448,26 +408,30 @@ void Editing::DeleteOldMergedPipes(host::Document& document,
   const std::vector<host::Entity*> pipes = set_pipes_to_merge.Entities();
   for (host::Entity* pipe : pipes) {
     const Record record = Record::ReadRequired(*pipe);
-    EraseIfThere(document, IdOf(record, PipeField::kAnnotationOIDRef));
-    EraseIfThere(document, IdOf(record, PipeField::kArrowOIDRef));
+    core::EraseIfPresent(
+        document, core::SingleReference(record, PipeField::kAnnotationOIDRef));
+    core::EraseIfPresent(
+        document, core::SingleReference(record, PipeField::kArrowOIDRef));
     for (auto [label_field, id_field] :
          {std::pair{PipeField::kStartNodeLabel, PipeField::kStartNodeOID},
           std::pair{PipeField::kEndNodeLabel, PipeField::kEndNodeOID}}) {
       const std::string label = record.Text(label_field);
       if (label == final_start_node_label || label == final_end_node_label)
         continue;
-      const std::string node_id = IdOf(record, id_field);
+      const std::string node_id = core::SingleReference(record, id_field);
       if (node_id.empty()) continue;
       try {
         const Record node =
             Record::ReadRequired(core::EntityFromIdText(document, node_id));
-        EraseIfThere(document, IdOf(node, NodeField::kAnnotationOIDRef));
+        core::EraseIfPresent(document, core::SingleReference(
+                                           node, NodeField::kAnnotationOIDRef));
         // A marker of a node that goes would point at nothing.
-        EraseIfThere(document, IdOf(node, NodeField::kLowHighOIDRef));
+        core::EraseIfPresent(
+            document, core::SingleReference(node, NodeField::kLowHighOIDRef));
       } catch (const host::HostError&) {
         continue;  // erased with an earlier pipe of the run
       }
-      EraseIfThere(document, node_id);
+      core::EraseIfPresent(document, node_id);
     }
   }
   for (host::Entity* pipe : pipes) pipe->Delete();

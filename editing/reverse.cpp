@@ -22,7 +22,6 @@ using core::NodeField;
 using core::PipeField;
 
 constexpr char kEscape[] = "\x1b";
-constexpr std::string_view kRelatedTo = "RelatedTo";
 
 host::SelectionSet& AskOnScreen(host::Document& document,
                                 std::string_view set_name, const char* prompt,
@@ -32,13 +31,6 @@ host::SelectionSet& AskOnScreen(host::Document& document,
   document.GetUtility().Prompt(prompt);
   set.SelectOnScreen(filter);
   return set;
-}
-
-// The value of a single-entry reference field (";RelatedTo<value>").
-std::string SingleValue(const core::Record& record, core::Field field) {
-  const std::vector<std::string> values =
-      core::ReferenceValues(record.Text(field));
-  return values.empty() ? std::string() : values.front();
 }
 
 // The reference field of a value; empty for no value.
@@ -75,9 +67,8 @@ void Editing::ReversePipeReferenceInNode(host::Document& document,
                                            : NodeField::kPipesAtStartLabels;
   const core::Field to_ids =
       from_start ? NodeField::kPipesAtEndOID : NodeField::kPipesAtStartOID;
-  const std::string label_entry =
-      std::string(kRelatedTo) + std::string(pipe_label);
-  const std::string id_entry = std::string(kRelatedTo) + std::string(pipe_oid);
+  const std::string label_entry = core::RelatedTo(pipe_label);
+  const std::string id_entry = core::RelatedTo(pipe_oid);
   record.SetText(from_labels, General::DeleteReferenceInReferenceString(
                                   record.Text(from_labels), label_entry, 0));
   record.SetText(from_ids, General::DeleteReferenceInReferenceString(
@@ -97,10 +88,13 @@ void Editing::ReverseSelectedPipes(host::Document& document,
         record.Text(PipeField::kCombinedLabel));
     const std::string pipe_oid = core::IdText(pipe.ObjectID());
     const std::string start_label =
-        SingleValue(record, PipeField::kStartNodeLabel);
-    const std::string end_label = SingleValue(record, PipeField::kEndNodeLabel);
-    const std::string start_oid = SingleValue(record, PipeField::kStartNodeOID);
-    const std::string end_oid = SingleValue(record, PipeField::kEndNodeOID);
+        core::SingleReference(record, PipeField::kStartNodeLabel);
+    const std::string end_label =
+        core::SingleReference(record, PipeField::kEndNodeLabel);
+    const std::string start_oid =
+        core::SingleReference(record, PipeField::kStartNodeOID);
+    const std::string end_oid =
+        core::SingleReference(record, PipeField::kEndNodeOID);
     const double start_invert = record.Number(PipeField::kStartInvert);
     const double end_invert = record.Number(PipeField::kEndInvert);
 

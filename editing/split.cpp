@@ -29,17 +29,6 @@ using core::PipeField;
 using core::Record;
 
 constexpr char kEscape[] = "\x1b";
-constexpr std::string_view kRelatedTo = "RelatedTo";
-
-std::string Related(std::string_view value) {
-  return std::string(kRelatedTo) + std::string(value);
-}
-
-std::string IdOf(const Record& record, core::Field field) {
-  const std::vector<std::string> ids =
-      core::ReferenceValues(record.Text(field));
-  return ids.empty() ? std::string() : ids.front();
-}
 
 bool IsPipe(const host::Entity& entity) {
   const std::string type = General::GetElementType(entity);
@@ -54,14 +43,6 @@ std::string Replaced(const std::string& list, const std::string& from,
   for (size_t i = 1; i < pieces.size(); ++i)
     out += ";" + (pieces[i] == from ? to : pieces[i]);
   return out;
-}
-
-void EraseIfThere(host::Document& document, const std::string& id) {
-  if (id.empty()) return;
-  try {
-    core::EntityFromIdText(document, id).Delete();
-  } catch (const host::HostError&) {
-  }
 }
 
 }  // namespace
@@ -149,8 +130,8 @@ void Editing::AssignSplitXdata(host::Document& document,
   };
   const double invert = at_point(a.Number(PipeField::kStartInvert),
                                  a.Number(PipeField::kEndInvert));
-  const std::string s_id = IdOf(a, PipeField::kStartNodeOID);
-  const std::string e_id = IdOf(a, PipeField::kEndNodeOID);
+  const std::string s_id = core::SingleReference(a, PipeField::kStartNodeOID);
+  const std::string e_id = core::SingleReference(a, PipeField::kEndNodeOID);
   auto ground_at = [&](const std::string& id) {
     const std::optional<host::ObjectId> oid = core::ParseObjectId(id);
     return oid ? General::GetGroundLevelAtNode(document, *oid) : 0.0;
@@ -186,7 +167,7 @@ void Editing::AssignSplitXdata(host::Document& document,
     Record record = Record::ReadRequired(s);
     record.SetText(NodeField::kPipesAtStartOID,
                    Replaced(record.Text(NodeField::kPipesAtStartOID),
-                            Related(a_id), Related(a1_id)));
+                            core::RelatedTo(a_id), core::RelatedTo(a1_id)));
     record.Write(s);
     s_record = record;
   }
@@ -195,10 +176,11 @@ void Editing::AssignSplitXdata(host::Document& document,
     Record record = Record::ReadRequired(e);
     record.SetText(NodeField::kPipesAtEndOID,
                    Replaced(record.Text(NodeField::kPipesAtEndOID),
-                            Related(a_id), Related(a2_id)));
-    record.SetText(NodeField::kPipesAtEndLabels,
-                   Replaced(record.Text(NodeField::kPipesAtEndLabels),
-                            Related(label), Related(new_pipe_label)));
+                            core::RelatedTo(a_id), core::RelatedTo(a2_id)));
+    record.SetText(
+        NodeField::kPipesAtEndLabels,
+        Replaced(record.Text(NodeField::kPipesAtEndLabels),
+                 core::RelatedTo(label), core::RelatedTo(new_pipe_label)));
     record.Write(e);
   }
 
@@ -232,22 +214,11 @@ void Editing::AssignSplitXdata(host::Document& document,
 
 void Editing::UpdateLibrariesAfterSplitting(host::Document& document,
                                             host::Entity& split_pipe_entity) {
-  const Record a = Record::ReadRequired(split_pipe_entity);
-  namespace mc = library::materials_column;
-  core::TextTable materials(1, mc::kColumns);
-  materials(0, mc::kName) = a.Text(PipeField::kMaterial);
-  materials(0, mc::kCount) = "1";
-  library::Library::UpdateMaterialUsage(
-      document, library::Library::GetMaterialsArray(document), materials);
-  namespace sc = library::size_change_column;
-  const library::PipeSize size = library::PipeSizeOf(a);
-  core::TextTable sizes(1, sc::kColumns);
-  sizes(0, sc::kKey) = size.key;
-  sizes(0, sc::kShape) = size.shape;
-  sizes(0, sc::kChange) = "1";
-  library::Library::UpdateSizeUsage(
-      document, library::Library::GetSizesArray(document, library::kCircular),
-      library::Library::GetSizesArray(document, library::kBox), sizes);
+  host::SelectionSet& set =
+      General::InitializeSelectionSet(document, "SplitPipeSet");
+  set.AddItems({&split_pipe_entity});
+  library::Library::UpdateLibrariesForPipes(document, set, 1);
+  set.Delete();
 }
 
 void Editing::UpdateCrossingsAfterSplitting(host::Document& document,
@@ -295,7 +266,6 @@ void Editing::UpdateProfilesAfterSplitting(host::Document& document,
                                            host::Entity& split_pipe_entity,
                                            host::Entity& new_pipe_entity1,
                                            host::Entity& new_pipe_entity2) {
-  using F = profile::ProfileField;
   const Record a = Record::ReadRequired(split_pipe_entity);
   const std::string a_id = core::IdText(split_pipe_entity.ObjectID());
   auto label_of = [](host::Entity& pipe) {
@@ -311,34 +281,27 @@ void Editing::UpdateProfilesAfterSplitting(host::Document& document,
     host::Entity& block = core::EntityFromIdText(document, profile_oid);
     Record record = core::ReadRecordWithFields(
         block, profile::kProfileRecordLength, "profile");
-    const std::vector<std::string> labels =
-        core::ReferenceValues(record.Text(F::kPipeLabels));
-    const std::vector<std::string> ids =
-        core::ReferenceValues(record.Text(F::kPipeOIDs));
-    std::vector<std::string> directions =
-        core::Split(record.Text(F::kDirections));
-    if (!directions.empty()) directions.erase(directions.begin());
-    std::string new_labels, new_ids, new_directions;
-    for (size_t i = 0; i < ids.size(); ++i) {
-      const std::string direction = i < directions.size() ? directions[i] : "0";
-      const std::string old_label = i < labels.size() ? labels[i] : "";
-      if (ids[i] != a_id) {
-        new_labels += core::ReferenceEntry(old_label);
-        new_ids += core::ReferenceEntry(ids[i]);
-        new_directions += ";" + direction;
-        continue;
-      }
-      const bool along = direction == "0";
-      for (int part = 0; part < 2; ++part) {
-        const bool first = (part == 0) == along;
-        new_labels += core::ReferenceEntry(first ? label1 : label2);
-        new_ids += core::ReferenceEntry(first ? id1 : id2);
-        new_directions += ";" + direction;
+    const profile::PipeChain chain = profile::ReadPipeChain(record);
+    profile::PipeChain split_chain;
+    auto add = [&](const std::string& label, const std::string& id,
+                   const std::string& direction) {
+      split_chain.labels.push_back(label);
+      split_chain.ids.push_back(id);
+      split_chain.directions.push_back(direction);
+    };
+    for (size_t i = 0; i < chain.ids.size(); ++i) {
+      const std::string& direction = chain.directions[i];
+      if (chain.ids[i] != a_id) {
+        add(chain.labels[i], chain.ids[i], direction);
+      } else if (direction == profile::kAlong) {
+        add(label1, id1, direction);
+        add(label2, id2, direction);
+      } else {
+        add(label2, id2, direction);
+        add(label1, id1, direction);
       }
     }
-    record.SetText(F::kPipeLabels, new_labels);
-    record.SetText(F::kPipeOIDs, new_ids);
-    record.SetText(F::kDirections, new_directions);
+    profile::WritePipeChain(record, split_chain);
     record.Write(block);
     profile::Profile::FlagProfileForUpdate(document, profile_oid);
   }
@@ -347,8 +310,10 @@ void Editing::UpdateProfilesAfterSplitting(host::Document& document,
 void Editing::DeleteSplitPipe(host::Document& document,
                               host::Entity& split_pipe_entity) {
   const Record a = Record::ReadRequired(split_pipe_entity);
-  EraseIfThere(document, IdOf(a, PipeField::kAnnotationOIDRef));
-  EraseIfThere(document, IdOf(a, PipeField::kArrowOIDRef));
+  core::EraseIfPresent(document,
+                       core::SingleReference(a, PipeField::kAnnotationOIDRef));
+  core::EraseIfPresent(document,
+                       core::SingleReference(a, PipeField::kArrowOIDRef));
   split_pipe_entity.Delete();
 }
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -29,14 +30,6 @@ using core::NodeField;
 using core::PipeField;
 using core::Record;
 
-constexpr std::string_view kRelatedTo = "RelatedTo";
-
-// The ID a single-entry reference field names; empty for an empty field.
-std::string SingleId(const Record& record, core::Field field) {
-  std::vector<std::string> ids = core::ReferenceValues(record.Text(field));
-  return ids.empty() ? std::string() : ids.front();
-}
-
 bool Listed(std::string_view id, std::string_view list) {
   return !id.empty() && General::Check_ID_Exists(id, list);
 }
@@ -65,7 +58,7 @@ void Unlink(host::Document& document, host::Entity& reference,
             std::string_view erased, bool arrow) {
   const Record record = Record::ReadRequired(reference);
   const std::string owner_id =
-      SingleId(record, viewstyle::AnnotationField::kElementOIDRef);
+      core::SingleReference(record, viewstyle::AnnotationField::kElementOIDRef);
   if (owner_id.empty() || Listed(owner_id, erased) ||
       !Exists(document, owner_id))
     return;
@@ -96,8 +89,9 @@ void Events::PipeWillBeErased(host::Document& document, host::Entity& pipe,
   const Record record =
       core::ReadRecordWithFields(pipe, core::kPipeRecordLength, "pipe");
   const std::string pipe_id = core::IdText(pipe.ObjectID());
-  const std::string start = SingleId(record, PipeField::kStartNodeOID);
-  const std::string end = SingleId(record, PipeField::kEndNodeOID);
+  const std::string start =
+      core::SingleReference(record, PipeField::kStartNodeOID);
+  const std::string end = core::SingleReference(record, PipeField::kEndNodeOID);
   // A node that is gone already has nothing left to repair.
   if (!start.empty() && !Listed(start, erased) && Exists(document, start))
     General::RemovePipeFromNode(document, start, pipe_id, "Start");
@@ -106,8 +100,10 @@ void Events::PipeWillBeErased(host::Document& document, host::Entity& pipe,
   AppendOnce(nodes_for_low_high, start);
   AppendOnce(nodes_for_low_high, end);
 
-  Queue(SingleId(record, PipeField::kAnnotationOIDRef), erased, to_be_erased);
-  Queue(SingleId(record, PipeField::kArrowOIDRef), erased, to_be_erased);
+  Queue(core::SingleReference(record, PipeField::kAnnotationOIDRef), erased,
+        to_be_erased);
+  Queue(core::SingleReference(record, PipeField::kArrowOIDRef), erased,
+        to_be_erased);
   for (const std::string& id :
        core::ReferenceValues(record.Text(PipeField::kCrossingOIDRefs))) {
     if (Listed(id, erased) || Listed(id, to_be_erased) || !Exists(document, id))
@@ -146,8 +142,10 @@ void Events::NodeWillBeErased(host::Document& document, host::Entity& node,
       AppendOnce(to_be_erased, id);
     }
   }
-  Queue(SingleId(record, NodeField::kAnnotationOIDRef), erased, to_be_erased);
-  Queue(SingleId(record, NodeField::kLowHighOIDRef), erased, to_be_erased);
+  Queue(core::SingleReference(record, NodeField::kAnnotationOIDRef), erased,
+        to_be_erased);
+  Queue(core::SingleReference(record, NodeField::kLowHighOIDRef), erased,
+        to_be_erased);
   AppendOnce(nodes_for_low_high, core::IdText(node.ObjectID()));
 }
 
@@ -161,8 +159,8 @@ void Events::CrossingAnnoWillBeErased(host::Document& document,
       General::EntityLabelFromCombined(record.Text(F::kCombinedLabel));
   const std::string id = core::IdText(crossing_anno.ObjectID());
   types::CrossPoint pipes;
-  pipes.Pipe1OID = SingleId(record, F::kPipe1OIDRef);
-  pipes.Pipe2OID = SingleId(record, F::kPipe2OIDRef);
+  pipes.Pipe1OID = core::SingleReference(record, F::kPipe1OIDRef);
+  pipes.Pipe2OID = core::SingleReference(record, F::kPipe2OIDRef);
   bool both_stay = true;
   for (const std::string* pipe_id : {&pipes.Pipe1OID, &pipes.Pipe2OID}) {
     if (pipe_id->empty() || Listed(*pipe_id, erased) ||
@@ -175,14 +173,14 @@ void Events::CrossingAnnoWillBeErased(host::Document& document,
     pipe_record.SetText(PipeField::kCrossingRefs,
                         General::DeleteReferenceInReferenceString(
                             pipe_record.Text(PipeField::kCrossingRefs),
-                            std::string(kRelatedTo) + label, 0));
+                            core::RelatedTo(label), 0));
     pipe_record.SetText(PipeField::kCrossingOIDRefs,
                         General::DeleteReferenceInReferenceString(
                             pipe_record.Text(PipeField::kCrossingOIDRefs),
-                            std::string(kRelatedTo) + id, 0));
+                            core::RelatedTo(id), 0));
     pipe_record.Write(pipe);
   }
-  Queue(SingleId(record, F::kLineOIDRef), erased, to_be_erased);
+  Queue(core::SingleReference(record, F::kLineOIDRef), erased, to_be_erased);
   // The profiles along a pipe that goes are cut at it instead.
   if (both_stay)
     profile::Profile::FlagProfilesRelatedToCrossingPoints(document, {pipes});
@@ -210,37 +208,29 @@ void Events::DeletePipeFromProfile(host::Document& document,
       block, profile::kProfileRecordLength, "profile");
   const std::string name =
       General::EntityLabelFromCombined(record.Text(F::kCombinedLabel));
-  const std::vector<std::string> labels =
-      core::Split(record.Text(F::kPipeLabels));
-  const std::vector<std::string> ids = core::Split(record.Text(F::kPipeOIDs));
-  const std::vector<std::string> directions =
-      core::Split(record.Text(F::kDirections));
-  const std::string wanted = std::string(kRelatedTo) + std::string(pipe_oid);
-  size_t cut = 0;
-  for (size_t i = 1; i < ids.size() && cut == 0; ++i)
-    if (ids[i] == wanted) cut = i;
-  if (cut == 0) return;  // not in this profile
+  const profile::PipeChain chain = profile::ReadPipeChain(record);
+  const auto at =
+      std::find(chain.ids.begin(), chain.ids.end(), std::string(pipe_oid));
+  if (at == chain.ids.end()) return;  // not in this profile
+  const size_t cut = static_cast<size_t>(at - chain.ids.begin());
 
-  std::string kept_labels, kept_ids, kept_directions;
-  for (size_t i = 1; i < cut; ++i) {
-    kept_labels += ";" + (i < labels.size() ? labels[i] : "");
-    kept_ids += ";" + ids[i];
-    kept_directions += ";" + (i < directions.size() ? directions[i] : "0");
-  }
-  for (size_t i = cut + 1; i < ids.size(); ++i)
+  // A profile is one run: the pipes after the cut leave it too.
+  for (size_t i = cut + 1; i < chain.ids.size(); ++i)
     profile::Profile::DeleteProfileReferenceFromPipe(
-        document, name, profile_oid, ids[i].substr(kRelatedTo.size()), erased,
-        to_be_erased);
-
-  if (kept_labels.empty()) {
+        document, name, profile_oid, chain.ids[i], erased, to_be_erased);
+  if (cut == 0) {
     ProfileWillBeErased(document, host::As<host::BlockReference>(block), erased,
                         to_be_erased);
     AppendOnce(to_be_erased, std::string(profile_oid));
     return;
   }
-  record.SetText(F::kPipeLabels, kept_labels);
-  record.SetText(F::kPipeOIDs, kept_ids);
-  record.SetText(F::kDirections, kept_directions);
+  profile::PipeChain kept;
+  for (size_t i = 0; i < cut; ++i) {
+    kept.labels.push_back(chain.labels[i]);
+    kept.ids.push_back(chain.ids[i]);
+    kept.directions.push_back(chain.directions[i]);
+  }
+  profile::WritePipeChain(record, kept);
   record.Write(block);
   profile::Profile::FlagProfileForUpdate(document, profile_oid);
 }

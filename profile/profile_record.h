@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "core/record.h"
 
@@ -70,5 +72,14 @@ inline constexpr char kStampText[] = "NeedsUpdate";
 // against it.
 inline constexpr char kAlong[] = "0";
 inline constexpr char kAgainst[] = "1";
+
+// A profile's chain of pipes, fields 4 to 6 taken apart: entry i of each
+// list is the same pipe (a missing label reads as "", a missing direction
+// as along).
+struct PipeChain {
+  std::vector<std::string> labels, ids, directions;
+};
+PipeChain ReadPipeChain(const core::Record& profile);
+void WritePipeChain(core::Record& profile, const PipeChain& chain);
 
 }  // namespace kestrana::profile

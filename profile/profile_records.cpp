@@ -30,10 +30,6 @@ core::Record ReadPipeRecord(const host::Object& pipe) {
   return core::ReadRecordWithFields(pipe, core::kPipeRecordLength, "pipe");
 }
 
-std::string RelatedTo(std::string_view value) {
-  return std::string(core::kRelatedTo) + std::string(value);
-}
-
 // "1" for a switch that is on, as the record stores it.
 std::string SwitchText(bool on) { return on ? "1" : "0"; }
 
@@ -260,7 +256,7 @@ void Profile::ReversePipeDirectionInProfile(host::Document& document,
       core::Split(record.Text(ProfileField::kPipeOIDs));
   const std::vector<std::string> directions =
       core::Split(record.Text(ProfileField::kDirections));
-  const std::string reversed = RelatedTo(pipe_oid);
+  const std::string reversed = core::RelatedTo(pipe_oid);
   std::string rebuilt;
   for (size_t k = 1; k < directions.size(); ++k) {
     const bool flip = k < ids.size() && ids[k] == reversed;
@@ -280,15 +276,42 @@ void Profile::DeleteProfileReferenceFromPipe(
     return;
   host::Entity& pipe = core::EntityFromIdText(document, pipe_oid);
   core::Record record = ReadPipeRecord(pipe);
-  record.SetText(
-      PipeField::kProfileRefs,
-      General::DeleteReferenceInReferenceString(
-          record.Text(PipeField::kProfileRefs), RelatedTo(profile_name), 0));
-  record.SetText(
-      PipeField::kProfileOIDRefs,
-      General::DeleteReferenceInReferenceString(
-          record.Text(PipeField::kProfileOIDRefs), RelatedTo(profile_oid), 0));
+  record.SetText(PipeField::kProfileRefs,
+                 General::DeleteReferenceInReferenceString(
+                     record.Text(PipeField::kProfileRefs),
+                     core::RelatedTo(profile_name), 0));
+  record.SetText(PipeField::kProfileOIDRefs,
+                 General::DeleteReferenceInReferenceString(
+                     record.Text(PipeField::kProfileOIDRefs),
+                     core::RelatedTo(profile_oid), 0));
   record.Write(pipe);
+}
+
+PipeChain ReadPipeChain(const core::Record& profile) {
+  PipeChain chain;
+  chain.labels = core::ReferenceValues(profile.Text(ProfileField::kPipeLabels));
+  chain.ids = core::ReferenceValues(profile.Text(ProfileField::kPipeOIDs));
+  // ";0;1": piece 0 is the empty text before the first ";".
+  chain.directions = core::Split(profile.Text(ProfileField::kDirections));
+  if (!chain.directions.empty())
+    chain.directions.erase(chain.directions.begin());
+  chain.labels.resize(chain.ids.size());
+  chain.directions.resize(chain.ids.size(), kAlong);
+  return chain;
+}
+
+void WritePipeChain(core::Record& profile, const PipeChain& chain) {
+  std::string labels, ids, directions;
+  for (size_t i = 0; i < chain.ids.size(); ++i) {
+    labels +=
+        core::ReferenceEntry(i < chain.labels.size() ? chain.labels[i] : "");
+    ids += core::ReferenceEntry(chain.ids[i]);
+    directions +=
+        ";" + (i < chain.directions.size() ? chain.directions[i] : kAlong);
+  }
+  profile.SetText(ProfileField::kPipeLabels, labels);
+  profile.SetText(ProfileField::kPipeOIDs, ids);
+  profile.SetText(ProfileField::kDirections, directions);
 }
 
 }  // namespace kestrana::profile

@@ -69,12 +69,6 @@ class DeleteNetwork : public ::testing::Test {
       if (auto record = Record::Read(*e)) out.emplace_back(e, *record);
     return out;
   }
-  std::string MaterialCount(const std::string& material) {
-    TextTable table = library::Library::GetMaterialsArray(*doc_);
-    for (int row = 0; row < table.Rows(); ++row)
-      if (table(row, 0) == material) return table(row, 1);
-    return "";
-  }
 
   std::unique_ptr<memhost::MemDocument> doc_;
 };
@@ -84,7 +78,7 @@ TEST_F(DeleteNetwork, NothingOfTheNetworkIsLeft) {
             2);
   ASSERT_GT(lowhigh::LowHigh::GetExistingLowHighPointsSet(*doc_, "").Count(),
             0);
-  ASSERT_EQ(MaterialCount("PVC"), "6");
+  ASSERT_EQ(test::MaterialUses(*doc_, "PVC"), "6");
   doc_->GetLayers().Item("Water - Network").SetLock(true);
   doc_->GetLayers().Item("Sewer - Network").SetLock(true);
 
@@ -106,7 +100,7 @@ TEST_F(DeleteNetwork, NothingOfTheNetworkIsLeft) {
   EXPECT_TRUE(doc_->GetLayers().Item("Sewer - Network").Lock());
   EXPECT_EQ(General::GetNetworkNames(*doc_), std::vector<std::string>{"Sewer"});
   EXPECT_EQ(ReadProjectRecord(*doc_).Text(ProjectField::kLowHighNetworks), "");
-  EXPECT_EQ(MaterialCount("PVC"), "3");
+  EXPECT_EQ(test::MaterialUses(*doc_, "PVC"), "3");
 }
 
 TEST_F(DeleteNetwork, TheOtherNetworksKeepTheirsAndForgetIt) {

@@ -96,19 +96,13 @@ class Merging : public ::testing::Test {
     Editing::DeleteOldMergedPipes(*doc_, pipes, start, end);
     return merged;
   }
-  std::string PvcCount() {
-    core::TextTable t = library::Library::GetMaterialsArray(*doc_);
-    for (int row = 0; row < t.Rows(); ++row)
-      if (t(row, 0) == "PVC") return t(row, 1);
-    return "";
-  }
 
   std::unique_ptr<memhost::MemDocument> doc_;
   host::BlockReference* profile_ = nullptr;
 };
 
 TEST_F(Merging, ARunBecomesOnePipeFromItsHigherEnd) {
-  ASSERT_EQ(PvcCount(), "5");
+  ASSERT_EQ(test::MaterialUses(*doc_, "PVC"), "5");
   host::SelectionSet& pipes = Pick({"P-2", "P-1"});
   ASSERT_EQ(pipes.Count(), 2);
   host::LwPolyline& merged = Merge(pipes);
@@ -133,7 +127,7 @@ TEST_F(Merging, ARunBecomesOnePipeFromItsHigherEnd) {
   EXPECT_EQ(n3.Text(NodeField::kPipesAtStartLabels), ";RelatedToP-3");
   EXPECT_EQ(Record::ReadRequired(Node("N-1")).Text(NodeField::kPipesAtStartOID),
             merged_ref);
-  EXPECT_EQ(PvcCount(), "4");
+  EXPECT_EQ(test::MaterialUses(*doc_, "PVC"), "4");
   EXPECT_EQ(test::AnnotationTexts(*doc_, merged).front(), "P-1");
 
   // The main's crossing with P-2 now lies on the merged pipe, which

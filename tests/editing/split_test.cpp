@@ -83,19 +83,13 @@ class Splitting : public ::testing::Test {
     Editing::UpdateProfilesAfterSplitting(*doc_, pipe, *first, *second);
     Editing::DeleteSplitPipe(*doc_, pipe);
   }
-  std::string PvcCount() {
-    core::TextTable t = library::Library::GetMaterialsArray(*doc_);
-    for (int row = 0; row < t.Rows(); ++row)
-      if (t(row, 0) == "PVC") return t(row, 1);
-    return "";
-  }
 
   std::unique_ptr<memhost::MemDocument> doc_;
   host::BlockReference* profile_ = nullptr;
 };
 
 TEST_F(Splitting, LevelsAreInterpolatedAndLinksFollow) {
-  ASSERT_EQ(PvcCount(), "3");
+  ASSERT_EQ(test::MaterialUses(*doc_, "PVC"), "3");
   Split(Pipe("P-1"), {30, 0, 0});
 
   host::LwPolyline& a1 = Pipe("P-1");
@@ -118,7 +112,7 @@ TEST_F(Splitting, LevelsAreInterpolatedAndLinksFollow) {
       ";RelatedToP-3");
   EXPECT_EQ(Record::ReadRequired(Node("N-1")).Text(NodeField::kPipesAtStartOID),
             core::ReferenceEntry(core::IdText(a1.ObjectID())));
-  EXPECT_EQ(PvcCount(), "4");
+  EXPECT_EQ(test::MaterialUses(*doc_, "PVC"), "4");
   EXPECT_EQ(test::AnnotationTexts(*doc_, k).front(), "N-4");
 
   // The crossing at x = 70 lies on the second part.

@@ -89,11 +89,7 @@ TEST_F(Copies, CopiesTakeFreeLabelsAndLinkOnlyToEachOther) {
   EXPECT_EQ(core::ReferenceValues(r.Text(PipeField::kCrossingOIDRefs)).size(),
             1u);
   // Two sewers and a main before, one copied sewer now.
-  core::TextTable materials = library::Library::GetMaterialsArray(*doc);
-  std::string pvc;
-  for (int row = 0; row < materials.Rows(); ++row)
-    if (materials(row, 0) == "PVC") pvc = materials(row, 1);
-  EXPECT_EQ(pvc, "4");
+  EXPECT_EQ(test::MaterialUses(*doc, "PVC"), "4");
 }
 
 TEST_F(Copies, UnknownLabelsChangeNothing) {

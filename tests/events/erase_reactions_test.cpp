@@ -80,12 +80,6 @@ class Erasing : public ::testing::Test {
         n += r->Has(2) && r->Value(2).IsText() && r->Text(2) == type;
     return n;
   }
-  std::string Materials() {
-    core::TextTable t = library::Library::GetMaterialsArray(*doc_);
-    for (int row = 0; row < t.Rows(); ++row)
-      if (t(row, 0) == "PVC") return t(row, 1);
-    return "";
-  }
 
   std::unique_ptr<memhost::MemDocument> doc_;
   host::BlockReference* profile_ = nullptr;
@@ -95,7 +89,7 @@ TEST_F(Erasing, APipeLeavesItsNodesCrossingsProfileAndLibrary) {
   host::LwPolyline& p2 = Pipe("Sewer", "P-2");
   ASSERT_EQ(crossing::Crossing::GetExistingCrossingPointsSet(*doc_, "").Count(),
             2);
-  ASSERT_EQ(Materials(), "6");
+  ASSERT_EQ(test::MaterialUses(*doc_, "PVC"), "6");
   const int annotations = Count("Annotation"), arrows = Count("Arrow");
 
   Erase({&p2});
@@ -114,7 +108,7 @@ TEST_F(Erasing, APipeLeavesItsNodesCrossingsProfileAndLibrary) {
   EXPECT_EQ(Count("CrossingPointLine"), 1);
   EXPECT_EQ(Count("Annotation"), annotations - 1);
   EXPECT_EQ(Count("Arrow"), arrows - 1);
-  EXPECT_EQ(Materials(), "5");
+  EXPECT_EQ(test::MaterialUses(*doc_, "PVC"), "5");
 
   // The profile keeps the pipes before P-2 and is flagged; P-3 left it.
   Record profile = Record::ReadRequired(*profile_);

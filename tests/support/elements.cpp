@@ -13,6 +13,7 @@
 #include "core/references.h"
 #include "core/text.h"
 #include "host/host.h"
+#include "library/library.h"
 
 namespace kestrana::test {
 
@@ -46,6 +47,15 @@ std::vector<std::string> AnnotationTexts(host::Document& document,
   for (host::AttributeReference* a : annotation.GetAttributes())
     texts.push_back(a->TextString());
   return texts;
+}
+
+std::string MaterialUses(host::Document& document,
+                         const std::string& material) {
+  const core::TextTable table = library::Library::GetMaterialsArray(document);
+  for (int row = 0; row < table.Rows(); ++row)
+    if (table(row, library::materials_column::kName) == material)
+      return table(row, library::materials_column::kCount);
+  return "";
 }
 
 std::vector<std::string> DanglingLinks(host::Document& doc) {

@@ -21,6 +21,9 @@ host::Entity& ElementLabelled(host::Document& document,
 std::vector<std::string> AnnotationTexts(host::Document& document,
                                          const host::Entity& element);
 
+// The materials library's use count of a material, "" when it lists none.
+std::string MaterialUses(host::Document& document, const std::string& material);
+
 // "<record> field <n> names <id>, which is gone" for every object ID a
 // record of model space stores that names no live object.
 std::vector<std::string> DanglingLinks(host::Document& document);
