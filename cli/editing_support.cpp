@@ -13,6 +13,7 @@
 #include "editing/editing.h"
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
+#include "memhost/document.h"
 
 namespace kestrana::cli {
 
@@ -95,6 +96,29 @@ void AnalyseLowHighAfterEdit(host::Document& document,
       lowhigh::LowHigh::GetInitialNodesOIDArrayForLowHigh(document,
                                                           touched_nodes),
       network);
+}
+
+PipeLabelsOptions ParsePipeLabels(const std::vector<std::string>& args) {
+  Args a(args, {}, {"network", "labels", "output"});
+  a.ExpectPositionals(1);
+  PipeLabelsOptions options;
+  options.drawing = a.Positional(0, "the drawing (DRAWING.dxf)");
+  options.output = a.Option("output");
+  options.network = a.Required("network");
+  a.Required("labels");
+  options.labels = a.Names("labels");
+  return options;
+}
+
+void AnswerWithPipes(memhost::MemDocument& document,
+                     const PipeLabelsOptions& options) {
+  RequireNetwork(document, options.network);
+  std::vector<host::ObjectId> ids;
+  for (const std::string& label : options.labels)
+    ids.push_back(
+        FindElement(document, options.network, ElementKind::kPipe, label)
+            .ObjectID());
+  document.GetSession().Push(memhost::Input::Objects(std::move(ids)));
 }
 
 }  // namespace kestrana::cli

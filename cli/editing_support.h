@@ -2,7 +2,13 @@
 // checking a new label, and the upkeep the add-on does around an edit.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
+
+namespace kestrana::memhost {
+class MemDocument;
+}
 
 namespace kestrana::host {
 class Document;
@@ -36,6 +42,20 @@ void CheckNewLabel(host::Document& document, const std::string& network,
 void AnalyseLowHighAfterEdit(host::Document& document,
                              const std::string& network,
                              host::SelectionSet& touched_nodes);
+
+// Commands on pipes named by label: DRAWING --network N --labels L,L,...
+// [-o OUT].
+struct PipeLabelsOptions {
+  std::string drawing;
+  std::optional<std::string> output;
+  std::string network;
+  std::vector<std::string> labels;
+};
+PipeLabelsOptions ParsePipeLabels(const std::vector<std::string>& args);
+// Answers the next on-screen selection with those pipes, as a user picks
+// them; CommandError for a network or label that is not there.
+void AnswerWithPipes(memhost::MemDocument& document,
+                     const PipeLabelsOptions& options);
 
 // The label of an element from its record.
 std::string ElementLabel(const host::Entity& element);

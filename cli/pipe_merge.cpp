@@ -18,24 +18,11 @@ namespace {
 
 using editing::Editing;
 
-struct PipeMergeOptions {
-  std::string drawing;
-  std::optional<std::string> output;
-  std::string network;
-  std::vector<std::string> labels;
-};
-
 // The steps of the add-on's merge command, in its order; answers the
 // merged pipe's label.
 std::string MergeInDocument(memhost::MemDocument& document,
-                            const PipeMergeOptions& options) {
-  RequireNetwork(document, options.network);
-  std::vector<host::ObjectId> ids;
-  for (const std::string& label : options.labels)
-    ids.push_back(
-        FindElement(document, options.network, ElementKind::kPipe, label)
-            .ObjectID());
-  document.GetSession().Push(memhost::Input::Objects(std::move(ids)));
+                            const PipeLabelsOptions& options) {
+  AnswerWithPipes(document, options);
   host::SelectionSet& pipes = Editing::GetPipesToMerge(document);
   if (pipes.Count() < 2) {
     const std::vector<std::string> shown = document.GetSession().Messages();
@@ -66,14 +53,7 @@ std::string MergeInDocument(memhost::MemDocument& document,
 }
 
 int Run(const std::vector<std::string>& args, Io& io) {
-  Args a(args, {}, {"network", "labels", "output"});
-  a.ExpectPositionals(1);
-  PipeMergeOptions options;
-  options.drawing = a.Positional(0, "the drawing (DRAWING.dxf)");
-  options.output = a.Option("output");
-  options.network = a.Required("network");
-  a.Required("labels");
-  options.labels = a.Names("labels");
+  const PipeLabelsOptions options = ParsePipeLabels(args);
   std::string merged;
   EditProjectDrawing(options.drawing, options.output,
                      [&](memhost::MemDocument& document) {

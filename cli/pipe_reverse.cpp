@@ -17,23 +17,9 @@ namespace kestrana::cli {
 
 namespace {
 
-struct PipeReverseOptions {
-  std::string drawing;
-  std::optional<std::string> output;
-  std::string network;
-  std::vector<std::string> labels;
-};
-
 void ReverseInDocument(memhost::MemDocument& document,
-                       const PipeReverseOptions& options) {
-  RequireNetwork(document, options.network);
-  std::vector<host::ObjectId> ids;
-  for (const std::string& label : options.labels)
-    ids.push_back(
-        FindElement(document, options.network, ElementKind::kPipe, label)
-            .ObjectID());
-  // The pipes answer the prompt, as a user picks them.
-  document.GetSession().Push(memhost::Input::Objects(std::move(ids)));
+                       const PipeLabelsOptions& options) {
+  AnswerWithPipes(document, options);
   host::SelectionSet& pipes = editing::Editing::GetPipesToReverse(document);
   const std::vector<std::string> locked =
       core::General::UnlockAllLayers(document);
@@ -42,14 +28,7 @@ void ReverseInDocument(memhost::MemDocument& document,
 }
 
 int Run(const std::vector<std::string>& args, Io& io) {
-  Args a(args, {}, {"network", "labels", "output"});
-  a.ExpectPositionals(1);
-  PipeReverseOptions options;
-  options.drawing = a.Positional(0, "the drawing (DRAWING.dxf)");
-  options.output = a.Option("output");
-  options.network = a.Required("network");
-  a.Required("labels");
-  options.labels = a.Names("labels");
+  const PipeLabelsOptions options = ParsePipeLabels(args);
   EditProjectDrawing(options.drawing, options.output,
                      [&](memhost::MemDocument& document) {
                        ReverseInDocument(document, options);
