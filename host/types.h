@@ -9,6 +9,8 @@
 #include <variant>
 #include <vector>
 
+#include "host/errors.h"
+
 namespace kestrana::host {
 
 using ObjectId = int32_t;
@@ -84,10 +86,10 @@ enum class ErrorCode {
 };
 
 // Every failure of a host call. The message is meant for a user.
-class HostError : public std::runtime_error {
+class HostError : public Error {
  public:
   HostError(ErrorCode code, const std::string& message)
-      : std::runtime_error(message), code_(code) {}
+      : Error(message), code_(code) {}
   ErrorCode code() const { return code_; }
 
  private:
