@@ -1,0 +1,116 @@
+#include "commands/elements.h"
+
+#include "commands/command.h"
+#include "core/general.h"
+#include "core/lists.h"
+#include "core/names.h"
+#include "core/pipe_record.h"
+#include "core/record.h"
+#include "core/text.h"
+#include "editing/editing.h"
+#include "host/host.h"
+#include "lowhigh/lowhigh.h"
+#include "memhost/document.h"
+
+namespace kestrana::commands {
+
+using core::General;
+
+namespace {
+
+const char* KindName(ElementKind kind) {
+  return kind == ElementKind::kPipe ? "pipe" : "node";
+}
+
+}  // namespace
+
+void RequireNetwork(host::Document& document, const std::string& network) {
+  if (!General::CheckNetworkExists(document, network))
+    throw NotFoundError("the project has no network named \"" + network + "\"");
+}
+
+std::string NetworkType(host::Document& document, const std::string& network) {
+  core::TextTable networks = General::GetNetworkDefinitions(document);
+  for (int row = 0; row < networks.Rows(); ++row)
+    if (networks(row, 0) == network) return networks(row, 1);
+  throw NotFoundError("the project has no network named \"" + network + "\"");
+}
+
+const char* const kMatchingRules[4] = {
+    editing::kNoMatching, editing::kMatchCenterlines, editing::kMatchSoffits,
+    editing::kMatchInverts};
+
+std::string MatchingRuleText(int code) {
+  return code >= 0 && code < 4 ? kMatchingRules[code] : "";
+}
+
+std::string ElementLabel(const host::Entity& element) {
+  return General::EntityLabelFromCombined(
+      core::Record::ReadRequired(element).Text(
+          core::PipeField::kCombinedLabel));
+}
+
+host::Entity& FindElement(host::Document& document, const std::string& network,
+                          ElementKind kind, const std::string& label) {
+  RequireNetwork(document, network);
+  std::vector<host::Entity*> found;
+  for (host::Entity* element :
+       General::GetNetworkSet(document, network,
+                              kind == ElementKind::kPipe ? kPipes : kNodes)
+           .Entities())
+    if (ElementLabel(*element) == label) found.push_back(element);
+  if (found.empty())
+    throw NotFoundError("the network \"" + network + "\" has no " +
+                        KindName(kind) + " labelled \"" + label + "\"");
+  if (found.size() > 1)
+    throw RefusedError("the label \"" + label + "\" names " +
+                       std::to_string(found.size()) + " " + KindName(kind) +
+                       "s of the network \"" + network +
+                       "\"; give one of them another label first");
+  return *found.front();
+}
+
+void CheckName(const std::string& what, const std::string& name) {
+  if (General::CheckTextForBannedCharacters(name, 1))
+    throw InvalidInputError(what + " \"" + name +
+                            "\" contains a character that names cannot hold "
+                            "(: ; \" / \\ > < * | ? , =)");
+}
+
+void CheckNewLabel(host::Document& document, const std::string& network,
+                   ElementKind kind, const std::string& label,
+                   const host::Entity& element) {
+  if (label.empty()) throw OptionError("the new label is empty");
+  CheckName("The label", label);
+  const std::string type =
+      NetworkType(document, network) +
+      (kind == ElementKind::kPipe ? core::kPipeKind : core::kNodeKind);
+  for (const std::string& taken : editing::Editing::GetExistingLabelsArray(
+           document, network, type, {core::IdText(element.ObjectID())}))
+    if (!taken.empty() && core::SameIgnoringCase(taken, label))
+      throw RefusedError("the network \"" + network + "\" already has a " +
+                         KindName(kind) + " labelled \"" + taken + "\"");
+}
+
+void AnalyseLowHighAfterEdit(host::Document& document,
+                             const std::string& network,
+                             host::SelectionSet& touched_nodes) {
+  if (touched_nodes.Count() == 0) return;
+  lowhigh::LowHigh::BuildLowHighPointsAfterImporting(
+      document,
+      lowhigh::LowHigh::GetInitialNodesOIDArrayForLowHigh(document,
+                                                          touched_nodes),
+      network);
+}
+
+void AnswerWithPipes(memhost::MemDocument& document, const PipeLabels& pipes) {
+  RequireNetwork(document, pipes.network);
+  std::vector<host::ObjectId> ids;
+  for (const std::string& label : pipes.labels)
+    ids.push_back(
+        FindElement(document, pipes.network, ElementKind::kPipe, label)
+            .ObjectID());
+  document.GetSession().Push(memhost::Input::Objects(std::move(ids)));
+}
+
+}  // namespace kestrana::commands
