@@ -201,7 +201,7 @@ std::string WriteProfileStyleText(const std::vector<std::string>& items) {
                             " items, not " + std::to_string(items.size()));
   std::string text;
   for (size_t k = 0; k < items.size(); ++k) {
-    if (items[k].find_first_of("\r\n") != std::string::npos)
+    if (items[k].find('\n') != std::string::npos)
       throw InvalidInputError("item " + std::to_string(k) +
                               " of the profile style holds a line break, "
                               "which a style file cannot");
