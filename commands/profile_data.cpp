@@ -1,5 +1,6 @@
 #include "commands/profile_data.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -166,7 +167,9 @@ class ScriptedAnswers {
     }
   }
   ~ScriptedAnswers() {
-    const size_t left = session_.Remaining() - before_;
+    const size_t remaining = session_.Remaining();
+    const size_t left =
+        std::min(remaining > before_ ? remaining - before_ : 0, kinds_.size());
     for (size_t k = kinds_.size() - left; k < kinds_.size(); ++k)
       session_.Next(kinds_[k], "an answer the command gave");
   }

@@ -16,21 +16,21 @@ class MemDocument;
 namespace kestrana::commands {
 
 struct ProfileDataOptions {
-  std::string network;
+  std::string network = {};
   // The run: pipes by label (in any order), or a line of the network as
   // `profile lines` names it. Exactly one of the two.
-  std::vector<std::string> pipes;
-  std::optional<std::string> line;
+  std::vector<std::string> pipes = {};
+  std::optional<std::string> line = {};
   // The answer to "Pick profile start point:"; unset: the place of the
   // run's lowest invert.
-  std::optional<host::Point3> start;
-  std::optional<std::string> style;  // unset: "Standard"
+  std::optional<host::Point3> start = {};
+  std::optional<std::string> style = {};  // unset: "Standard"
   // Ground from a surface: the text of a LandXML file (named in messages
   // as `surface_file`) and the surface to use, needed when the file holds
   // several. Unset: ground from the nodes' levels.
-  std::optional<std::string> surface_xml;
-  std::string surface_file;
-  std::optional<std::string> surface_name;
+  std::optional<std::string> surface_xml = {};
+  std::string surface_file = {};
+  std::optional<std::string> surface_name = {};
 };
 
 struct ProfileDataResult {

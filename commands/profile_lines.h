@@ -12,7 +12,7 @@ class Document;
 namespace kestrana::commands {
 
 struct ProfileLinesOptions {
-  std::string network;
+  std::string network = {};
 };
 struct ProfileLine {
   std::string name;

@@ -30,7 +30,7 @@ ProfileStyleListResult ProfileStyleList(host::Document& document,
                                         const ProfileStyleListOptions& options);
 
 struct ProfileStyleShowOptions {
-  std::string name;
+  std::string name = {};
 };
 struct ProfileStyleShowResult {
   ProfileStyleSummary style;
@@ -41,7 +41,7 @@ ProfileStyleShowResult ProfileStyleShow(host::Document& document,
                                         const ProfileStyleShowOptions& options);
 
 struct ProfileStyleExportOptions {
-  std::string name;
+  std::string name = {};
 };
 struct ProfileStyleExportResult {
   std::string name;
@@ -53,8 +53,8 @@ ProfileStyleExportResult ProfileStyleExport(
     host::Document& document, const ProfileStyleExportOptions& options);
 
 struct ProfileStyleImportOptions {
-  std::vector<std::string> items;   // the record values of a style file
-  std::optional<std::string> name;  // else the name the file gives
+  std::vector<std::string> items = {};   // the record values of a style file
+  std::optional<std::string> name = {};  // else the name the file gives
 };
 struct ProfileStyleImportResult {
   std::string name;
@@ -67,7 +67,7 @@ ProfileStyleImportResult ProfileStyleImport(
     host::Document& document, const ProfileStyleImportOptions& options);
 
 struct ProfileStyleDeleteOptions {
-  std::string name;
+  std::string name = {};
 };
 struct ProfileStyleDeleteResult {
   std::string name;

@@ -87,6 +87,9 @@ host::Point3 PointAlong(const std::vector<double>& xy, double distance) {
 
 std::vector<double> RegularStations(double start_profile_distance,
                                     double length, double interval) {
+  if (!(interval > 0))
+    throw InvalidInputError("a station interval must be greater than 0, not " +
+                            core::GeneralText(interval));
   std::vector<double> stations;
   // A pipe that starts on a multiple has its first station one interval
   // in: the node is already in the node series.

@@ -1,8 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
+#include "core/pipe_record.h"
+#include "core/record.h"
+#include "core/references.h"
+#include "core/text.h"
 #include "host/host.h"
 #include "memhost/document.h"
 #include "profile/profile.h"
@@ -156,6 +162,114 @@ TEST_F(PipeRuns, TheStartIsWhereTheLowestOrHighestInvertLies) {
             (host::Point3{70, 0, 0}));
   EXPECT_THROW(Profile::GetProfileStartFromDirection(*doc_, "", 0),
                InvalidInputError);
+}
+
+// The documented connectivity test, every pipe counted against every
+// other, plus the walk that every pipe must be reached by.
+bool PlainOneRun(host::SelectionSet& set) {
+  struct Ends {
+    std::string start, end;
+  };
+  std::vector<Ends> pipes;
+  for (host::Entity* pipe : set.Entities()) {
+    const core::Record r = core::Record::ReadRequired(*pipe);
+    pipes.push_back({r.Text(core::PipeField::kStartNodeLabel),
+                     r.Text(core::PipeField::kEndNodeLabel)});
+  }
+  if (pipes.size() == 1) return true;
+  int ends = 0, first_end = -1;
+  std::string node;  // where the walk starts: the first end's free node
+  for (size_t i = 0; i < pipes.size(); ++i) {
+    int c1 = 0, c2 = 0;
+    for (size_t j = 0; j < pipes.size(); ++j) {
+      if (j == i) continue;
+      c1 += pipes[j].start == pipes[i].start || pipes[j].end == pipes[i].start;
+      c2 += pipes[j].start == pipes[i].end || pipes[j].end == pipes[i].end;
+    }
+    if (c1 > 1 || c2 > 1 || (c1 == 0 && c2 == 0)) return false;
+    if ((c1 == 0) != (c2 == 0) && ends++ == 0) {
+      first_end = static_cast<int>(i);
+      node = c1 == 0 ? pipes[i].start : pipes[i].end;
+    }
+  }
+  if (ends != 2) return false;
+  std::vector<bool> taken(pipes.size(), false);
+  size_t walked = 0;
+  for (int at = first_end; at >= 0; ++walked) {
+    taken[at] = true;
+    node = pipes[at].start == node ? pipes[at].end : pipes[at].start;
+    at = -1;
+    for (size_t j = 0; j < pipes.size() && at < 0; ++j)
+      if (!taken[j] && (pipes[j].start == node || pipes[j].end == node))
+        at = static_cast<int>(j);
+  }
+  return walked == pipes.size();
+}
+
+TEST(PipeRunsGenerated, TheIndexedTestAgreesWithCountingEveryPair) {
+  auto doc = test::NewFullProjectDocument("Metric");
+  General::CreateNetworkDefintion(*doc, "Sewer", core::kGravity);
+  test::NetworkElements sewer(*doc, "Sewer");
+  std::mt19937 random(13);
+  std::vector<host::BlockReference*> nodes;
+  for (int i = 0; i < 12; ++i)
+    nodes.push_back(&sewer.AddNode("N-" + std::to_string(i), 10.0 * (i % 4),
+                                   10.0 * (i / 4)));
+  std::vector<host::LwPolyline*> pipes;
+  std::vector<std::pair<int, int>> joins;
+  for (int k = 0; k < 20; ++k) {
+    const int a = random() % 12, b = (a + 1 + random() % 11) % 12;
+    const host::Point3 pa = nodes[a]->InsertionPoint();
+    const host::Point3 pb = nodes[b]->InsertionPoint();
+    pipes.push_back(&sewer.AddPipe("P-" + std::to_string(k),
+                                   {pa.x, pa.y, pb.x, pb.y}, *nodes[a],
+                                   *nodes[b]));
+    joins.push_back({a, b});
+  }
+  int runs = 0;
+  for (int trial = 0; trial < 400; ++trial) {
+    host::SelectionSet& set = General::InitializeSelectionSet(*doc, "Trial");
+    if (trial % 2 == 0) {
+      // A random walk: often a run, sometimes a ring or a branch.
+      int node = random() % 12;
+      for (int step = 0, n = 1 + random() % 7; step < n; ++step) {
+        std::vector<int> here;
+        for (int k = 0; k < 20; ++k)
+          if (joins[k].first == node || joins[k].second == node)
+            here.push_back(k);
+        if (here.empty()) break;
+        const int k = here[random() % here.size()];
+        set.AddItems({pipes[k]});
+        node = joins[k].first == node ? joins[k].second : joins[k].first;
+      }
+    } else {
+      for (int k = 0; k < 20; ++k)
+        if (random() % 5 == 0) set.AddItems({pipes[k]});
+    }
+    if (set.Count() == 0) continue;
+    const bool one_run = Profile::CheckProfilePipesConnectivity(set);
+    ASSERT_EQ(one_run, PlainOneRun(set)) << "trial " << trial;
+    if (!one_run) continue;
+    ++runs;
+    // The ordered run holds every pipe once, each meeting the next.
+    const SortedPipes sorted = Profile::GetSortedPipesArray(*doc, set, {});
+    const std::vector<std::string> ids = core::ReferenceValues(sorted.oids);
+    const std::vector<std::string> directions = core::Split(sorted.directions);
+    ASSERT_EQ(ids.size(), static_cast<size_t>(set.Count()));
+    std::string at;
+    for (size_t i = 0; i < ids.size(); ++i) {
+      const core::Record r =
+          core::Record::ReadRequired(core::EntityFromIdText(*doc, ids[i]));
+      std::string from = r.Text(core::PipeField::kStartNodeLabel);
+      std::string to = r.Text(core::PipeField::kEndNodeLabel);
+      if (directions[i + 1] == "1") std::swap(from, to);
+      if (i > 0) {
+        EXPECT_EQ(from, at) << "trial " << trial;
+      }
+      at = to;
+    }
+  }
+  EXPECT_GT(runs, 50) << "the trials should hold runs to order";
 }
 
 TEST(ManholeLines, LineNamesComeFromTheLabels) {
