@@ -25,6 +25,7 @@
 #include "core/names.h"
 #include "core/project_setup.h"
 #include "core/record.h"
+#include "core/text.h"
 #include "crossing/crossing.h"
 #include "host/host.h"
 #include "memhost/document.h"
@@ -192,7 +193,7 @@ int main(int argc, char** argv) {
     Drawing d = Generate(pipes, unrelated);
     Drawing alone = Generate(pipes, 0);
     size_t samples = 0;
-    const double seconds = BestSeconds(3, [&] {
+    const double seconds = BestSeconds(7, [&] {
       const profile::PartsData parts = Gather(d);
       samples = 0;
       for (const profile::PartData& part : parts)
@@ -200,7 +201,7 @@ int main(int argc, char** argv) {
             kestrana::core::Split(part[profile::Series::kGroundLine]).size() /
             2;
     });
-    const double without = BestSeconds(3, [&] { Gather(alone); });
+    const double without = BestSeconds(7, [&] { Gather(alone); });
     std::printf("%7d %10d %10zu %10.1fms %8.3fms %10.1fms\n", pipes,
                 Crossings(*d.document), samples, seconds * 1e3,
                 seconds * 1e3 / pipes, without * 1e3);

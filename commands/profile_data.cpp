@@ -213,7 +213,7 @@ ProfileDataResult ProfileData(memhost::MemDocument& document,
   result.surface = UseSurface(document, options);
   result.units = General::GetModelUnits(document);
   {
-    using F = profile::StationBandField;
+    using F = profile::StationBandSetting;
     const profile::ItemFields stations(
         style.record.Text(profile::ProfileStyleItem::kStationBand));
     result.station_pattern = core::StationPattern(stations.Text(F::kPrecision),

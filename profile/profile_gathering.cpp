@@ -47,20 +47,21 @@ Settings ReadSettings(const core::Record& style) {
   const ItemFields coordinates(style.Text(ProfileStyleItem::kCoordinateBand));
   Settings settings;
   settings.values_at_stations =
-      stations.Number(StationBandField::kPosition) != kBandNotDrawn &&
-      stations.On(StationBandField::kValuesAtStations);
-  settings.station_interval = stations.Number(StationBandField::kInterval);
+      stations.Number(StationBandSetting::kPosition) != kBandNotDrawn &&
+      stations.On(StationBandSetting::kValuesAtStations);
+  settings.station_interval = stations.Number(StationBandSetting::kInterval);
   settings.coordinates_at_stations =
-      coordinates.On(CoordinateBandField::kAtStations);
-  settings.coordinates_at_nodes = coordinates.On(CoordinateBandField::kAtNodes);
+      coordinates.On(CoordinateBandSetting::kAtStations);
+  settings.coordinates_at_nodes =
+      coordinates.On(CoordinateBandSetting::kAtNodes);
   settings.coordinates_at_vertices =
-      coordinates.On(CoordinateBandField::kAtVertices);
+      coordinates.On(CoordinateBandSetting::kAtVertices);
   if ((settings.values_at_stations || settings.coordinates_at_stations) &&
       !(settings.station_interval > 0))
     throw InvalidInputError(
         "the profile style asks for values at regular stations, but its "
         "station interval (item 18, field 5) is \"" +
-        stations.Text(StationBandField::kInterval) +
+        stations.Text(StationBandSetting::kInterval) +
         "\"; it must be greater than 0");
   return settings;
 }

@@ -25,12 +25,12 @@ std::vector<std::string> Profile::GetSplitPipesOIDArray(
     host::Document& document, std::string_view splitting_criteria,
     std::string_view profile_pipes_oids) {
   const ItemFields fields(splitting_criteria);
-  const bool split = fields.On(PartSplittingField::kSwitch);
-  const double maximum = fields.Number(PartSplittingField::kMaximumLength);
+  const bool split = fields.On(PartSplittingSetting::kSwitch);
+  const double maximum = fields.Number(PartSplittingSetting::kMaximumLength);
   if (split && !(maximum > 0))
     throw InvalidInputError(
         "the profile style splits profiles into parts of at most \"" +
-        fields.Text(PartSplittingField::kMaximumLength) +
+        fields.Text(PartSplittingSetting::kMaximumLength) +
         "\" long; the maximum part length must be greater than 0");
 
   std::vector<std::string> parts;
@@ -63,7 +63,8 @@ std::vector<std::string> Profile::GetSplitPipesDirectionArray(
   size_t next = 0;
   for (const std::string& part : ar_split_pipes_oid) {
     std::string series;
-    for (size_t i = 0; i < SeriesValues(part).size(); ++i, ++next)
+    const size_t pipes = SeriesValues(part).size();
+    for (size_t i = 0; i < pipes; ++i, ++next)
       AppendValue(series, next < directions.size() ? directions[next] : "0");
     parts.push_back(series);
   }

@@ -5,9 +5,9 @@
 
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
+#include "core/record.h"
 #include "core/text.h"
 
 namespace kestrana::profile {
@@ -18,35 +18,28 @@ class ItemFields {
  public:
   explicit ItemFields(std::string_view item) : fields_(core::Split(item)) {}
 
-  template <class E>
-  requires std::is_enum_v<E> std::string Text(E field)
-  const {
-    const size_t at = static_cast<size_t>(field);
+  std::string Text(core::Field field) const {
+    const size_t at = static_cast<size_t>(field.index);
     return at < fields_.size() ? fields_[at] : std::string();
   }
-  template <class E>
-  requires std::is_enum_v<E>
-  double Number(E field) const { return core::NumericValue(Text(field)); }
+  double Number(core::Field field) const {
+    return core::NumericValue(Text(field));
+  }
   // A switch: "1" is on, "0" off.
-  template <class E>
-  requires std::is_enum_v<E>
-  bool On(E field) const { return Number(field) != 0; }
+  bool On(core::Field field) const { return Number(field) != 0; }
 
  private:
   std::vector<std::string> fields_;
 };
 
 // Item 6.
-enum class PartSplittingField : int { kSwitch = 0, kMaximumLength = 1 };
+enum class PartSplittingSetting : int { kSwitch = 0, kMaximumLength = 1 };
 
-// Fields 0 and 1 of every band item (10 to 19).
-enum class BandField : int { kPosition = 0, kLabel = 1 };
-
-// A band at this position is not drawn.
+// A band (items 10 to 19) at this position (field 0) is not drawn.
 inline constexpr double kBandNotDrawn = 999;
 
 // Item 18.
-enum class StationBandField : int {
+enum class StationBandSetting : int {
   kPosition = 0,
   kLabel = 1,
   kPrecision = 2,
@@ -57,7 +50,7 @@ enum class StationBandField : int {
 };
 
 // Item 19.
-enum class CoordinateBandField : int {
+enum class CoordinateBandSetting : int {
   kPosition = 0,
   kLabel = 1,
   kSwitch = 2,
