@@ -136,6 +136,9 @@ TEST(ProfileStyleFile, ValuesThatMustBeNumbersAreChecked) {
   EXPECT_EQ(error(6, "0;0"), "") << "no parts, no length";
   EXPECT_EQ(error(12, "x;Length;1;2;0"),
             "item 12 (length band), field 0 (position): \"x\" is not a number");
+  EXPECT_EQ(error(8, "1;1;1;9e999"),
+            "item 8 (elevation grid), field 3 (elevation interval): \"9e999\" "
+            "is not a number");
   EXPECT_NE(error(7, "1000;100;1").find("holds 3 fields instead of 4"),
             std::string::npos);
 }
