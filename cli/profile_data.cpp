@@ -23,6 +23,9 @@ using profile::PartData;
 using profile::Series;
 
 constexpr char kLevelPattern[] = "0.000";
+constexpr int kDistancePlaces = 7;  // as the series count lengths
+// Shape index, span, rise and cells of each pipe in the sections series.
+constexpr size_t kSectionValues = 4;
 constexpr char kSlopePattern[] = "0.00";
 
 std::string ReadSurfaceFile(const std::string& path) {
@@ -88,17 +91,25 @@ std::string Level(const std::string& value) {
   return core::FormatNumber(core::NumericValue(value), kLevelPattern);
 }
 
+// A pipe's values in the sections series, in their order there.
+struct Section {
+  std::string shape;  // "0" circular, "1" box
+  std::string span, rise, cells;
+};
+
 // "200 mm", "8 in", "1200 x 800 mm", "2 x 4 x 3 ft".
-std::string SizeText(const std::vector<std::string>& section, bool metric) {
-  const bool circular = section[0] == "0";
+std::string SizeText(const Section& section, bool metric) {
+  const bool circular = section.shape == "0";
   const char* unit = metric ? " mm" : (circular ? " in" : " ft");
-  std::string size = circular ? section[1] : section[1] + " x " + section[2];
-  const std::string cells = section[3];
-  return (core::NumericValue(cells) > 1 ? cells + " x " : "") + size + unit;
+  const std::string size =
+      circular ? section.span : section.span + " x " + section.rise;
+  return (core::NumericValue(section.cells) > 1 ? section.cells + " x " : "") +
+         size + unit;
 }
 
+// One part's tables; its pipes are those of the run from `first_pipe` on.
 std::string PartText(const commands::ProfileDataResult& r, size_t index,
-                     double part_start) {
+                     double part_start, size_t first_pipe) {
   const PartData& part = r.parts[index];
   auto values = [&](Series s) { return SeriesValues(part[s]); };
   const std::vector<std::string> lengths = values(Series::kLengths);
@@ -109,13 +120,12 @@ std::string PartText(const commands::ProfileDataResult& r, size_t index,
   const std::vector<std::string> depths = values(Series::kInvertDepths);
   const std::vector<std::string> sections = values(Series::kSections);
   const std::vector<std::string> slopes = values(Series::kSlopes);
-  const std::vector<std::string> pipes = values(Series::kPipeOIDs);
   const bool metric = r.units == core::kMetric;
 
   std::vector<double> at{0};
   for (const std::string& length : lengths)
-    at.push_back(
-        core::RoundHalfEven(at.back() + core::NumericValue(length), 7));
+    at.push_back(core::RoundHalfEven(at.back() + core::NumericValue(length),
+                                     kDistancePlaces));
   auto station = [&](double distance) {
     return core::FormatNumber(part_start + distance, r.station_pattern);
   };
@@ -133,13 +143,11 @@ std::string PartText(const commands::ProfileDataResult& r, size_t index,
       {"PIPE", "FROM", "TO", "LENGTH", "SIZE", "SLOPE", "INVERT A", "INVERT B",
        "DEPTH A", "DEPTH B"}};
   for (size_t i = 0; i < lengths.size(); ++i) {
-    const size_t global =
-        std::find(r.oids.begin(), r.oids.end(), pipes[i]) - r.oids.begin();
+    const auto section = sections.begin() + kSectionValues * i;
     rows.push_back(
-        {global < r.labels.size() ? r.labels[global] : pipes[i], labels[i],
-         labels[i + 1], Level(lengths[i]),
-         SizeText({sections.begin() + 4 * i, sections.begin() + 4 * i + 4},
-                  metric),
+        {r.labels.at(first_pipe + i), labels[i], labels[i + 1],
+         Level(lengths[i]),
+         SizeText({section[0], section[1], section[2], section[3]}, metric),
          core::FormatNumber(core::NumericValue(slopes[i]) * 100,
                             kSlopePattern) +
              "%",
@@ -169,10 +177,14 @@ std::string Plain(const commands::ProfileDataResult& r) {
   for (const std::string& label : r.labels) out << " " << label;
   out << "\n";
   double part_start = 0;
+  size_t first_pipe = 0;
   for (size_t p = 0; p < r.parts.size(); ++p) {
-    out << "\n" << PartText(r, p, part_start);
-    for (const std::string& length : SeriesValues(r.parts[p][Series::kLengths]))
+    out << "\n" << PartText(r, p, part_start, first_pipe);
+    for (const std::string& length :
+         SeriesValues(r.parts[p][Series::kLengths])) {
       part_start += core::NumericValue(length);
+      ++first_pipe;
+    }
   }
   return out.str();
 }
