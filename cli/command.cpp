@@ -41,9 +41,11 @@ const std::vector<CommandInfo>& Commands() { return Registry(); }
 int Main(const std::vector<std::string>& args, Io& io) {
   if (args.empty() || IsHelp(args[0])) {
     io.out << kOverview;
+    size_t width = 18;
+    for (const auto& c : Commands()) width = std::max(width, c.name.size());
     for (const auto& c : Commands()) {
       io.out << "  " << c.name;
-      for (size_t i = c.name.size(); i < 18; ++i) io.out << ' ';
+      for (size_t i = c.name.size(); i < width; ++i) io.out << ' ';
       io.out << ' ' << c.summary << '\n';
     }
     if (args.empty()) return 2;
@@ -56,36 +58,53 @@ int Main(const std::vector<std::string>& args, Io& io) {
   // The longest registered name that the arguments start with.
   const CommandInfo* command = nullptr;
   size_t words = 0;
+  auto leading_words = [&](size_t n) {
+    std::string joined = args[0];
+    for (size_t i = 1; i < n; ++i) joined += " " + args[i];
+    return joined;
+  };
   for (const auto& c : Commands()) {
-    size_t space = c.name.find(' ');
-    size_t n = space == std::string::npos ? 1 : 2;
+    size_t n = 1 + std::count(c.name.begin(), c.name.end(), ' ');
     if (args.size() < n) continue;
-    std::string joined = n == 1 ? args[0] : args[0] + " " + args[1];
-    if (joined == c.name && n > words) {
+    if (leading_words(n) == c.name && n > words) {
       command = &c;
       words = n;
     }
   }
   if (command == nullptr) {
-    // A group word alone ("style", "network") or with a wrong second word:
-    // list what the group holds.
+    // Group words alone ("style", "profile style") or with a wrong next
+    // word: list what the group holds.
+    std::string prefix;
+    size_t group_words = 0;
+    for (size_t n = 1; n <= args.size(); ++n) {
+      const std::string candidate = leading_words(n) + " ";
+      if (std::none_of(Commands().begin(), Commands().end(),
+                       [&](const CommandInfo& c) {
+                         return c.name.rfind(candidate, 0) == 0;
+                       }))
+        break;
+      prefix = candidate;
+      group_words = n;
+    }
     std::vector<const CommandInfo*> group;
     for (const auto& c : Commands())
-      if (c.name.rfind(args[0] + " ", 0) == 0) group.push_back(&c);
+      if (!prefix.empty() && c.name.rfind(prefix, 0) == 0) group.push_back(&c);
     if (group.empty()) {
       io.err << "kestrana: unknown command '" << args[0]
              << "' (see kestrana --help)\n";
       return 2;
     }
-    bool help = args.size() == 2 && IsHelp(args[1]);
+    const std::string group_name = leading_words(group_words);
+    bool help = args.size() == group_words + 1 && IsHelp(args[group_words]);
     std::ostream& os = help ? io.out : io.err;
     if (!help) {
-      os << "kestrana " << args[0] << ": "
-         << (args.size() < 2 ? std::string("which one?")
-                             : "unknown command '" + args[1] + "'")
+      os << "kestrana " << group_name << ": "
+         << (args.size() <= group_words
+                 ? std::string("which one?")
+                 : "unknown command '" + args[group_words] + "'")
          << '\n';
     }
-    os << "Commands of '" << args[0] << "':\n";
+    os << "Commands of '" << group_name << "':\n";
     size_t width = 0;
     for (const CommandInfo* c : group) width = std::max(width, c->name.size());
     for (const CommandInfo* c : group)
