@@ -41,8 +41,6 @@ const std::vector<CommandInfo>& Commands() { return Registry(); }
 
 namespace {
 
-constexpr size_t kMostWords = 3;  // "profile style list"
-
 // Every piece between separators, empty ones kept.
 std::vector<std::string> Pieces(const std::string& text, char separator) {
   std::vector<std::string> pieces;
@@ -66,7 +64,7 @@ int ListGroup(const std::vector<CommandInfo>& commands,
               const std::vector<std::string>& args, Io& io) {
   std::vector<const CommandInfo*> group;
   size_t words = 0;
-  for (size_t n = 1; n <= args.size() && n < kMostWords; ++n) {
+  for (size_t n = 1; n <= args.size(); ++n) {
     const std::string prefix = Joined(args, n) + " ";
     std::vector<const CommandInfo*> members;
     for (const auto& c : commands)
@@ -134,9 +132,11 @@ int Dispatch(const std::vector<CommandInfo>& commands,
              const std::vector<std::string>& args, Io& io) {
   if (args.empty() || IsHelp(args[0])) {
     io.out << kOverview;
+    size_t width = 18;
+    for (const auto& c : commands) width = std::max(width, c.name.size());
     for (const auto& c : commands) {
       io.out << "  " << c.name;
-      for (size_t i = c.name.size(); i < 18; ++i) io.out << ' ';
+      for (size_t i = c.name.size(); i < width; ++i) io.out << ' ';
       io.out << ' ' << c.summary << '\n';
     }
     if (args.empty()) return 2;

@@ -26,7 +26,7 @@ struct Io {
 };
 
 struct CommandInfo {
-  std::string name;     // one to three words: "info", "network add"
+  std::string name;     // words: "info", "network add", "profile style list"
   std::string summary;  // one line for the command list
   std::string usage;    // the full --help text
   std::function<int(const std::vector<std::string>& args, Io& io)> run;

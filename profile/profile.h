@@ -11,11 +11,14 @@
 #include <string_view>
 #include <vector>
 
+#include "core/text_table.h"
 #include "host/types.h"
+#include "profile/part_data.h"
 #include "types/cross_point.h"
 
 namespace kestrana::host {
 class BlockReference;
+class CivilDocument;
 class Document;
 class Entity;
 class LwPolyline;
@@ -53,6 +56,37 @@ struct ProfileInputs {
   bool stations_on_plan = false;
 };
 
+// The profile definitions array: one row per profile, columns as named.
+using ProfileDefinitions = core::TextTable;
+enum class ProfileDefColumn : int { kName = 0, kNetwork = 1, kOID = 2 };
+inline constexpr int kProfileDefColumns = 3;
+
+// A continuous line of a gravity network: its name and its pipes' IDs, each
+// followed by ";".
+struct GravityLine {
+  std::string name;
+  std::string pipe_oids;
+  friend bool operator==(const GravityLine&, const GravityLine&) = default;
+};
+
+// What a profile shows of one node: label, ground and sump as texts, and
+// the connected-pipe records of its other pipes, each followed by ";".
+struct ProfileNodeData {
+  std::string label;
+  std::string ground;
+  std::string sump;
+  std::string connected_pipes;
+};
+
+// The values at regular stations along a pipe, as ";<distance>;<value>"
+// pairs.
+struct StationSeries {
+  std::string inverts;
+  std::string grounds;
+  std::string invert_depths;
+  std::string cover_depths;
+};
+
 class Profile {
  public:
   // --- Profile styles ------------------------------------------------------
@@ -68,6 +102,143 @@ class Profile {
   // The style marker's ID as text; "" when no style has the name.
   static std::string GetProfileStyleOID(host::Document& document,
                                         std::string_view profile_style_name);
+  // A new style marker carrying the 21 values with their group codes;
+  // answers its ID as text. std::invalid_argument when the lengths differ.
+  static std::string CreateProfileStyle(
+      host::Document& document, const std::vector<std::string>& x_data,
+      const std::vector<int16_t>& x_data_type);
+  // The values when there are exactly 21, else 21 empty texts.
+  static std::vector<std::string> ValidateProfileStyleSettings(
+      const std::vector<std::string>& settings_array);
+  // The style record values from a style file, or nullopt when the file
+  // cannot be read or is not a style file (ReadProfileStyleFile says why).
+  static std::optional<std::vector<std::string>> ImportArProfileSettings(
+      const std::string& file_path);
+  // Takes the marker out of the project's list and erases it.
+  static void DeleteProfileStyle(host::Document& document,
+                                 std::string_view style_point_oid);
+
+  // --- Profile definitions -----------------------------------------------
+  // Rows of (profile name, network, profile block ID); nullopt is the empty
+  // array.
+
+  static ProfileDefinitions AddProfileToProfileDefArray(
+      const std::optional<ProfileDefinitions>& ar_profile_def,
+      std::string_view profile_name, std::string_view profile_network,
+      std::string_view profile_oid);
+  // Names compared ignoring letter case, networks exactly.
+  static bool CheckProfileNameExists(
+      const std::optional<ProfileDefinitions>& ar_profile_def,
+      std::string_view profile_name, std::string_view profile_network);
+  // The block ID of the last row with that name and network (both exact).
+  static std::optional<std::string> GetProfileOIDFromProfileDefArray(
+      const std::optional<ProfileDefinitions>& ar_profile_def,
+      std::string_view profile_name, std::string_view profile_network);
+  // Without the rows of that block; nullopt when no row is left.
+  static std::optional<ProfileDefinitions> DeleteProfileFromProfileDefArray(
+      const std::optional<ProfileDefinitions>& ar_profile_def,
+      std::string_view profile_oid);
+  // Every profile the styles of the drawing list.
+  static std::optional<ProfileDefinitions> GetProfileDefinitionsArray(
+      host::Document& document);
+
+  // --- Choosing the pipes of a profile -----------------------------------
+
+  // Asks for the pipes of the network on screen and for the start point;
+  // nullopt when nothing was selected or the pipes are not one unbranched
+  // run (after the system's message).
+  static std::optional<SortedPipes> SelectPipesForProfile(
+      host::Document& document, std::string_view network_name);
+  // Whether the pipes form one unbranched open chain (one pipe does).
+  static bool CheckProfilePipesConnectivity(host::SelectionSet& set_pipes);
+  // The chain of a set that passes the connectivity test, walked from the
+  // free end nearer to the point.
+  static SortedPipes GetSortedPipesArray(host::Document& document,
+                                         host::SelectionSet& set_pipes,
+                                         const host::Point3& user_point);
+  // Where the lowest invert (direction 0) or the highest (any other
+  // direction) of the pipes lies, the pipes' IDs separated by ";".
+  static host::Point3 GetProfileStartFromDirection(
+      host::Document& document, std::string_view pipes_oid_string,
+      int direction_index);
+  // The continuous lines of a gravity network named after their manholes.
+  static std::vector<GravityLine> GetGravityLineNames(
+      host::Document& document, std::string_view net_name);
+  // "MH-A12" gives "A", "B12" gives "B", "M.H.7" gives "Main".
+  static std::string GetManholeLineName(std::string_view manhole_label);
+
+  // --- Profile data ------------------------------------------------------
+
+  // The 22 series of every part of the chain (see part_data.h). The ground
+  // comes from the nodes' levels, or from the named surface of `aecc_doc`;
+  // InvalidInputError for style settings that cannot be gathered with and
+  // for a place the surface does not cover.
+  static PartsData GetProfilePartsDataArrays(
+      host::Document& document, host::CivilDocument& aecc_doc,
+      std::string_view profile_network,
+      const core::Record& ar_profile_style_settings,
+      const SortedPipes& ar_profile_pipes, bool draw_ground_from_surface,
+      std::string_view ground_surface_name);
+  // One ";<ID>..." series per part; a new part starts where the running
+  // length would pass the maximum of the splitting settings (style item 6).
+  static std::vector<std::string> GetSplitPipesOIDArray(
+      host::Document& document, std::string_view splitting_criteria,
+      std::string_view profile_pipes_oids);
+  // The ";0;1..." directions of every part, in step with its pipes.
+  static std::vector<std::string> GetSplitPipesDirectionArray(
+      std::string_view profile_pipes_directions,
+      const std::vector<std::string>& ar_split_pipes_oid);
+  // The ";<ID>..." of the pipes of every part but one.
+  static std::string GetConnectedOtherPartsPipes(
+      int part_index, const std::vector<std::string>& ar_all_parts_pipes_oid);
+  // Inverts, grounds, invert depths and cover depths at the regular
+  // stations along one pipe, as ";<distance>;<value>" pairs.
+  static StationSeries GetPipeDataAtStationsArray(
+      host::CivilDocument& aecc_doc, const host::LwPolyline& my_pipe,
+      double start_part_distance, double start_profile_distance,
+      int direction_index, double station_interval, double first_ground,
+      double second_ground, double first_invert, double second_invert,
+      bool draw_ground_from_surface, std::string_view ground_surface_name,
+      double rise_in_elevation_units);
+  // ";<distance>;E <x> N <y>" at the places the switches ask for: the
+  // pipe's a end (first pipe of a part only), its b end, its inner vertices
+  // and the regular stations.
+  static std::string GetCoordinatesStringForProfile(
+      const host::LwPolyline& my_pipe, double start_part_distance,
+      double start_profile_distance, int pipe_index_on_part,
+      int direction_index, bool show_coord_at_stations,
+      bool show_coord_at_nodes, bool show_coord_at_vertices,
+      double station_interval);
+  // The crossing pipes of one pipe, from the pipe's own crossing
+  // references, sorted by distance.
+  static std::string GetCrossingStringForProfile(
+      host::Document& document, std::string_view crossing_points_oids,
+      const host::LwPolyline& original_pipe, double start_distance,
+      int direction_index);
+  static std::string SortCrossingPipesString(std::string_view original_string);
+  // Invert at the point, shape index, span, rise, cells of a crossing pipe.
+  static std::string GetCrossingPipeDataForProfile(
+      host::Document& document, std::string_view pipe_oid,
+      const host::Point3& cross_point_coord);
+  // ";<distance>;<ground>" pairs along one pipe.
+  static std::string GetGroundLineStringForProfile(
+      host::CivilDocument& aecc_doc, const host::LwPolyline& my_pipe,
+      bool draw_ground_from_surface, std::string_view ground_surface_name,
+      double first_ground, double second_ground, double start_distance,
+      std::string_view model_units, int direction_index);
+  // Connected-pipe records (five values each, ";" after each) with the
+  // distance put in front of each: ";<distance>;<five values>...".
+  static std::string IncludedDistanceInConnectedPipesString(
+      std::string_view original_string, double distance);
+  static ProfileNodeData GetNodeDataForProfile(
+      host::Document& document, host::CivilDocument& aecc_doc,
+      std::string_view node_oid, bool use_ground_surface,
+      std::string_view ground_surface_name,
+      std::string_view excluded_pipe_oids);
+  // Invert at the node, shape index, span, rise, cells, joined by ";".
+  static std::string GetConnectedPipeDataForProfile(
+      host::Document& document, std::string_view pipe_oid,
+      std::string_view node_label);
 
   // --- Profile records and update flags ----------------------------------
 
