@@ -17,7 +17,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/project.h"
+#include "commands/networks.h"
+#include "commands/project.h"
 #include "core/general.h"
 #include "core/names.h"
 #include "crossing/crossing.h"
@@ -50,9 +51,9 @@ struct Site {
 Site MakeSite(int n) {
   Site site{std::make_unique<kestrana::memhost::MemDocument>(), {}};
   auto& doc = *site.document;
-  kestrana::cli::NewProject(doc, core::kMetric);
-  kestrana::cli::AddNetwork(doc, "Water", core::kPressure);
-  kestrana::cli::AddNetwork(doc, "Sewer", core::kGravity);
+  kestrana::commands::NewProject(doc, {core::kMetric});
+  kestrana::commands::AddNetwork(doc, {"Water", core::kPressure});
+  kestrana::commands::AddNetwork(doc, {"Sewer", core::kGravity});
   // Mains on a grid twice as wide, half a block off the sewers, so that
   // about every fourth sewer is crossed.
   auto mains = kestrana::test::AddDrawnGrid(doc, {.polylines = n / 4,

@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "cli/session.h"
+#include "commands/command.h"
 #include "host/types.h"
 
 namespace kestrana::cli {
@@ -38,12 +39,102 @@ void RegisterCommand(CommandInfo info) {
 
 const std::vector<CommandInfo>& Commands() { return Registry(); }
 
+namespace {
+
+// Every piece between separators, empty ones kept.
+std::vector<std::string> Pieces(const std::string& text, char separator) {
+  std::vector<std::string> pieces;
+  size_t from = 0;
+  for (size_t at; (at = text.find(separator, from)) != std::string::npos;
+       from = at + 1)
+    pieces.push_back(text.substr(from, at - from));
+  pieces.push_back(text.substr(from));
+  return pieces;
+}
+
+std::string Joined(const std::vector<std::string>& args, size_t count) {
+  std::string joined;
+  for (size_t i = 0; i < count; ++i) joined += (i ? " " : "") + args[i];
+  return joined;
+}
+
+// A group ("style", "profile style") alone or with a wrong next word: what
+// the group holds, on stdout when asked for with --help.
+int ListGroup(const std::vector<CommandInfo>& commands,
+              const std::vector<std::string>& args, Io& io) {
+  std::vector<const CommandInfo*> group;
+  size_t words = 0;
+  for (size_t n = 1; n <= args.size(); ++n) {
+    const std::string prefix = Joined(args, n) + " ";
+    std::vector<const CommandInfo*> members;
+    for (const auto& c : commands)
+      if (c.name.rfind(prefix, 0) == 0) members.push_back(&c);
+    if (members.empty()) break;
+    group = std::move(members);
+    words = n;
+  }
+  if (group.empty()) {
+    io.err << "kestrana: unknown command '" << args[0]
+           << "' (see kestrana --help)\n";
+    return 2;
+  }
+  const std::string name = Joined(args, words);
+  const bool help = args.size() == words + 1 && IsHelp(args[words]);
+  std::ostream& os = help ? io.out : io.err;
+  if (!help)
+    os << "kestrana " << name << ": "
+       << (args.size() == words ? std::string("which one?")
+                                : "unknown command '" + args[words] + "'")
+       << '\n';
+  os << "Commands of '" << name << "':\n";
+  size_t width = 0;
+  for (const CommandInfo* c : group) width = std::max(width, c->name.size());
+  for (const CommandInfo* c : group)
+    os << "  " << c->name << std::string(width + 2 - c->name.size(), ' ')
+       << c->summary << '\n';
+  return help ? 0 : 2;
+}
+
+// Runs a command and maps the kind of its failure to the exit code.
+int Run(const CommandInfo& command, const std::vector<std::string>& args,
+        Io& io) {
+  auto fail = [&](const std::exception& e, const std::string& kind, int code) {
+    PrintShownMessages(io.err, e.what());
+    io.err << "kestrana " << command.name << ": " << kind << e.what() << '\n';
+    if (code == 2) io.err << '\n' << command.usage;
+    return code;
+  };
+  try {
+    int code = command.run(args, io);
+    PrintShownMessages(io.err);
+    return code;
+  } catch (const UsageError& e) {
+    return fail(e, "", 2);
+  } catch (const commands::OptionError& e) {
+    return fail(e, "", 2);
+  } catch (const host::HostError& e) {
+    return fail(e, "drawing error: ", 1);
+  } catch (const Error& e) {
+    return fail(e, "", 1);
+  } catch (const std::exception& e) {
+    // A failure of no kind still reaches the user, once, here.
+    return fail(e, "", 1);
+  }
+}
+
+}  // namespace
+
 int Main(const std::vector<std::string>& args, Io& io) {
+  return Dispatch(Commands(), args, io);
+}
+
+int Dispatch(const std::vector<CommandInfo>& commands,
+             const std::vector<std::string>& args, Io& io) {
   if (args.empty() || IsHelp(args[0])) {
     io.out << kOverview;
     size_t width = 18;
-    for (const auto& c : Commands()) width = std::max(width, c.name.size());
-    for (const auto& c : Commands()) {
+    for (const auto& c : commands) width = std::max(width, c.name.size());
+    for (const auto& c : commands) {
       io.out << "  " << c.name;
       for (size_t i = c.name.size(); i < width; ++i) io.out << ' ';
       io.out << ' ' << c.summary << '\n';
@@ -58,88 +149,21 @@ int Main(const std::vector<std::string>& args, Io& io) {
   // The longest registered name that the arguments start with.
   const CommandInfo* command = nullptr;
   size_t words = 0;
-  auto leading_words = [&](size_t n) {
-    std::string joined = args[0];
-    for (size_t i = 1; i < n; ++i) joined += " " + args[i];
-    return joined;
-  };
-  for (const auto& c : Commands()) {
-    size_t n = 1 + std::count(c.name.begin(), c.name.end(), ' ');
-    if (args.size() < n) continue;
-    if (leading_words(n) == c.name && n > words) {
+  for (const auto& c : commands) {
+    const std::vector<std::string> name = Pieces(c.name, ' ');
+    if (name.size() > words && args.size() >= name.size() &&
+        std::equal(name.begin(), name.end(), args.begin())) {
       command = &c;
-      words = n;
+      words = name.size();
     }
   }
-  if (command == nullptr) {
-    // Group words alone ("style", "profile style") or with a wrong next
-    // word: list what the group holds.
-    std::string prefix;
-    size_t group_words = 0;
-    for (size_t n = 1; n <= args.size(); ++n) {
-      const std::string candidate = leading_words(n) + " ";
-      if (std::none_of(Commands().begin(), Commands().end(),
-                       [&](const CommandInfo& c) {
-                         return c.name.rfind(candidate, 0) == 0;
-                       }))
-        break;
-      prefix = candidate;
-      group_words = n;
-    }
-    std::vector<const CommandInfo*> group;
-    for (const auto& c : Commands())
-      if (!prefix.empty() && c.name.rfind(prefix, 0) == 0) group.push_back(&c);
-    if (group.empty()) {
-      io.err << "kestrana: unknown command '" << args[0]
-             << "' (see kestrana --help)\n";
-      return 2;
-    }
-    const std::string group_name = leading_words(group_words);
-    bool help = args.size() == group_words + 1 && IsHelp(args[group_words]);
-    std::ostream& os = help ? io.out : io.err;
-    if (!help) {
-      os << "kestrana " << group_name << ": "
-         << (args.size() <= group_words
-                 ? std::string("which one?")
-                 : "unknown command '" + args[group_words] + "'")
-         << '\n';
-    }
-    os << "Commands of '" << group_name << "':\n";
-    size_t width = 0;
-    for (const CommandInfo* c : group) width = std::max(width, c->name.size());
-    for (const CommandInfo* c : group)
-      os << "  " << c->name << std::string(width + 2 - c->name.size(), ' ')
-         << c->summary << '\n';
-    return help ? 0 : 2;
-  }
+  if (command == nullptr) return ListGroup(commands, args, io);
   std::vector<std::string> rest(args.begin() + words, args.end());
   if (std::any_of(rest.begin(), rest.end(), IsHelp)) {
     io.out << command->usage;
     return 0;
   }
-  try {
-    int code = command->run(rest, io);
-    PrintShownMessages(io.err);
-    return code;
-  } catch (const UsageError& e) {
-    PrintShownMessages(io.err, e.what());
-    io.err << "kestrana " << command->name << ": " << e.what() << "\n\n"
-           << command->usage;
-    return 2;
-  } catch (const CommandError& e) {
-    PrintShownMessages(io.err, e.what());
-    io.err << "kestrana " << command->name << ": " << e.what() << '\n';
-    return 1;
-  } catch (const host::HostError& e) {
-    PrintShownMessages(io.err, e.what());
-    io.err << "kestrana " << command->name << ": drawing error: " << e.what()
-           << '\n';
-    return 1;
-  } catch (const std::exception& e) {
-    PrintShownMessages(io.err, e.what());
-    io.err << "kestrana " << command->name << ": " << e.what() << '\n';
-    return 1;
-  }
+  return Run(*command, rest, io);
 }
 
 Args::Args(const std::vector<std::string>& args, std::set<std::string> flags,
@@ -213,6 +237,22 @@ std::vector<std::string> Args::Names(const std::string& name) const {
   return names;
 }
 
+std::vector<std::string> Args::RequiredNames(const std::string& name) const {
+  Required(name);
+  return Names(name);
+}
+
+std::pair<double, double> Args::RequiredPoint(const std::string& name,
+                                              const std::string& form) const {
+  const std::vector<std::string> xy = SplitAtCommas(Required(name));
+  if (xy.size() != 2) throw UsageError("--" + name + " takes " + form);
+  return {ParseReal(xy[0], "--" + name), ParseReal(xy[1], "--" + name)};
+}
+
+const std::string& Args::Drawing() const {
+  return Positional(0, "the drawing (DRAWING.dxf)");
+}
+
 const std::string& Args::Positional(size_t index,
                                     const std::string& what) const {
   if (index >= positionals_.size()) throw UsageError("missing " + what);
@@ -225,13 +265,8 @@ void Args::ExpectPositionals(size_t count) const {
 }
 
 std::vector<std::string> SplitAtCommas(const std::string& text) {
-  std::vector<std::string> parts;
-  size_t from = 0;
-  for (size_t comma; (comma = text.find(',', from)) != std::string::npos;
-       from = comma + 1)
-    parts.push_back(text.substr(from, comma - from));
-  if (!text.empty()) parts.push_back(text.substr(from));
-  return parts;
+  if (text.empty()) return {};
+  return Pieces(text, ',');
 }
 
 double ParseReal(const std::string& text, const std::string& what) {

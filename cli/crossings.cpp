@@ -1,65 +1,22 @@
-#include "cli/crossings.h"
+// kestrana crossings: the crossing settings of a project, building and
+// listing the crossings.
+#include "commands/crossings.h"
 
-#include <set>
 #include <sstream>
 
 #include "cli/command.h"
-#include "cli/project.h"
-#include "core/filters.h"
-#include "core/general.h"
-#include "core/lists.h"
-#include "core/names.h"
-#include "core/record.h"
-#include "core/references.h"
+#include "cli/session.h"
 #include "core/text.h"
-#include "crossing/crossing.h"
-#include "crossing/crossing_record.h"
-#include "host/host.h"
+#include "memhost/document.h"
 #include "memhost/text_metrics.h"
 
 namespace kestrana::cli {
 
-using core::General;
-using crossing::Crossing;
-using crossing::CrossingAnnoField;
-
 namespace {
 
-constexpr char kInvertCaption[] = "I.L.= ";
-constexpr int kEnabledColumn = 2;
-constexpr char kPairSeparator = ':';
-
-std::pair<std::string, std::string> ParsePair(const std::string& text) {
-  const size_t at = text.find(kPairSeparator);
-  if (at == std::string::npos || at == 0 || at + 1 == text.size() ||
-      text.find(kPairSeparator, at + 1) != std::string::npos)
-    throw UsageError("a network pair is written A:B, not '" + text + "'");
-  return {text.substr(0, at), text.substr(at + 1)};
-}
-
-void RequireNetwork(host::Document& document, const std::string& name) {
-  if (!General::CheckNetworkExists(document, name))
-    throw CommandError("The project has no network named \"" + name + "\"");
-}
-
-// The settings row of a pair, in either order; the pair's networks exist.
-int PairRow(const core::TextTable& table, const std::string& a,
-            const std::string& b) {
-  for (int row = 1; row < table.Rows(); ++row)
-    if ((table(row, 0) == a && table(row, 1) == b) ||
-        (table(row, 0) == b && table(row, 1) == a))
-      return row;
-  throw CommandError("\"" + a + "\" and \"" + b +
-                     "\" are not two networks of the project");
-}
-
-// The value of an attribute text such as "I.L.= 98.123".
-std::optional<double> ShownLevel(const std::string& text) {
-  std::string_view value(text);
-  if (value.rfind(kInvertCaption, 0) == 0)
-    value.remove_prefix(std::string_view(kInvertCaption).size());
-  return core::ParseNumber(value);
-}
+using commands::CrossingListing;
+using commands::CrossingsResult;
+using commands::NetworkPair;
 
 std::string Number(double value) {
   return core::FormatNumber(core::RoundHalfEven(value, 3), "0.000");
@@ -73,143 +30,14 @@ std::string JsonNumber(const std::optional<double>& value) {
   return value ? core::GeneralText(*value) : "null";
 }
 
-bool ChangesDrawing(const CrossingsOptions& o) {
-  return o.threshold || !o.enable.empty() || !o.disable.empty() || o.build ||
-         o.apply || o.reset_locations;
-}
-
-void Summarize(host::Document& document, CrossingsResult& result, bool list) {
-  core::TextTable settings = Crossing::GetCrossingSettings(document);
-  result.threshold = settings(0, 0);
-  for (int row = 1; row < settings.Rows(); ++row)
-    result.pairs.push_back({settings(row, 0), settings(row, 1),
-                            settings(row, kEnabledColumn) == "1"});
-  std::vector<CrossingListing> crossings = ListCrossings(document);
-  result.annotations = static_cast<int>(crossings.size());
-  for (const CrossingListing& c : crossings) result.shown += c.shown;
-  if (list) result.crossings = std::move(crossings);
-}
-
-}  // namespace
-
-void ChangeCrossingSettings(host::Document& document,
-                            const std::optional<std::string>& threshold,
-                            const std::vector<std::string>& enable,
-                            const std::vector<std::string>& disable) {
-  core::TextTable settings = Crossing::GetCrossingSettings(document);
-  if (threshold) {
-    std::optional<double> value = core::ParseNumber(*threshold);
-    if (!value)
-      throw UsageError("--threshold: '" + *threshold + "' is not a number");
-    settings(0, 0) = core::GeneralText(*value);
-  }
-  auto row_of = [&](const std::string& text) {
-    auto [a, b] = ParsePair(text);
-    RequireNetwork(document, a);
-    RequireNetwork(document, b);
-    return PairRow(settings, a, b);
-  };
-  std::set<int> enabled_rows;
-  for (const std::string& text : enable) {
-    const int row = row_of(text);
-    enabled_rows.insert(row);
-    settings(row, kEnabledColumn) = "1";
-  }
-  for (const std::string& text : disable) {
-    const int row = row_of(text);
-    if (enabled_rows.contains(row))
-      throw UsageError("the pair " + text + " is both enabled and disabled");
-    settings(row, kEnabledColumn) = "";
-  }
-  Crossing::SetCrossingSettings(document, settings);
-}
-
-int BuildAllCrossings(host::Document& document) {
-  const int before =
-      Crossing::GetExistingCrossingPointsSet(document, "").Count();
-  std::vector<std::string> locked = General::UnlockAllLayers(document);
-  host::SelectionSet& pipes =
-      General::InitializeSelectionSet(document, "SetPipesForCrossing");
-  pipes.Select(host::SelectMode::kAll, {}, {}, core::AllPipesFilter());
-  Crossing::BuildCrossingPointsAfterImporting(document, pipes,
-                                              General::GetModelUnits(document));
-  General::RestoreLockedLayers(document, locked);
-  return Crossing::GetExistingCrossingPointsSet(document, "").Count() - before;
-}
-
-void ApplySettingsToAllCrossings(host::Document& document,
-                                 bool reset_locations) {
-  std::vector<std::string> locked = General::UnlockAllLayers(document);
-  Crossing::ApplyCrossingSettings(
-      document, Crossing::GetExistingCrossingPointsSet(document, ""),
-      reset_locations);
-  General::RestoreLockedLayers(document, locked);
-}
-
-std::vector<CrossingListing> ListCrossings(host::Document& document) {
-  std::vector<CrossingListing> crossings;
-  for (host::Entity* entity :
-       Crossing::GetExistingCrossingPointsSet(document, "").Entities()) {
-    core::Record record = core::ReadRecordWithFields(
-        *entity, crossing::kCrossingAnnoRecordLength, "crossing annotation");
-    auto first_value = [&](CrossingAnnoField field) {
-      std::vector<std::string> values =
-          core::ReferenceValues(record.Text(field));
-      return values.empty() ? std::string() : values.front();
-    };
-    CrossingListing c;
-    c.network1 = record.Text(CrossingAnnoField::kPipe1Net);
-    c.network2 = record.Text(CrossingAnnoField::kPipe2Net);
-    c.label1 = first_value(CrossingAnnoField::kPipe1LabelRef);
-    c.label2 = first_value(CrossingAnnoField::kPipe2LabelRef);
-    c.size1 = record.Text(CrossingAnnoField::kPipe1SizeString);
-    c.size2 = record.Text(CrossingAnnoField::kPipe2SizeString);
-    c.clearance = record.Number(CrossingAnnoField::kClearance);
-    std::vector<std::string> point =
-        core::Split(record.Text(CrossingAnnoField::kPoint));
-    point.resize(2);
-    c.easting = core::NumericValue(point[0]);
-    c.northing = core::NumericValue(point[1]);
-    c.shown = entity->Visible();
-    std::vector<host::AttributeReference*> attributes =
-        host::As<host::BlockReference>(*entity).GetAttributes();
-    auto shown_level = [&](crossing::CrossingAttribute a) {
-      const size_t i = static_cast<size_t>(a);
-      return i < attributes.size() ? ShownLevel(attributes[i]->TextString())
-                                   : std::nullopt;
-    };
-    c.invert1 = shown_level(crossing::CrossingAttribute::kPipe1Invert);
-    c.invert2 = shown_level(crossing::CrossingAttribute::kPipe2Invert);
-    crossings.push_back(std::move(c));
-  }
-  return crossings;
-}
-
-CrossingsResult Crossings(const CrossingsOptions& options) {
-  CrossingsResult result;
-  if (!ChangesDrawing(options)) {
-    Summarize(*OpenProjectDrawing(options.drawing), result, options.list);
-    return result;
-  }
-  EditProjectDrawing(
-      options.drawing, options.output, [&](memhost::MemDocument& document) {
-        ChangeCrossingSettings(document, options.threshold, options.enable,
-                               options.disable);
-        if (options.build) result.drawn = BuildAllCrossings(document);
-        ApplySettingsToAllCrossings(document, options.reset_locations);
-        Summarize(document, result, options.list);
-      });
-  result.written = options.output.value_or(options.drawing);
-  return result;
-}
-
-std::string CrossingsText(const CrossingsResult& r) {
+std::string CrossingsText(const CrossingsResult& r,
+                          const std::optional<std::string>& written) {
   std::ostringstream out;
-  if (!r.written.empty()) {
+  if (written) {
     if (r.drawn > 0)
       out << "drew " << r.drawn << " new crossing annotation"
           << (r.drawn == 1 ? "" : "s") << "\n";
-    out << "wrote " << r.written << "\n";
+    out << "wrote " << *written << "\n";
   }
   const double threshold = core::NumericValue(r.threshold);
   out << "threshold: " << (r.threshold.empty() ? "(none)" : r.threshold)
@@ -235,7 +63,8 @@ std::string CrossingsText(const CrossingsResult& r) {
   return out.str();
 }
 
-std::string CrossingsJson(const CrossingsResult& r) {
+std::string CrossingsJson(const CrossingsResult& r,
+                          const std::optional<std::string>& written) {
   std::ostringstream out;
   out << "{\"threshold\": " << JsonString(r.threshold) << ", \"pairs\": [";
   for (size_t i = 0; i < r.pairs.size(); ++i)
@@ -244,7 +73,7 @@ std::string CrossingsJson(const CrossingsResult& r) {
         << "], \"enabled\": " << (r.pairs[i].enabled ? "true" : "false") << "}";
   out << "], \"annotations\": " << r.annotations << ", \"shown\": " << r.shown
       << ", \"drawn\": " << r.drawn;
-  if (!r.written.empty()) out << ", \"written\": " << JsonString(r.written);
+  if (written) out << ", \"written\": " << JsonString(*written);
   out << ", \"crossings\": [";
   for (size_t i = 0; i < r.crossings.size(); ++i) {
     const CrossingListing& c = r.crossings[i];
@@ -266,15 +95,12 @@ std::string CrossingsJson(const CrossingsResult& r) {
   return out.str();
 }
 
-namespace {
-
 int Run(const std::vector<std::string>& args, Io& io) {
   Args a(args, {"build", "apply", "reset-locations", "list", "json"},
          {"threshold", "enable", "disable", "output"});
   a.ExpectPositionals(1);
-  CrossingsOptions options;
-  options.drawing = a.Positional(0, "the drawing (DRAWING.dxf)");
-  options.output = a.Option("output");
+  a.Drawing();
+  commands::CrossingsOptions options;
   options.threshold = a.Option("threshold");
   options.enable = a.Options("enable");
   options.disable = a.Options("disable");
@@ -282,8 +108,10 @@ int Run(const std::vector<std::string>& args, Io& io) {
   options.apply = a.Flag("apply");
   options.reset_locations = a.Flag("reset-locations");
   options.list = a.Flag("list");
-  CrossingsResult result = Crossings(options);
-  io.out << (a.Flag("json") ? CrossingsJson(result) : CrossingsText(result));
+  const auto [result, written] =
+      ReadOrEditProject(a, options.Changes(), commands::Crossings, options);
+  io.out << (a.Json() ? CrossingsJson(result, written)
+                      : CrossingsText(result, written));
   return 0;
 }
 

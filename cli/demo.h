@@ -22,7 +22,7 @@ struct DemoResult {
   std::string report;  // the report's text
 };
 
-// The folder holding the bundled example; CommandError when there is none.
+// The folder holding the bundled example; NotFoundError when there is none.
 std::string FindExampleDir();
 
 DemoResult RunDemo(const DemoOptions& options);

@@ -1,98 +1,26 @@
 // kestrana erase: erasing network elements and what hangs on them, with the
 // records of everything that stays repaired, as the add-on's reactions do
 // when a user erases in the editor.
-#include <optional>
-#include <set>
-#include <string>
-#include <vector>
+#include <ostream>
 
 #include "cli/command.h"
-#include "cli/editing_support.h"
-#include "cli/project.h"
-#include "core/general.h"
-#include "events/events.h"
-#include "host/host.h"
+#include "cli/session.h"
+#include "commands/copy_erase.h"
 #include "memhost/document.h"
 
 namespace kestrana::cli {
 
 namespace {
 
-using core::General;
-
-struct EraseOptions {
-  std::string drawing;
-  std::optional<std::string> output;
-  std::optional<std::string> network;
-  std::vector<std::string> pipes, nodes, handles;
-};
-
-struct EraseResult {
-  std::string written;
-  int chosen = 0;  // what the user named
-  int erased = 0;  // with what went along
-};
-
-std::vector<host::Entity*> Chosen(memhost::MemDocument& document,
-                                  const EraseOptions& options) {
-  std::vector<host::Entity*> chosen;
-  if (!options.pipes.empty() || !options.nodes.empty()) {
-    if (!options.network)
-      throw UsageError("--pipes and --nodes need the --network they are in");
-    RequireNetwork(document, *options.network);
-    for (const std::string& label : options.pipes)
-      chosen.push_back(
-          &FindElement(document, *options.network, ElementKind::kPipe, label));
-    for (const std::string& label : options.nodes)
-      chosen.push_back(
-          &FindElement(document, *options.network, ElementKind::kNode, label));
-  }
-  for (const std::string& handle : options.handles) {
-    host::Entity* entity = nullptr;
-    try {
-      entity = dynamic_cast<host::Entity*>(&document.HandleToObject(handle));
-    } catch (const host::HostError&) {
-    }
-    if (entity == nullptr)
-      throw CommandError("no entity of the drawing has the handle \"" + handle +
-                         "\"");
-    chosen.push_back(entity);
-  }
-  if (chosen.empty())
-    throw UsageError("name what to erase with --pipes, --nodes or --handles");
-  return chosen;
-}
-
-EraseResult EraseInDocument(memhost::MemDocument& document,
-                            const EraseOptions& options) {
-  std::vector<host::Entity*> chosen = Chosen(document, options);
-  const std::vector<std::string> locked = General::UnlockAllLayers(document);
-  EraseResult result;
-  result.chosen = static_cast<int>(
-      std::set<host::Entity*>(chosen.begin(), chosen.end()).size());
-  result.erased = events::EraseWithReactions(document, chosen);
-  General::RestoreLockedLayers(document, locked);
-  return result;
-}
-
 int Run(const std::vector<std::string>& args, Io& io) {
   Args a(args, {}, {"network", "pipes", "nodes", "handles", "output"});
   a.ExpectPositionals(1);
-  EraseOptions options;
-  options.drawing = a.Positional(0, "the drawing (DRAWING.dxf)");
-  options.output = a.Option("output");
-  options.network = a.Option("network");
-  options.pipes = a.Names("pipes");
-  options.nodes = a.Names("nodes");
-  options.handles = a.Names("handles");
-  EraseResult result;
-  EditProjectDrawing(options.drawing, options.output,
-                     [&](memhost::MemDocument& document) {
-                       result = EraseInDocument(document, options);
-                     });
-  io.out << "erased " << result.chosen << " chosen and "
-         << result.erased - result.chosen << " dependent objects\nwrote "
-         << options.output.value_or(options.drawing) << "\n";
+  a.Drawing();
+  const commands::EraseOptions options{a.Option("network"), a.Names("pipes"),
+                                       a.Names("nodes"), a.Names("handles")};
+  const commands::EraseResult r = EditProject(a, commands::Erase, options);
+  io.out << "erased " << r.chosen << " chosen and " << r.erased - r.chosen
+         << " dependent objects\nwrote " << a.Written() << "\n";
   return 0;
 }
 

@@ -4,17 +4,12 @@
 #include <sstream>
 
 #include "cli/command.h"
-#include "cli/project.h"
-#include "cli/styles.h"
-#include "library/library.h"
+#include "cli/session.h"
+#include "commands/library.h"
 
 namespace kestrana::cli {
 
 namespace {
-
-using library::Library;
-namespace materials_column = library::materials_column;
-namespace sizes_column = library::sizes_column;
 
 // Columns padded to their widest cell; the header is the first row.
 std::string Table(const std::vector<std::vector<std::string>>& rows) {
@@ -36,77 +31,55 @@ std::string Table(const std::vector<std::vector<std::string>>& rows) {
   return out.str();
 }
 
-}  // namespace
-
-std::string MaterialsListing(host::Document& document, bool json) {
-  core::TextTable materials = Library::GetMaterialsArray(document);
+std::string MaterialsListing(const std::vector<commands::MaterialUse>& uses,
+                             bool json) {
   std::ostringstream out;
   if (json) {
     out << "[";
-    for (int r = 0; r < materials.Rows(); ++r)
-      out << (r ? ",\n " : "")
-          << "{\"name\": " << JsonString(materials(r, materials_column::kName))
-          << ", \"count\": "
-          << JsonString(materials(r, materials_column::kCount)) << "}";
+    for (size_t i = 0; i < uses.size(); ++i)
+      out << (i ? ",\n " : "") << "{\"name\": " << JsonString(uses[i].name)
+          << ", \"count\": " << JsonString(uses[i].count) << "}";
     out << "]\n";
     return out.str();
   }
   std::vector<std::vector<std::string>> rows = {{"MATERIAL", "PIPES"}};
-  for (int r = 0; r < materials.Rows(); ++r)
-    rows.push_back({materials(r, materials_column::kName),
-                    materials(r, materials_column::kCount)});
+  for (const commands::MaterialUse& use : uses)
+    rows.push_back({use.name, use.count});
   return Table(rows);
 }
 
-std::string SizesListing(host::Document& document,
-                         const std::optional<std::string>& shape, bool json) {
-  if (shape && *shape != library::kCircular && *shape != library::kBox)
-    throw UsageError("--shape must be Circular or Box, not '" + *shape + "'");
-  std::vector<std::string> shapes;
-  if (shape)
-    shapes.push_back(*shape);
-  else
-    shapes = {library::kCircular, library::kBox};
+std::string SizesListing(const std::vector<commands::SizeUse>& uses,
+                         bool json) {
+  std::ostringstream out;
+  if (json) {
+    out << "[";
+    for (size_t i = 0; i < uses.size(); ++i)
+      out << (i ? ",\n " : "") << "{\"shape\": " << JsonString(uses[i].shape)
+          << ", \"size\": " << JsonString(uses[i].size)
+          << ", \"count\": " << JsonString(uses[i].count)
+          << ", \"area\": " << JsonString(uses[i].area) << "}";
+    out << "]\n";
+    return out.str();
+  }
   std::vector<std::vector<std::string>> rows = {
       {"SHAPE", "SIZE", "PIPES", "AREA"}};
-  std::ostringstream out;
-  out << "[";
-  bool first = true;
-  for (const std::string& s : shapes) {
-    core::TextTable sizes = Library::GetSizesArray(document, s);
-    for (int r = 0; r < sizes.Rows(); ++r) {
-      const std::string& size = sizes(r, sizes_column::kSize);
-      const std::string& count = sizes(r, sizes_column::kCount);
-      const std::string& area = sizes(r, sizes_column::kArea);
-      rows.push_back({s, size, count, area});
-      out << (first ? "" : ",\n ") << "{\"shape\": " << JsonString(s)
-          << ", \"size\": " << JsonString(size)
-          << ", \"count\": " << JsonString(count)
-          << ", \"area\": " << JsonString(area) << "}";
-      first = false;
-    }
-  }
-  out << "]\n";
-  return json ? out.str() : Table(rows);
+  for (const commands::SizeUse& use : uses)
+    rows.push_back({use.shape, use.size, use.count, use.area});
+  return Table(rows);
 }
-
-std::string LibraryList(const LibraryListOptions& options) {
-  auto document = OpenProjectDrawing(options.drawing);
-  if (!options.sizes) {
-    if (options.shape)
-      throw UsageError("--shape belongs to `kestrana library sizes`");
-    return MaterialsListing(*document, options.json);
-  }
-  return SizesListing(*document, options.shape, options.json);
-}
-
-namespace {
 
 int Run(const std::vector<std::string>& args, Io& io, bool sizes) {
   Args a(args, {"json"}, {"shape"});
   a.ExpectPositionals(1);
-  io.out << LibraryList({a.Positional(0, "the drawing (DRAWING.dxf)"), sizes,
-                         a.Option("shape"), a.Flag("json")});
+  auto document = OpenProjectDrawing(a.Drawing());
+  if (!sizes) {
+    if (a.Option("shape"))
+      throw UsageError("--shape belongs to `kestrana library sizes`");
+    io.out << MaterialsListing(commands::ListMaterials(*document), a.Json());
+    return 0;
+  }
+  io.out << SizesListing(commands::ListSizes(*document, {a.Option("shape")}),
+                         a.Json());
   return 0;
 }
 

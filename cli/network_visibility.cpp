@@ -1,41 +1,23 @@
 // kestrana network show|hide: a network's elements and annotations on or
 // off, kept in the project's visibility text.
 #include "cli/command.h"
-#include "cli/project.h"
-#include "cli/styles.h"
-#include "core/general.h"
-#include "viewstyle/project_styles.h"
+#include "cli/session.h"
+#include "commands/networks.h"
+#include "memhost/document.h"
 
 namespace kestrana::cli {
-
-void SetNetworkShown(host::Document& document, const std::string& network,
-                     bool shown) {
-  if (!core::General::CheckNetworkExists(document, network))
-    throw CommandError("There is no network named \"" + network + "\"");
-  std::vector<std::string> locked = core::General::UnlockAllLayers(document);
-  viewstyle::SetNetworkVisibility(document, network, shown);
-  core::General::RestoreLockedLayers(document, locked);
-}
-
-std::string NetworkVisibility(const NetworkVisibilityOptions& options) {
-  EditProjectDrawing(options.drawing, options.output,
-                     [&](memhost::MemDocument& document) {
-                       SetNetworkShown(document, options.name, options.shown);
-                     });
-  return options.output.value_or(options.drawing);
-}
 
 namespace {
 
 int Run(const std::vector<std::string>& args, Io& io, bool shown) {
   Args a(args, {}, {"output"});
   a.ExpectPositionals(2);
-  NetworkVisibilityOptions options{a.Positional(0, "the drawing (DRAWING.dxf)"),
-                                   a.Option("output"),
-                                   a.Positional(1, "the network name"), shown};
-  std::string written = NetworkVisibility(options);
+  a.Drawing();
+  const commands::NetworkShownOptions options{
+      a.Positional(1, "the network name"), shown};
+  EditProject(a, commands::SetNetworkShown, options);
   io.out << "network \"" << options.name << "\" is "
-         << (shown ? "shown" : "hidden") << " in " << written << "\n";
+         << (shown ? "shown" : "hidden") << " in " << a.Written() << "\n";
   return 0;
 }
 

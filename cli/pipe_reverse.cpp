@@ -1,42 +1,26 @@
 // kestrana pipe reverse: pipes turned round, as a user does with sewers drawn
 // against the flow.
-#include <optional>
 #include <ostream>
-#include <string>
-#include <vector>
 
 #include "cli/command.h"
-#include "cli/editing_support.h"
-#include "cli/project.h"
-#include "core/general.h"
-#include "editing/editing.h"
-#include "host/host.h"
+#include "cli/session.h"
+#include "commands/pipes.h"
 #include "memhost/document.h"
 
 namespace kestrana::cli {
 
 namespace {
 
-void ReverseInDocument(memhost::MemDocument& document,
-                       const PipeLabelsOptions& options) {
-  AnswerWithPipes(document, options);
-  host::SelectionSet& pipes = editing::Editing::GetPipesToReverse(document);
-  const std::vector<std::string> locked =
-      core::General::UnlockAllLayers(document);
-  editing::Editing::ReverseSelectedPipes(document, pipes);
-  core::General::RestoreLockedLayers(document, locked);
-}
-
 int Run(const std::vector<std::string>& args, Io& io) {
-  const PipeLabelsOptions options = ParsePipeLabels(args);
-  EditProjectDrawing(options.drawing, options.output,
-                     [&](memhost::MemDocument& document) {
-                       ReverseInDocument(document, options);
-                     });
-  io.out << "reversed " << options.labels.size()
-         << (options.labels.size() == 1 ? " pipe" : " pipes") << " of "
-         << options.network << "\nwrote "
-         << options.output.value_or(options.drawing) << "\n";
+  Args a(args, {}, {"network", "labels", "output"});
+  a.ExpectPositionals(1);
+  a.Drawing();
+  const commands::ReverseOptions options{a.Network(),
+                                         a.RequiredNames("labels")};
+  const commands::ReverseResult r =
+      EditProject(a, commands::ReversePipes, options);
+  io.out << "reversed " << r.pipes << (r.pipes == 1 ? " pipe" : " pipes")
+         << " of " << options.network << "\nwrote " << a.Written() << "\n";
   return 0;
 }
 

@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "cli/command.h"
-#include "cli/project.h"
+#include "cli/session.h"
 #include "core/names.h"
 #include "core/text.h"
 #include "host/errors.h"

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "cli/command.h"
-#include "cli/project.h"
+#include "cli/session.h"
 
 namespace kestrana::cli {
 

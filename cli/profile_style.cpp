@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "cli/command.h"
-#include "cli/project.h"
+#include "cli/session.h"
 #include "core/text.h"
 #include "dxf/io.h"
 #include "profile/profile_style_file.h"

@@ -6,104 +6,14 @@
 #include "cli/command.h"
 #include "cli/info.h"
 #include "cli/session.h"
-#include "core/general.h"
-#include "core/lists.h"
-#include "core/names.h"
-#include "core/project_record.h"
-#include "core/text.h"
+#include "commands/networks.h"
+#include "commands/project.h"
 #include "dxf/io.h"
-#include "host/host.h"
-#include "library/library.h"
-#include "oids/update_oids.h"
-#include "viewstyle/view_style.h"
+#include "memhost/document.h"
 
 namespace kestrana::cli {
 
-using core::General;
-
-void RequireProject(host::Document& document) {
-  std::optional<core::Record> record = core::FindProjectRecord(document);
-  if (!record) throw CommandError(core::kNoProjectMessage);
-  std::string version = record->Text(core::ProjectField::kProjectVersion);
-  if (!General::VerfiyVersionKestranaCompatibility(document))
-    throw CommandError(core::NewerProjectMessage(version));
-}
-
-namespace {
-// A drawing saved in a CAD session stores that session's IDs; they are
-// renewed before anything follows a link.
-void RequireCurrentProject(host::Document& document) {
-  RequireProject(document);
-  if (oids::UpdateOIDs::StoredIdsAreStale(document))
-    oids::UpdateOIDs::UpdateObjectIDs(document);
-}
-}  // namespace
-
-std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
-    const std::string& path) {
-  std::unique_ptr<memhost::MemDocument> document =
-      dxf::LoadDrawing(path, CommandLoadOptions());
-  RequireCurrentProject(*document);
-  return document;
-}
-
-void EditProjectDrawing(
-    const std::string& input, const std::optional<std::string>& output,
-    const std::function<void(memhost::MemDocument&)>& change) {
-  dxf::EditDrawing(
-      input, output,
-      [&](memhost::MemDocument& document) {
-        RequireCurrentProject(document);
-        change(document);
-      },
-      CommandLoadOptions());
-}
-
-core::ProjectMarkers NewProject(host::Document& document,
-                                const std::string& units) {
-  if (units != core::kMetric && units != core::kUS)
-    throw UsageError("--units must be Metric or US, not '" + units + "'");
-  if (core::FindProjectRecord(document))
-    throw CommandError(core::kProjectExistsMessage);
-  // Markers go on layer "0", which may be locked.
-  std::vector<std::string> locked = General::UnlockAllLayers(document);
-  core::ProjectMarkers markers = core::CreateProjectRecord(document, units);
-  library::LibraryMarkers libraries =
-      library::Library::CreateLibraries(document);
-  markers.materials = libraries.materials;
-  markers.sizes = libraries.sizes;
-  markers.view_style = viewstyle::ViewStyle::CreateViewStyle(
-      document, viewstyle::StandardViewStyle(units == core::kMetric));
-  General::RestoreLockedLayers(document, locked);
-  return markers;
-}
-
-void AddNetwork(host::Document& document, const std::string& name,
-                const std::string& type) {
-  if (type != core::kGravity && type != core::kPressure)
-    throw UsageError("--type must be Gravity or Pressure, not '" + type + "'");
-  if (name.empty()) throw UsageError("the network name is empty");
-  if (General::CheckTextForBannedCharacters(name, 1))
-    throw CommandError("The network name \"" + name +
-                       "\" contains a character that names cannot hold "
-                       "(: ; \" / \\ > < * | ? , =)");
-  if (General::CheckNetworkExists(document, name))
-    throw CommandError("A network named \"" + name + "\" already exists");
-  General::CreateNetworkDefintion(document, name, type);
-}
-
-std::vector<NetworkInfo> ListNetworks(host::Document& document) {
-  core::TextTable table = General::GetNetworkDefinitions(document);
-  std::vector<NetworkInfo> networks;
-  for (int row = 0; row < table.Rows(); ++row) {
-    if (table(row, 0).empty()) continue;
-    NetworkInfo info{table(row, 0), table(row, 1)};
-    info.pipes = General::GetNetworkSet(document, info.name, 1).Count();
-    info.nodes = General::GetNetworkSet(document, info.name, 2).Count();
-    networks.push_back(info);
-  }
-  return networks;
-}
+using commands::NetworkInfo;
 
 std::string NetworksJson(const std::vector<NetworkInfo>& networks) {
   std::ostringstream out;
@@ -133,69 +43,39 @@ std::string NetworksTable(const std::vector<NetworkInfo>& networks) {
   return out.str();
 }
 
-NewResult New(const NewOptions& options) {
-  NewResult result;
-  result.written = options.output.value_or(options.drawing);
-  std::error_code error;
-  if (std::filesystem::exists(options.drawing, error)) {
-    dxf::EditDrawing(options.drawing, options.output,
-                     [&](memhost::MemDocument& document) {
-                       result.markers = NewProject(document, options.units);
-                     });
-    return result;
-  }
-  memhost::MemDocument document;
-  result.markers = NewProject(document, options.units);
-  dxf::SaveDrawing(document, result.written);
-  result.new_drawing = true;
-  return result;
-}
-
-std::string NetworkAdd(const NetworkAddOptions& options) {
-  EditProjectDrawing(options.drawing, options.output,
-                     [&](memhost::MemDocument& document) {
-                       AddNetwork(document, options.name, options.type);
-                     });
-  return options.output.value_or(options.drawing);
-}
-
-std::string NetworkDelete(const NetworkDeleteOptions& options) {
-  EditProjectDrawing(options.drawing, options.output,
-                     [&](memhost::MemDocument& document) {
-                       if (!General::CheckNetworkExists(document, options.name))
-                         throw CommandError("There is no network named \"" +
-                                            options.name + "\"");
-                       General::DeleteNetwork(document, options.name);
-                     });
-  return options.output.value_or(options.drawing);
-}
-
-std::vector<NetworkInfo> NetworkList(const NetworkListOptions& options) {
-  return ListNetworks(*OpenProjectDrawing(options.drawing));
-}
-
 namespace {
 
 int RunNew(const std::vector<std::string>& args, Io& io) {
   Args a(args, {}, {"units", "output"});
   a.ExpectPositionals(1);
-  NewOptions options{a.Positional(0, "the drawing (DRAWING.dxf)"),
-                     a.Option("output"), a.Option("units").value_or("Metric")};
-  NewResult result = New(options);
-  io.out << (result.new_drawing ? "created " : "started a project in ")
-         << result.written << " (" << options.units << ")\n";
+  const std::string& drawing = a.Drawing();
+  const commands::NewProjectOptions options{
+      a.Option("units").value_or("Metric")};
+  std::error_code error;
+  const bool exists = std::filesystem::exists(drawing, error);
+  if (exists) {
+    dxf::EditDrawing(drawing, a.Output(), [&](memhost::MemDocument& document) {
+      commands::NewProject(document, options);
+    });
+  } else {
+    memhost::MemDocument document;
+    commands::NewProject(document, options);
+    dxf::SaveDrawing(document, a.Written());
+  }
+  io.out << (exists ? "started a project in " : "created ") << a.Written()
+         << " (" << options.units << ")\n";
   return 0;
 }
 
 int RunNetworkAdd(const std::vector<std::string>& args, Io& io) {
   Args a(args, {}, {"type", "output"});
   a.ExpectPositionals(2);
-  NetworkAddOptions options{
-      a.Positional(0, "the drawing (DRAWING.dxf)"), a.Option("output"),
-      a.Positional(1, "the network name"), a.Required("type")};
-  std::string written = NetworkAdd(options);
+  a.Drawing();
+  const commands::AddNetworkOptions options{a.Positional(1, "the network name"),
+                                            a.Required("type")};
+  EditProject(a, commands::AddNetwork, options);
   io.out << "added " << options.type << " network \"" << options.name
-         << "\" to " << written << "\n";
+         << "\" to " << a.Written() << "\n";
   return 0;
 }
 
@@ -203,8 +83,37 @@ int RunNetworkList(const std::vector<std::string>& args, Io& io) {
   Args a(args, {"json"}, {});
   a.ExpectPositionals(1);
   std::vector<NetworkInfo> networks =
-      NetworkList({a.Positional(0, "the drawing (DRAWING.dxf)")});
-  io.out << (a.Flag("json") ? NetworksJson(networks) : NetworksTable(networks));
+      commands::ListNetworks(*OpenProjectDrawing(a.Drawing()));
+  io.out << (a.Json() ? NetworksJson(networks) : NetworksTable(networks));
+  return 0;
+}
+
+int RunNetworkDelete(const std::vector<std::string>& args, Io& io) {
+  Args a(args, {}, {"output"});
+  a.ExpectPositionals(2);
+  a.Drawing();
+  const commands::DeleteNetworkOptions options{
+      a.Positional(1, "the network name")};
+  EditProject(a, commands::DeleteNetwork, options);
+  io.out << "deleted network \"" << options.name << "\" from " << a.Written()
+         << "\n";
+  return 0;
+}
+
+int RunRenewIds(const std::vector<std::string>& args, Io& io) {
+  Args a(args, {}, {"output"});
+  a.ExpectPositionals(1);
+  commands::RenewIdsResult r;
+  dxf::EditDrawing(
+      a.Drawing(), a.Output(),
+      [&](memhost::MemDocument& document) { r = commands::RenewIds(document); },
+      CommandLoadOptions());
+  if (r.records == 0)
+    io.out << "every stored object ID was current\n";
+  else
+    io.out << "renewed the object IDs of " << r.records
+           << (r.records == 1 ? " record" : " records") << "\n";
+  io.out << "wrote " << a.Written() << "\n";
   return 0;
 }
 
@@ -235,18 +144,6 @@ Registrar network_add_command(
      "  -o, --output OUT          write to OUT instead of DRAWING\n",
      RunNetworkAdd});
 
-int RunNetworkDelete(const std::vector<std::string>& args, Io& io) {
-  Args a(args, {}, {"output"});
-  a.ExpectPositionals(2);
-  NetworkDeleteOptions options{a.Positional(0, "the drawing (DRAWING.dxf)"),
-                               a.Option("output"),
-                               a.Positional(1, "the network name")};
-  std::string written = NetworkDelete(options);
-  io.out << "deleted network \"" << options.name << "\" from " << written
-         << "\n";
-  return 0;
-}
-
 Registrar network_delete_command(
     {"network delete", "remove a network with everything that belongs to it",
      "Usage: kestrana network delete DRAWING NAME [-o OUT]\n\n"
@@ -267,30 +164,37 @@ Registrar network_list_command(
      "  --json   print a JSON array instead of a table\n",
      RunNetworkList});
 
+Registrar renew_ids_command(
+    {"renew-ids", "rebuild stored object IDs from their labels",
+     "Usage: kestrana renew-ids DRAWING [-o OUT]\n\n"
+     "Records link objects by object IDs, which a CAD session hands out\n"
+     "afresh each time it opens a drawing; every ID list has a partner\n"
+     "list of labels. This rebuilds every stored ID of the project from\n"
+     "those labels and the objects' current IDs, drops references whose\n"
+     "labels name nothing, and puts the current marker IDs into the\n"
+     "project record. Every command does this by itself when it finds the\n"
+     "stored IDs are another session's; this command does it always.\n\n"
+     "  -o, --output OUT   write to OUT instead of DRAWING\n",
+     RunRenewIds});
+
 // `kestrana info` shows the project too.
-InfoSectionRegistrar project_info([](memhost::MemDocument& document)
-                                      -> std::optional<InfoSection> {
-  std::optional<core::Record> record = core::FindProjectRecord(document);
-  if (!record) return std::nullopt;
-  InfoSection section{"kestrana project", {}};
-  auto text = [&](core::ProjectField field) {
-    return record->Has(field) ? record->Text(field) : "";
-  };
-  section.fields.push_back(
-      {"version", text(core::ProjectField::kProjectVersion)});
-  section.fields.push_back({"units", text(core::ProjectField::kModelUnits)});
-  std::vector<std::string> names =
-      core::ListEntries(text(core::ProjectField::kNetworkNames));
-  std::vector<std::string> types =
-      core::ListEntries(text(core::ProjectField::kNetworkTypes));
-  std::string listed;
-  for (size_t i = 0; i < names.size(); ++i)
-    listed += (i ? ", " : "") + names[i] + " (" +
-              (i < types.size() ? types[i] : "?") + ")";
-  section.fields.push_back({"networks", std::to_string(names.size()), true});
-  if (!names.empty()) section.fields.push_back({"network list", listed});
-  return section;
-});
+InfoSectionRegistrar project_info(
+    [](memhost::MemDocument& document) -> std::optional<InfoSection> {
+      std::optional<commands::ProjectSummary> project =
+          commands::DescribeProject(document);
+      if (!project) return std::nullopt;
+      InfoSection section{"kestrana project", {}};
+      section.fields.push_back({"version", project->version});
+      section.fields.push_back({"units", project->units});
+      std::string listed;
+      for (const auto& [name, type] : project->networks)
+        listed += (listed.empty() ? "" : ", ") + name + " (" + type + ")";
+      section.fields.push_back(
+          {"networks", std::to_string(project->networks.size()), true});
+      if (!project->networks.empty())
+        section.fields.push_back({"network list", listed});
+      return section;
+    });
 
 }  // namespace
 

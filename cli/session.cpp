@@ -2,6 +2,8 @@
 
 #include <ostream>
 
+#include "commands/project.h"
+
 namespace kestrana::cli {
 
 std::shared_ptr<memhost::MemApplication> CommandApplication() {
@@ -26,6 +28,26 @@ void PrintShownMessages(std::ostream& err, const std::string& except) {
     err << "kestrana: " << kind << entry.text << '\n';
   }
   session.ClearLog();
+}
+
+std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
+    const std::string& path) {
+  std::unique_ptr<memhost::MemDocument> document =
+      dxf::LoadDrawing(path, CommandLoadOptions());
+  commands::OpenProject(*document);
+  return document;
+}
+
+void EditProjectDrawing(
+    const std::string& input, const std::optional<std::string>& output,
+    const std::function<void(memhost::MemDocument&)>& change) {
+  dxf::EditDrawing(
+      input, output,
+      [&](memhost::MemDocument& document) {
+        commands::OpenProject(document);
+        change(document);
+      },
+      CommandLoadOptions());
 }
 
 }  // namespace kestrana::cli

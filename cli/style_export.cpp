@@ -1,32 +1,30 @@
 // kestrana style export: a view style as a style file.
+#include <ostream>
+
 #include "cli/command.h"
-#include "cli/project.h"
-#include "cli/styles.h"
-#include "dxf/io.h"
+#include "cli/session.h"
+#include "commands/styles.h"
+#include "memhost/document.h"
 
 namespace kestrana::cli {
-
-std::string StyleExport(const StyleExportOptions& options) {
-  std::string text =
-      StyleText(*OpenProjectDrawing(options.drawing), options.name);
-  if (options.output) dxf::WriteFileAtomically(*options.output, text);
-  return text;
-}
 
 namespace {
 
 int RunStyleExport(const std::vector<std::string>& args, Io& io) {
   Args a(args, {}, {"output"});
   a.ExpectPositionals(2);
-  StyleExportOptions options{a.Positional(0, "the drawing (DRAWING.dxf)"),
-                             a.Positional(1, "the view style name"),
-                             a.Option("output")};
-  std::string text = StyleExport(options);
-  if (options.output)
-    io.out << "wrote view style \"" << options.name << "\" to "
-           << *options.output << "\n";
-  else
+  const std::string& drawing = a.Drawing();
+  const commands::StyleOptions options{a.Positional(1, "the view style name")};
+  const std::optional<std::string> output = a.Output();
+  const std::string text =
+      commands::ExportStyle(*OpenProjectDrawing(drawing), options).text;
+  if (output) {
+    dxf::WriteFileAtomically(*output, text);
+    io.out << "wrote view style \"" << options.name << "\" to " << *output
+           << "\n";
+  } else {
     io.out << text;
+  }
   return 0;
 }
 

@@ -4,41 +4,15 @@
 
 #include "cli/command.h"
 #include "cli/info.h"
-#include "cli/project.h"
-#include "cli/styles.h"
+#include "cli/session.h"
+#include "commands/styles.h"
 #include "core/project_record.h"
-#include "viewstyle/project_styles.h"
 
 namespace kestrana::cli {
 
-using viewstyle::ViewStyleField;
+namespace {
 
-std::vector<StyleSummary> ListStyles(host::Document& document) {
-  const std::string active = viewstyle::StyleField::Read(document).active;
-  std::vector<StyleSummary> styles;
-  for (const viewstyle::ViewStyleSettings& s :
-       viewstyle::ReadViewStyles(document)) {
-    std::string name = viewstyle::StyleNameOf(s);
-    styles.push_back({name, name == active,
-                      s[static_cast<int>(ViewStyleField::kTextStyle)],
-                      s[static_cast<int>(ViewStyleField::kTextHeight)]});
-  }
-  return styles;
-}
-
-viewstyle::ViewStyleSettings FindStyle(host::Document& document,
-                                       const std::string& name) {
-  std::vector<viewstyle::ViewStyleSettings> styles =
-      viewstyle::ReadViewStyles(document);
-  if (std::optional<size_t> at = viewstyle::FindViewStyle(styles, name))
-    return styles[*at];
-  std::string names;
-  for (const viewstyle::ViewStyleSettings& s : styles)
-    names += (names.empty() ? "" : ", ") + viewstyle::StyleNameOf(s);
-  throw CommandError(
-      "There is no view style named \"" + name +
-      "\" (the drawing has: " + (names.empty() ? "none" : names) + ")");
-}
+using commands::StyleSummary;
 
 std::string StylesTable(const std::vector<StyleSummary>& styles) {
   if (styles.empty()) return "The drawing holds no view styles.\n";
@@ -73,41 +47,34 @@ std::string StylesJson(const std::vector<StyleSummary>& styles) {
   return out.str();
 }
 
-std::vector<StyleSummary> StyleList(const StyleListOptions& options) {
-  return ListStyles(*OpenProjectDrawing(options.drawing));
-}
-
-namespace {
-
 int RunStyleList(const std::vector<std::string>& args, Io& io) {
   Args a(args, {"json"}, {});
   a.ExpectPositionals(1);
   std::vector<StyleSummary> styles =
-      StyleList({a.Positional(0, "the drawing (DRAWING.dxf)")});
-  io.out << (a.Flag("json") ? StylesJson(styles) : StylesTable(styles));
+      commands::ListStyles(*OpenProjectDrawing(a.Drawing()));
+  io.out << (a.Json() ? StylesJson(styles) : StylesTable(styles));
   return 0;
 }
 
-// `kestrana info` names the styles too; a damaged list is reported, not
-// raised, since info is how one looks at damaged drawings.
-InfoSectionRegistrar view_styles_info([](memhost::MemDocument& document)
-                                          -> std::optional<InfoSection> {
-  if (!core::FindProjectRecord(document)) return std::nullopt;
-  InfoSection section{"view styles", {}};
-  try {
-    std::vector<StyleSummary> styles = ListStyles(document);
-    std::string names;
-    for (const StyleSummary& s : styles)
-      names += (names.empty() ? "" : ", ") + s.name;
-    section.fields.push_back(
-        {"active", viewstyle::StyleField::Read(document).active});
-    section.fields.push_back({"count", std::to_string(styles.size()), true});
-    if (!styles.empty()) section.fields.push_back({"names", names});
-  } catch (const std::exception& e) {
-    section.fields.push_back({"error", e.what()});
-  }
-  return section;
-});
+// `kestrana info` names the styles too.
+InfoSectionRegistrar view_styles_info(
+    [](memhost::MemDocument& document) -> std::optional<InfoSection> {
+      if (!core::FindProjectRecord(document)) return std::nullopt;
+      InfoSection section{"view styles", {}};
+      const commands::StylesSummary styles = commands::DescribeStyles(document);
+      if (styles.error) {
+        section.fields.push_back({"error", *styles.error});
+        return section;
+      }
+      std::string names;
+      for (const std::string& name : styles.names)
+        names += (names.empty() ? "" : ", ") + name;
+      section.fields.push_back({"active", styles.active});
+      section.fields.push_back(
+          {"count", std::to_string(styles.names.size()), true});
+      if (!styles.names.empty()) section.fields.push_back({"names", names});
+      return section;
+    });
 
 Registrar style_list_command(
     {"style list", "the view styles of a project",

@@ -2,9 +2,8 @@
 #include <sstream>
 
 #include "cli/command.h"
-#include "cli/project.h"
-#include "cli/styles.h"
-#include "viewstyle/project_styles.h"
+#include "cli/session.h"
+#include "commands/styles.h"
 #include "viewstyle/style_text.h"
 
 namespace kestrana::cli {
@@ -13,12 +12,6 @@ namespace {
 
 using viewstyle::ItemForm;
 using viewstyle::ViewStyleField;
-
-std::string Header(host::Document& document, const std::string& name) {
-  bool active = viewstyle::StyleField::Read(document).active == name;
-  return "# view style " + JsonString(name) + (active ? " (active)" : "") +
-         "\n";
-}
 
 // One item as a JSON object; an item the style file cannot express is
 // shown as the record holds it.
@@ -44,28 +37,16 @@ std::string ItemJson(const viewstyle::ItemInfo& item, const std::string& text) {
   return out.str() + "}";
 }
 
-}  // namespace
-
-std::string StyleText(host::Document& document, const std::string& name) {
-  viewstyle::ViewStyleSettings style = FindStyle(document, name);
-  try {
-    return viewstyle::WriteStyleText(style);
-  } catch (const viewstyle::StyleTextError& e) {
-    throw CommandError("view style \"" + name + "\": " + e.what() +
-                       " (see --json for the record as stored)");
-  }
-}
-
-std::string StyleJson(host::Document& document, const std::string& name) {
-  viewstyle::ViewStyleSettings style = FindStyle(document, name);
-  const bool active = viewstyle::StyleField::Read(document).active == name;
+std::string StyleJson(const commands::StyleShowResult& style) {
   std::ostringstream out;
-  out << "{\"name\": " << JsonString(name)
-      << ", \"active\": " << (active ? "true" : "false")
+  out << "{\"name\": " << JsonString(style.name)
+      << ", \"active\": " << (style.active ? "true" : "false")
       << ",\n \"text style\": "
-      << JsonString(style[static_cast<int>(ViewStyleField::kTextStyle)])
+      << JsonString(
+             style.settings[static_cast<int>(ViewStyleField::kTextStyle)])
       << ", \"text height\": "
-      << JsonString(style[static_cast<int>(ViewStyleField::kTextHeight)])
+      << JsonString(
+             style.settings[static_cast<int>(ViewStyleField::kTextHeight)])
       << ",\n \"items\": {";
   std::optional<viewstyle::ElementKind> kind;
   for (const viewstyle::ItemInfo& item : viewstyle::Items()) {
@@ -76,25 +57,27 @@ std::string StyleJson(host::Document& document, const std::string& name) {
     } else {
       out << ", ";
     }
-    out << JsonString(item.name) << ": " << ItemJson(item, style[item.field]);
+    out << JsonString(item.name) << ": "
+        << ItemJson(item, style.settings[item.field]);
   }
   out << "}}}\n";
   return out.str();
 }
 
-std::string StyleShow(const StyleShowOptions& options) {
-  auto document = OpenProjectDrawing(options.drawing);
-  if (options.json) return StyleJson(*document, options.name);
-  return Header(*document, options.name) + StyleText(*document, options.name);
-}
-
-namespace {
-
 int RunStyleShow(const std::vector<std::string>& args, Io& io) {
   Args a(args, {"json"}, {});
   a.ExpectPositionals(2);
-  io.out << StyleShow({a.Positional(0, "the drawing (DRAWING.dxf)"),
-                       a.Positional(1, "the view style name"), a.Flag("json")});
+  auto document = OpenProjectDrawing(a.Drawing());
+  const commands::StyleOptions options{a.Positional(1, "the view style name")};
+  const commands::StyleShowResult style =
+      commands::ShowStyle(*document, options);
+  if (a.Json()) {
+    io.out << StyleJson(style);
+    return 0;
+  }
+  io.out << "# view style " << JsonString(style.name)
+         << (style.active ? " (active)" : "") << "\n"
+         << commands::ExportStyle(*document, options).text;
   return 0;
 }
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/general.h"
+#include "core/guards.h"
 #include "crossing/crossing.h"
 #include "host/host.h"
 #include "library/library.h"
@@ -14,7 +15,7 @@ namespace kestrana::core {
 
 void General::DeleteNetwork(host::Document& document,
                             std::string_view net_name) {
-  const std::vector<std::string> locked = UnlockAllLayers(document);
+  UnlockedLayers unlocked(document);
 
   // The annotations stay behind DeleteNetworkCrossings for the pipes' erase
   // reaction, which no editor runs here: they go with the network.
@@ -40,13 +41,8 @@ void General::DeleteNetwork(host::Document& document,
 
   DeleteNetworkDefintion(document, net_name);
   DeleteNetworkLayers(document, net_name);
-
   // The network's own layers are gone; the others are locked again.
-  std::vector<std::string> still_there;
-  for (const std::string& name : locked)
-    if (!name.empty() && document.GetLayers().Find(name) != nullptr)
-      still_there.push_back(name);
-  RestoreLockedLayers(document, still_there);
+  unlocked.ForgetDeletedLayers();
 }
 
 }  // namespace kestrana::core

@@ -168,7 +168,8 @@ std::vector<std::string> General::GetSurfaceNames(host::Document& document,
             .GetSurfaces();
     for (int i = 0; i < surfaces.Count(); ++i)
       names.push_back(surfaces.Item(i).Name());
-  } catch (const std::exception&) {
+  } catch (const host::HostError&) {
+    // No civil extension for this release, or none installed.
     if (err_msg_index == 1)
       ShowMessage(document, "Error loading AutoCAD Civil 3D application!",
                   host::msgbox::kCritical);

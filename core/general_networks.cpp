@@ -4,6 +4,7 @@
 
 #include "core/filters.h"
 #include "core/general.h"
+#include "core/guards.h"
 #include "core/lists.h"
 #include "core/names.h"
 #include "core/node_record.h"
@@ -72,25 +73,6 @@ void AddReferenced(host::Document& document, host::SelectionSet& set,
   } catch (const host::HostError&) {
   }
 }
-
-// Restores the active layer when a block has been built, even after an error.
-class ActiveLayerGuard {
- public:
-  explicit ActiveLayerGuard(host::Document& document)
-      : document_(document), layer_(document.ActiveLayer()) {}
-  ~ActiveLayerGuard() {
-    try {
-      document_.SetActiveLayer(layer_);
-    } catch (const std::exception&) {
-    }
-  }
-  ActiveLayerGuard(const ActiveLayerGuard&) = delete;
-  ActiveLayerGuard& operator=(const ActiveLayerGuard&) = delete;
-
- private:
-  host::Document& document_;
-  host::Layer& layer_;
-};
 
 // Block geometry on layer "0" takes the layer of the reference.
 constexpr char kLayerZero[] = "0";
@@ -249,7 +231,8 @@ host::SelectionSet& General::GetNetworkSet(host::Document& document,
         AddReferenced(document, result,
                       record.Text(PipeField::kAnnotationOIDRef));
         AddReferenced(document, result, record.Text(PipeField::kArrowOIDRef));
-      } catch (const std::exception&) {
+      } catch (const std::out_of_range&) {
+        // A damaged record: the pipe is in, its blocks are not found.
       }
     }
   }
@@ -266,7 +249,10 @@ host::SelectionSet& General::GetNetworkSet(host::Document& document,
         if (with_blocks)
           AddReferenced(document, result,
                         record.Text(NodeField::kAnnotationOIDRef));
-      } catch (const std::exception&) {
+      } catch (const MissingRecordError&) {
+        // A node block that is no element belongs to no network.
+      } catch (const std::out_of_range&) {
+        // Nor does one whose record is damaged.
       }
     }
   }
@@ -330,7 +316,7 @@ void General::DeleteNetworkLayers(host::Document& document,
        {" - Network", " - Annotation", " - Arrow", " - Low&High Points"}) {
     try {
       document.GetLayers().Item(std::string(net_name) + suffix).Delete();
-    } catch (const std::exception&) {
+    } catch (const host::HostError&) {
       // Missing, in use or current: the layer stays and the next is tried.
     }
   }
@@ -411,10 +397,10 @@ void General::CreateStandardBlock(host::Document& document,
     return document.GetBlocks().Find(name) == nullptr;
   };
   if (element_type == "Node") {
-    ActiveLayerGuard guard(document);
+    SavedActiveLayer active(document);
     if (missing(kNodeBlock)) AddNodeBlock(document, s);
   } else if (element_type == "LowHighPoint") {
-    ActiveLayerGuard guard(document);
+    SavedActiveLayer active(document);
     if (missing(kLowPointBlock))
       AddLowHighBlock(document, kLowPointBlock, host::color::kRed, s);
     if (missing(kHighPointBlock))
@@ -429,7 +415,7 @@ void General::CreateStandardBlock(host::Document& document,
     std::vector<LayerStatus> status = OpenLayerForWrite(
         document, std::string(kCrossingLinesLayer) + ";" + kCrossingTextLayer);
     {
-      ActiveLayerGuard guard(document);
+      SavedActiveLayer active(document);
       for (const CrossingStyle& style : kCrossingStyles)
         if (missing(style.name)) AddCrossingBlock(document, style, s);
     }

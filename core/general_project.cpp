@@ -1,5 +1,6 @@
 // Project record, versions and units.
 #include <optional>
+#include <stdexcept>
 
 #include "core/general.h"
 #include "core/messages.h"
@@ -69,12 +70,14 @@ void General::TurnEventsOff(host::Document& document) {
 }
 
 int16_t General::CheckEventsFlag(host::Document& document) {
-  // The event handlers call this on every edit; it must never fail.
+  // The event handlers call this on every edit; it must never fail. A
+  // drawing without a project, or whose record is too short or damaged to
+  // hold the flag, has its events off.
+  std::optional<Record> record = FindProjectRecord(document);
+  if (!record || !record->Has(ProjectField::kEventsFlag)) return 0;
   try {
-    std::optional<Record> record = FindProjectRecord(document);
-    if (!record) return 0;
     return record->Int16(ProjectField::kEventsFlag);
-  } catch (const std::exception&) {
+  } catch (const std::overflow_error&) {
     return 0;
   }
 }

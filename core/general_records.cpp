@@ -32,7 +32,8 @@ std::string ElementPart(const host::Object& entity, bool network) {
   try {
     if (network) return CombinedPiece(record->Text(1), 1);
     return record->Text(2);
-  } catch (const std::exception&) {
+  } catch (const std::out_of_range&) {
+    // Too few fields, or a combined label of too few pieces.
     return "";
   }
 }

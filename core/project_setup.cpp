@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/general.h"
+#include "core/guards.h"
 #include "core/lists.h"
 #include "core/names.h"
 #include "core/project_defaults.h"
@@ -34,11 +35,10 @@ ProjectMarkers CreateProjectRecord(host::Document& document,
   if (units != kMetric && units != kUS)
     throw std::invalid_argument("units must be \"Metric\" or \"US\", not \"" +
                                 std::string(units) + "\"");
-  if (FindProjectRecord(document))
-    throw std::runtime_error(kProjectExistsMessage);
+  if (FindProjectRecord(document)) throw RefusedError(kProjectExistsMessage);
   const bool metric = units == kMetric;
 
-  std::vector<std::string> locked = General::UnlockAllLayers(document);
+  UnlockedLayers unlocked(document);
   ProjectMarkers markers;
   markers.profile_style =
       AddMarkerPoint(document, StandardProfileStyleRecord(metric)).ObjectID();
@@ -54,7 +54,6 @@ ProjectMarkers CreateProjectRecord(host::Document& document,
                  IdListEntry(markers.profile_style));
   record.SetText(ProjectField::kProjectVersion, kProgramVersion);
   WriteProjectRecord(document, record);
-  General::RestoreLockedLayers(document, locked);
   return markers;
 }
 

@@ -26,8 +26,8 @@ struct ProjectMarkers {
 // profile style. The libraries and the view style belong to their own
 // subsystems, which register their markers in the record afterwards; the
 // `kestrana new` command does all of it. Answers the profile style marker.
-// std::invalid_argument for other units; std::runtime_error when the
-// drawing already holds a project.
+// std::invalid_argument for other units; RefusedError when the drawing
+// already holds a project.
 ProjectMarkers CreateProjectRecord(host::Document& document,
                                    std::string_view units);
 

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include "host/errors.h"
 #include "host/types.h"
 
 namespace kestrana::host {
@@ -38,9 +39,9 @@ struct Field {
 };
 
 // An object that should carry a record has none.
-class MissingRecordError : public std::runtime_error {
+class MissingRecordError : public NotFoundError {
  public:
-  using std::runtime_error::runtime_error;
+  using NotFoundError::NotFoundError;
 };
 
 class Record {

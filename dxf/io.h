@@ -19,14 +19,15 @@
 #include <stdexcept>
 #include <string>
 
+#include "host/errors.h"
 #include "memhost/document.h"
 
 namespace kestrana::dxf {
 
 // A file that cannot be read or written (missing, no permission, disk full).
-class FileError : public std::runtime_error {
+class FileError : public NotFoundError {
  public:
-  using std::runtime_error::runtime_error;
+  using NotFoundError::NotFoundError;
 };
 
 struct LoadOptions {

@@ -30,9 +30,9 @@ std::string Shown(std::string_view s) {
 }  // namespace
 
 DxfError::DxfError(size_t line, const std::string& message)
-    : std::runtime_error(line == 0
-                             ? message
-                             : "line " + std::to_string(line) + ": " + message),
+    : InvalidInputError(line == 0
+                            ? message
+                            : "line " + std::to_string(line) + ": " + message),
       line_(line) {}
 
 DxfError DxfError::InFile(const std::string& path) const {

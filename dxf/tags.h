@@ -8,10 +8,12 @@
 #include <string>
 #include <string_view>
 
+#include "host/errors.h"
+
 namespace kestrana::dxf {
 
 // Anything wrong with a file being read. The message names the line.
-class DxfError : public std::runtime_error {
+class DxfError : public InvalidInputError {
  public:
   // line 0: an error about the file as a whole.
   DxfError(size_t line, const std::string& message);
@@ -21,7 +23,7 @@ class DxfError : public std::runtime_error {
 
  private:
   DxfError(std::string text, size_t line)
-      : std::runtime_error(text), line_(line) {}
+      : InvalidInputError(text), line_(line) {}
   size_t line_;
 };
 

@@ -5,6 +5,7 @@
 
 #include "core/filters.h"
 #include "core/general.h"
+#include "core/guards.h"
 #include "core/lists.h"
 #include "core/names.h"
 #include "core/node_record.h"
@@ -311,7 +312,7 @@ void ConvertEntities(host::Document& document,
                      host::SelectionSet& set_entities_to_convert,
                      bool is_existing_network, std::string_view network_name,
                      std::string_view network_type, ConversionPath path) {
-  const std::vector<std::string> locked = General::UnlockAllLayers(document);
+  core::UnlockedLayers unlocked(document);
   std::vector<host::Entity*> existing_nodes;
   if (is_existing_network)
     existing_nodes =
@@ -353,7 +354,6 @@ void ConvertEntities(host::Document& document,
         document,
         lowhigh::LowHigh::GetInitialNodesOIDArrayForLowHigh(document, low_high),
         network_name);
-  General::RestoreLockedLayers(document, locked);
 }
 
 void Editing::CreateElementsInNetwork(

@@ -2,6 +2,7 @@
 #include "editing/ground_levels.h"
 
 #include "core/general.h"
+#include "core/guards.h"
 #include "core/lists.h"
 #include "core/node_record.h"
 #include "core/pipe_record.h"
@@ -39,8 +40,8 @@ GroundLevelUpdate GroundLevelsFromSurface(
   if (network_names.empty() || network_names.front().empty()) return update;
   const host::Surface& surface = FindSurface(document, surface_name);
   // Our own rewrite of whole networks must not wake the editor reactions.
-  General::TurnEventsOff(document);
-  const std::vector<std::string> locked = General::UnlockAllLayers(document);
+  core::EventsOff events_off(document);
+  core::UnlockedLayers unlocked(document);
 
   std::string changed_pipes, changed_nodes;
   for (const std::string& network : network_names) {
@@ -76,9 +77,6 @@ GroundLevelUpdate GroundLevelsFromSurface(
              ReadPipe(core::EntityFromIdText(document, pipe_id))
                  .Text(PipeField::kProfileOIDRefs)))
       profile::Profile::FlagProfileForUpdate(document, profile);
-
-  General::RestoreLockedLayers(document, locked);
-  General::TurnEventsOn(document);
   return update;
 }
 

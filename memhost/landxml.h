@@ -8,13 +8,14 @@
 #include <string>
 #include <vector>
 
+#include "host/errors.h"
 #include "memhost/session.h"
 
 namespace kestrana::memhost {
 
-class LandXmlError : public std::runtime_error {
+class LandXmlError : public InvalidInputError {
  public:
-  using std::runtime_error::runtime_error;
+  using InvalidInputError::InvalidInputError;
 };
 
 // Reads the surfaces of a LandXML document. LandXmlError (naming the file,

@@ -9,6 +9,7 @@
 
 #include "core/filters.h"
 #include "core/general.h"
+#include "core/guards.h"
 #include "core/lists.h"
 #include "core/names.h"
 #include "core/node_record.h"
@@ -363,7 +364,7 @@ bool RewriteProjectRecord(host::Document& document,
 }  // namespace
 
 int UpdateOIDs::UpdateObjectIDs(host::Document& document) {
-  const std::vector<std::string> locked = General::UnlockAllLayers(document);
+  core::UnlockedLayers unlocked(document);
   std::vector<ProjectObject> objects = CollectProjectObjects(document);
   IdentityTable table;
   for (const ProjectObject& object : objects) table.Add(object);
@@ -376,7 +377,6 @@ int UpdateOIDs::UpdateObjectIDs(host::Document& document) {
     ++written;
   }
   written += RewriteProjectRecord(document, objects) ? 1 : 0;
-  General::RestoreLockedLayers(document, locked);
   return written;
 }
 

@@ -5,6 +5,7 @@
 
 #include "core/general.h"
 #include "core/geometry.h"
+#include "core/guards.h"
 #include "core/names.h"
 #include "core/node_record.h"
 #include "core/pipe_record.h"
@@ -167,18 +168,12 @@ AnnotationCounts ViewStyle::GetNumberOfAnnotationStrings(
 void ViewStyle::DefineAttributeBlocks(host::Document& document,
                                       const core::TextTable& ar_anno_format) {
   AnnotationCounts counts = GetNumberOfAnnotationStrings(ar_anno_format);
-  host::TextStyle& previous = document.ActiveTextStyle();
+  core::SavedActiveTextStyle previous(document);
   // New attribute definitions take the active text style; a style the
   // drawing lacks fails here, before any block is touched.
   document.SetActiveTextStyle(document.GetTextStyles().Item(ar_anno_format(
       static_cast<int>(ViewStyleField::kTextStyle), col::kShow)));
-  try {
-    InitializeAttributeBlocks(document, counts, ar_anno_format);
-  } catch (...) {
-    document.SetActiveTextStyle(previous);
-    throw;
-  }
-  document.SetActiveTextStyle(previous);
+  InitializeAttributeBlocks(document, counts, ar_anno_format);
 }
 
 void ViewStyle::InitializeAttributeBlocks(

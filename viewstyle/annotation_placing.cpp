@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/general.h"
+#include "core/guards.h"
 #include "core/lists.h"
 #include "core/names.h"
 #include "core/node_record.h"
@@ -215,7 +216,7 @@ void ViewStyle::ApplyAnnotationsToNetwork(host::Document& document,
   // Taken before drawing, so the new references are not visited.
   std::vector<host::Entity*> objects =
       General::GetNetworkSet(document, net_name, 0).Entities();
-  host::Layer& previous = document.ActiveLayer();
+  core::SavedActiveLayer previous(document);
   General::CreateStandardLayer(document, net_name, "Annotation");
   General::CreateStandardLayer(document, net_name, "Arrow");
   const std::string annotation_layer =
@@ -237,7 +238,8 @@ void ViewStyle::ApplyAnnotationsToNetwork(host::Document& document,
     }
   }
 
-  document.SetActiveLayer(previous);
+  // Back to the user's layer first: the active layer keeps its freeze.
+  previous.Restore();
   General::RestoreLayerStatus(document, status);
 }
 

@@ -185,7 +185,7 @@ std::string ParseItemValue(const ItemInfo& item, std::string_view value,
 }  // namespace
 
 StyleTextError::StyleTextError(int line, const std::string& message)
-    : std::runtime_error(
+    : InvalidInputError(
           line > 0 ? "line " + std::to_string(line) + ": " + message : message),
       line_(line) {}
 

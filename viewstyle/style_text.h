@@ -17,13 +17,14 @@
 #include <string>
 #include <string_view>
 
+#include "host/errors.h"
 #include "viewstyle/view_style_record.h"
 
 namespace kestrana::viewstyle {
 
 // A style text that does not describe a style, or a record that cannot be
 // written as one. `line` is the line of the text (from 1), 0 for records.
-class StyleTextError : public std::runtime_error {
+class StyleTextError : public InvalidInputError {
  public:
   StyleTextError(int line, const std::string& message);
   int line() const { return line_; }

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/command_fixture.h"
 #include "core/general.h"
 #include "core/project_record.h"
 #include "core/project_setup.h"
@@ -14,7 +15,6 @@
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
 #include "memhost/document.h"
-#include "support/command_test.h"
 #include "support/pipe_fixture.h"
 
 namespace kestrana::cli {

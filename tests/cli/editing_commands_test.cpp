@@ -6,8 +6,9 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/command_fixture.h"
 #include "cli/demo.h"
-#include "cli/project.h"
+#include "commands/project.h"
 #include "core/general.h"
 #include "core/names.h"
 #include "core/node_record.h"
@@ -17,7 +18,6 @@
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
 #include "memhost/document.h"
-#include "support/command_test.h"
 #include "support/elements.h"
 
 namespace kestrana::cli {
@@ -37,7 +37,7 @@ class EditingCommands : public test::CommandTest {
   // them, drawn on their own layers in a project.
   void Site() {
     memhost::MemDocument doc;
-    NewProject(doc, "Metric");
+    commands::NewProject(doc, {"Metric"});
     doc.GetLayers().Add("Sewer lines");
     doc.GetLayers().Add("Water lines");
     auto on = [](host::Entity& e, const char* layer) { e.SetLayer(layer); };

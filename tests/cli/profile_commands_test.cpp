@@ -5,10 +5,10 @@
 #include <fstream>
 
 #include "cli/command.h"
+#include "cli/command_fixture.h"
 #include "core/general.h"
 #include "core/names.h"
 #include "dxf/io.h"
-#include "support/command_test.h"
 #include "support/network_elements.h"
 
 namespace kestrana::cli {

@@ -6,11 +6,11 @@
 #include <sstream>
 
 #include "cli/command.h"
-#include "cli/project.h"
+#include "cli/command_fixture.h"
+#include "commands/project.h"
 #include "core/general.h"
 #include "core/project_record.h"
 #include "dxf/io.h"
-#include "support/command_test.h"
 
 namespace kestrana::cli {
 namespace {
@@ -87,7 +87,7 @@ TEST_F(ProjectCommands, DrawingsWithoutOrWithNewerProjectsAreRefused) {
   {
     memhost::MemDocument doc;
     dxf::SaveDrawing(doc, plain);
-    NewProject(doc, "Metric");
+    commands::NewProject(doc, {"Metric"});
     core::Record record = core::ReadProjectRecord(doc);
     record.SetText(core::ProjectField::kProjectVersion, "2.10");
     core::WriteProjectRecord(doc, record);

@@ -1,89 +1,18 @@
+// How the network list is printed.
 #include "cli/project.h"
 
 #include <gtest/gtest.h>
 
-#include "cli/command.h"
-#include "core/general.h"
-#include "core/node_record.h"
-#include "core/pipe_record.h"
-#include "core/project_record.h"
-#include "core/record.h"
-#include "memhost/document.h"
-#include "support/project.h"
-
 namespace kestrana::cli {
 namespace {
 
-std::string ErrorOf(const std::function<void()>& run) {
-  try {
-    run();
-  } catch (const CommandError& e) {
-    return e.what();
-  }
-  return "";
-}
+using commands::NetworkInfo;
 
-TEST(RequireProject, RefusesMissingAndNewerProjects) {
-  memhost::MemDocument bare;
-  EXPECT_EQ(ErrorOf([&] { RequireProject(bare); }),
-            "This drawing does not contain a Kestrana project!");
-  auto doc = test::NewProjectDocument();
-  EXPECT_NO_THROW(RequireProject(*doc));
-  test::WriteBareProjectRecord(*doc, "Metric", "2.10");
-  std::string error = ErrorOf([&] { RequireProject(*doc); });
-  EXPECT_EQ(error, core::NewerProjectMessage("2.10"));
-  EXPECT_NE(error.find("Install Kestrana V2.10  or newer"), std::string::npos);
-}
-
-TEST(NewProject, OnceOnly) {
-  memhost::MemDocument doc;
-  EXPECT_THROW(NewProject(doc, "Imperial"), UsageError);
-  NewProject(doc, "US");
-  EXPECT_EQ(core::General::GetModelUnits(doc), "US");
-  EXPECT_EQ(ErrorOf([&] { NewProject(doc, "Metric"); }),
-            "This drawing already contains a Kestrana project!");
-  EXPECT_EQ(core::General::GetModelUnits(doc), "US");
-}
-
-TEST(AddNetwork, ChecksNameAndType) {
-  auto doc = test::NewProjectDocument();
-  EXPECT_THROW(AddNetwork(*doc, "Sewer", "gravity"), UsageError);
-  EXPECT_THROW(AddNetwork(*doc, "", "Gravity"), UsageError);
-  EXPECT_NE(ErrorOf([&] { AddNetwork(*doc, "A;B", "Gravity"); }), "");
-  EXPECT_NE(ErrorOf([&] { AddNetwork(*doc, "A=B", "Gravity"); }), "");
-  AddNetwork(*doc, "Sewer A", "Gravity");
-  EXPECT_EQ(ErrorOf([&] { AddNetwork(*doc, "Sewer A", "Pressure"); }),
-            "A network named \"Sewer A\" already exists");
-  AddNetwork(*doc, "sewer a", "Pressure");
-  EXPECT_EQ(core::General::GetNetworkNames(*doc),
-            (std::vector<std::string>{"Sewer A", "sewer a"}));
-}
-
-TEST(ListNetworks, CountsElementsPerNetwork) {
-  auto doc = test::NewProjectDocument();
-  EXPECT_TRUE(ListNetworks(*doc).empty());
+TEST(NetworkList, PrintsATableOrJson) {
   EXPECT_EQ(NetworksJson({}), "[]\n");
-  AddNetwork(*doc, "S", "Gravity");
-  AddNetwork(*doc, "Water 1", "Pressure");
-  core::General::CreateStandardBlock(*doc, "Node");
-  for (int i = 0; i < 2; ++i) {
-    host::Entity& pipe =
-        doc->ModelSpace().AddLightWeightPolyline({0, 0, 1.0 + i, 0});
-    core::Record record = core::Record::WithCodes(core::kPipeRecordCodes);
-    record.SetText(core::PipeField::kCombinedLabel,
-                   "Pipe;S;P-" + std::to_string(i));
-    record.Write(pipe);
-  }
-  host::Entity& node =
-      doc->ModelSpace().InsertBlock({}, "Kestrana_Node", 1, 1, 1, 0);
-  core::Record record = core::Record::WithCodes(core::kNodeRecordCodes);
-  record.SetText(core::NodeField::kCombinedLabel, "Node;Water 1;N-1");
-  record.Write(node);
-
-  std::vector<NetworkInfo> networks = ListNetworks(*doc);
-  EXPECT_EQ(networks,
-            (std::vector<NetworkInfo>{{"S", "Gravity", 2, 0},
-                                      {"Water 1", "Pressure", 0, 1}}));
+  EXPECT_EQ(NetworksTable({}), "The project has no networks.\n");
+  const std::vector<NetworkInfo> networks = {{"S", "Gravity", 2, 0},
+                                             {"Water 1", "Pressure", 0, 1}};
   EXPECT_EQ(NetworksJson(networks),
             "[{\"name\": \"S\", \"type\": \"Gravity\", \"pipes\": 2, "
             "\"nodes\": 0},\n {\"name\": \"Water 1\", \"type\": "

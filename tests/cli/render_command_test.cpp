@@ -5,10 +5,10 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/command_fixture.h"
 #include "cli/render.h"
 #include "dxf/io.h"
 #include "memhost/document.h"
-#include "support/command_test.h"
 #include "support/svg_reader.h"
 
 namespace kestrana::cli {

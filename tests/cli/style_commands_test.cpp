@@ -7,14 +7,14 @@
 #include <sstream>
 
 #include "cli/command.h"
-#include "cli/project.h"
+#include "cli/command_fixture.h"
+#include "commands/project.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/pipe_record.h"
 #include "core/project_record.h"
 #include "core/record.h"
 #include "dxf/io.h"
-#include "support/command_test.h"
 #include "support/network_elements.h"
 #include "viewstyle/annotation_record.h"
 #include "viewstyle/project_styles.h"

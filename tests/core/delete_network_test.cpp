@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/project.h"
+#include "commands/networks.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -35,8 +35,8 @@ class DeleteNetwork : public ::testing::Test {
   // high points on the main, a profile along each network.
   void SetUp() override {
     doc_ = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc_, "Sewer", kGravity);
-    cli::AddNetwork(*doc_, "Water", kPressure);
+    commands::AddNetwork(*doc_, {"Sewer", kGravity});
+    commands::AddNetwork(*doc_, {"Water", kPressure});
     Convert({{0, 0, 100, 0}, {100, 0, 200, 0}, {200, 0, 200, 80}}, "Sewer",
             kGravity);
     Convert({{50, -40, 50, 40}, {50, 40, 150, 40}, {150, 40, 150, -40}},

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/project.h"
+#include "commands/networks.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -23,7 +23,7 @@ class LabelUpkeep : public ::testing::Test {
   // N-1 -P-1-> N-2 -P-2-> N-3 and N-4 -P-3-> N-2.
   void SetUp() override {
     doc_ = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc_, "Sewer", kGravity);
+    commands::AddNetwork(*doc_, {"Sewer", kGravity});
     test::NetworkElements sewer(*doc_, "Sewer");
     auto& n1 = sewer.AddNode("N-1", 0, 0, 102, 100);
     n2_ = &sewer.AddNode("N-2", 50, 0, 101, 98);

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "cli/project.h"
+#include "commands/networks.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -77,8 +77,8 @@ void EditNodes(host::Document& document, const std::string& network) {
 // doubled pipes and loops.
 std::unique_ptr<memhost::MemDocument> Site(ConversionPath path, int size) {
   auto document = test::NewFullProjectDocument();
-  cli::AddNetwork(*document, "Water", core::kPressure);
-  cli::AddNetwork(*document, "Sewer", core::kGravity);
+  commands::AddNetwork(*document, {"Water", core::kPressure});
+  commands::AddNetwork(*document, {"Sewer", core::kGravity});
   test::DrawnGridOptions water{.polylines = size,
                                .spacing = 60,
                                .origin_x = 30,

@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-#include "cli/project.h"
+#include "commands/networks.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -39,8 +39,8 @@ class Conversion : public ::testing::Test {
   void SetUp() override { Start("Metric"); }
   void Start(const std::string& units) {
     doc_ = test::NewFullProjectDocument(units);
-    cli::AddNetwork(*doc_, "Sewer", core::kGravity);
-    cli::AddNetwork(*doc_, "Water", core::kPressure);
+    commands::AddNetwork(*doc_, {"Sewer", core::kGravity});
+    commands::AddNetwork(*doc_, {"Water", core::kPressure});
   }
   host::LwPolyline& Polyline(std::vector<double> xy) {
     return doc_->ModelSpace().AddLightWeightPolyline(xy);

@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/project.h"
+#include "commands/networks.h"
+#include "commands/pipes.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -20,7 +21,6 @@
 #include "library/library.h"
 #include "memhost/document.h"
 #include "profile/profile_record.h"
-#include "support/command_test.h"
 #include "support/drawn_lines.h"
 #include "support/elements.h"
 #include "support/network_elements.h"
@@ -41,8 +41,8 @@ class Merging : public ::testing::Test {
   // P-1 to P-3.
   void SetUp() override {
     doc_ = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc_, "Sewer", core::kGravity);
-    cli::AddNetwork(*doc_, "Water", core::kPressure);
+    commands::AddNetwork(*doc_, {"Sewer", core::kGravity});
+    commands::AddNetwork(*doc_, {"Water", core::kPressure});
     test::ConvertDrawn(
         *doc_,
         {{0, 0, 50, 0}, {100, 0, 50, 0}, {100, 0, 150, 0}, {100, 60, 100, 0}},
@@ -78,23 +78,10 @@ class Merging : public ::testing::Test {
     doc_->GetSession().Push(memhost::Input::Objects(ids));
     return Editing::GetPipesToMerge(*doc_);
   }
-  // The steps of the merge command in their order.
-  host::LwPolyline& Merge(host::SelectionSet& pipes) {
-    std::vector<host::Entity*> sequence;
-    std::string labels, ids;
-    host::LwPolyline& merged =
-        Editing::CreateMergedPipe(*doc_, pipes, sequence, labels, ids);
-    host::Entity *first = nullptr, *last = nullptr;
-    std::string start, end, type, network;
-    host::SelectionSet& nodes =
-        General::InitializeSelectionSet(*doc_, "SetNodesForLowHigh");
-    Editing::AssignMergedXdata(*doc_, merged, sequence, labels, ids, first,
-                               last, start, end, type, network, nodes);
-    Editing::UpdateLibrariesAfterMerging(*doc_, *first, pipes.Count());
-    Editing::UpdateCrossingsAfterMerging(*doc_, labels, ids, merged, pipes);
-    Editing::UpdateProfilesAfterMerging(*doc_, merged, pipes);
-    Editing::DeleteOldMergedPipes(*doc_, pipes, start, end);
-    return merged;
+  // The merge command, as a user picks the pipes; answers the pipe they
+  // became.
+  host::LwPolyline& Merge(const std::vector<std::string>& labels) {
+    return Pipe(commands::MergePipes(*doc_, {"Sewer", labels}).merged);
   }
 
   std::unique_ptr<memhost::MemDocument> doc_;
@@ -103,9 +90,8 @@ class Merging : public ::testing::Test {
 
 TEST_F(Merging, ARunBecomesOnePipeFromItsHigherEnd) {
   ASSERT_EQ(test::MaterialUses(*doc_, "PVC"), "5");
-  host::SelectionSet& pipes = Pick({"P-2", "P-1"});
-  ASSERT_EQ(pipes.Count(), 2);
-  host::LwPolyline& merged = Merge(pipes);
+  ASSERT_EQ(Pick({"P-2", "P-1"}).Count(), 2);
+  host::LwPolyline& merged = Merge({"P-2", "P-1"});
 
   // P-1 starts highest: the merged pipe is P-1, from N-1 to N-3, its
   // vertices in one order although P-2 was drawn the other way; its end
@@ -178,34 +164,6 @@ TEST_F(Merging, SelectionsThatAreNotOneRunAreRefused) {
             "The selected pipes include different sizes!");
   // One pipe is no merge, and no refusal either.
   EXPECT_EQ(Pick({"P-1"}).Count(), 1);
-}
-
-class MergeCommand : public test::CommandTest {};
-
-TEST_F(MergeCommand, RefusalsLeaveTheFileAndRunsMerge) {
-  const std::string site = Path("site.dxf");
-  {
-    auto doc = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc, "Sewer", core::kGravity);
-    test::ConvertDrawn(*doc, {{0, 0, 50, 0}, {50, 0, 90, 0}, {90, 0, 90, 40}},
-                       "Sewer", core::kGravity);
-    dxf::SaveDrawing(*doc, site);
-  }
-  const std::string before = Bytes(site);
-  EXPECT_EQ(
-      Run({"pipe", "merge", site, "--network", "Sewer", "--labels", "P-1,P-3"}),
-      1);
-  EXPECT_NE(err_.str().find("single continuous line"), std::string::npos)
-      << err_.str();
-  EXPECT_EQ(Bytes(site), before);
-  ASSERT_EQ(Run({"pipe", "merge", site, "--network", "Sewer", "--labels",
-                 "P-1,P-2,P-3"}),
-            0)
-      << err_.str();
-  auto doc = dxf::LoadDrawing(site);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 1).Count(), 1);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 2).Count(), 2);
-  EXPECT_TRUE(test::DanglingLinks(*doc).empty());
 }
 
 }  // namespace

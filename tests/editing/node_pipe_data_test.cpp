@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "cli/project.h"
+#include "commands/networks.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -42,7 +42,7 @@ class NodePipeData : public ::testing::Test {
  protected:
   void Start(const std::string& units, const std::string& type) {
     doc_ = test::NewFullProjectDocument(units);
-    cli::AddNetwork(*doc_, "Net", type);
+    commands::AddNetwork(*doc_, {"Net", type});
     net_ = std::make_unique<test::NetworkElements>(*doc_, "Net");
   }
   // A node M at the origin; pipe A starts at M, pipe C ends at M.
@@ -235,7 +235,7 @@ TEST_F(NodePipeData, PressureEditsHandTheirNodesToTheLowHighAnalysis) {
 
 TEST_F(NodePipeData, EditsRefreshAnnotationsAndCrossings) {
   Start("Metric", core::kGravity);
-  cli::AddNetwork(*doc_, "Main", core::kPressure);
+  commands::AddNetwork(*doc_, {"Main", core::kPressure});
   auto add = [&](std::vector<double> xy) {
     return &doc_->ModelSpace().AddLightWeightPolyline(xy);
   };

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/project.h"
+#include "commands/networks.h"
 #include "core/general.h"
 #include "core/names.h"
 #include "core/node_record.h"
@@ -18,7 +18,6 @@
 #include "host/host.h"
 #include "memhost/document.h"
 #include "profile/profile_record.h"
-#include "support/command_test.h"
 #include "support/drawn_lines.h"
 #include "support/elements.h"
 #include "support/network_elements.h"
@@ -37,7 +36,7 @@ class Reversing : public ::testing::Test {
   // along P-1 and P-2, and a branch P-4 from N-5 into N-3.
   void SetUp() override {
     doc_ = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc_, "Sewer", core::kGravity);
+    commands::AddNetwork(*doc_, {"Sewer", core::kGravity});
     test::ConvertDrawn(
         *doc_,
         {{0, 0, 50, 0}, {50, 0, 100, 0}, {100, 0, 150, 0}, {100, 60, 100, 0}},
@@ -141,35 +140,6 @@ TEST_F(Reversing, PromptsAnswerWithPipesOrElements) {
   };
   EXPECT_LT(at(kReversePrompt), at(kGroupEditingPrompt));
   EXPECT_LT(at(kGroupEditingPrompt), static_cast<long>(prompts.size()));
-}
-
-class ReverseCommand : public test::CommandTest {};
-
-TEST_F(ReverseCommand, PipesByLabel) {
-  const std::string site = Path("site.dxf");
-  {
-    auto doc = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc, "Sewer", core::kGravity);
-    test::ConvertDrawn(*doc, {{0, 0, 50, 0}, {50, 0, 90, 0}}, "Sewer",
-                       core::kGravity);
-    dxf::SaveDrawing(*doc, site);
-  }
-  const std::string before = Bytes(site);
-  EXPECT_EQ(Run({"pipe", "reverse", site, "--network", "Sewer", "--labels",
-                 "P-1,P-7"}),
-            1);
-  EXPECT_NE(err_.str().find("P-7"), std::string::npos) << err_.str();
-  EXPECT_EQ(Bytes(site), before);
-  ASSERT_EQ(Run({"pipe", "reverse", site, "--network", "Sewer", "--labels",
-                 "P-1,P-2"}),
-            0)
-      << err_.str();
-  EXPECT_EQ(out_.str().rfind("reversed 2 pipes of Sewer\n", 0), 0u);
-  auto doc = dxf::LoadDrawing(site);
-  EXPECT_EQ(host::As<host::LwPolyline>(
-                test::ElementLabelled(*doc, "Sewer", "Pipe", "P-2"))
-                .Coordinates(),
-            (std::vector<double>{90, 0, 50, 0}));
 }
 
 }  // namespace

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/project.h"
+#include "commands/networks.h"
+#include "commands/pipes.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -21,7 +22,6 @@
 #include "library/library.h"
 #include "memhost/document.h"
 #include "profile/profile_record.h"
-#include "support/command_test.h"
 #include "support/drawn_lines.h"
 #include "support/elements.h"
 #include "support/network_elements.h"
@@ -42,8 +42,8 @@ class Splitting : public ::testing::Test {
   // that runs against P-1 and along P-2.
   void SetUp() override {
     doc_ = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc_, "Sewer", core::kGravity);
-    cli::AddNetwork(*doc_, "Water", core::kPressure);
+    commands::AddNetwork(*doc_, {"Sewer", core::kGravity});
+    commands::AddNetwork(*doc_, {"Water", core::kPressure});
     test::ConvertDrawn(*doc_, {{0, 0, 100, 0}, {100, 0, 150, 0, 150, 50}},
                        "Sewer", core::kGravity);
     test::ConvertDrawn(*doc_, {{70, -30, 70, 30}}, "Water", core::kPressure);
@@ -72,16 +72,9 @@ class Splitting : public ::testing::Test {
   host::Entity& Node(const std::string& label) {
     return test::ElementLabelled(*doc_, "Sewer", "Node", label);
   }
-  // The steps of the split command in their order.
-  void Split(host::Entity& pipe, const host::Point3& at) {
-    host::LwPolyline *first = nullptr, *second = nullptr;
-    host::BlockReference* node = nullptr;
-    Editing::CreateSplitEntities(*doc_, pipe, at, first, second, node);
-    Editing::AssignSplitXdata(*doc_, pipe, at, *first, *second, *node);
-    Editing::UpdateLibrariesAfterSplitting(*doc_, pipe);
-    Editing::UpdateCrossingsAfterSplitting(*doc_, pipe, *first, *second);
-    Editing::UpdateProfilesAfterSplitting(*doc_, pipe, *first, *second);
-    Editing::DeleteSplitPipe(*doc_, pipe);
+  // The split command, as a user picks the pipe and the point.
+  commands::SplitResult Split(const std::string& label, double x, double y) {
+    return commands::SplitPipe(*doc_, {"Sewer", label, x, y});
   }
 
   std::unique_ptr<memhost::MemDocument> doc_;
@@ -90,7 +83,7 @@ class Splitting : public ::testing::Test {
 
 TEST_F(Splitting, LevelsAreInterpolatedAndLinksFollow) {
   ASSERT_EQ(test::MaterialUses(*doc_, "PVC"), "3");
-  Split(Pipe("P-1"), {30, 0, 0});
+  Split("P-1", 30, 0);
 
   host::LwPolyline& a1 = Pipe("P-1");
   host::LwPolyline& a2 = Pipe("P-3");
@@ -138,7 +131,7 @@ TEST_F(Splitting, LevelsAreInterpolatedAndLinksFollow) {
 }
 
 TEST_F(Splitting, VerticesStayOnTheirSides) {
-  Split(Pipe("P-2"), {150, 20, 0});
+  Split("P-2", 150, 20);
   EXPECT_EQ(Pipe("P-2").Coordinates(),
             (std::vector<double>{100, 0, 150, 0, 150, 20}));
   EXPECT_EQ(Pipe("P-3").Coordinates(), (std::vector<double>{150, 20, 150, 50}));
@@ -161,38 +154,6 @@ TEST_F(Splitting, ThePromptsInsistOnAPipeAndAPointInside) {
                                       kPointOffPipeMessage}));
   session.Push(memhost::Input::Cancel());
   EXPECT_FALSE(Editing::GetSplitPipeAndPoint(*doc_, pipe, point));
-}
-
-class SplitCommand : public test::CommandTest {};
-
-TEST_F(SplitCommand, APointOnThePipeSplitsItAndOthersAreRefused) {
-  const std::string site = Path("site.dxf");
-  {
-    auto doc = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc, "Sewer", core::kGravity);
-    test::ConvertDrawn(*doc, {{0, 0, 50, 0}}, "Sewer", core::kGravity);
-    dxf::SaveDrawing(*doc, site);
-  }
-  const std::string before = Bytes(site);
-  EXPECT_EQ(Run({"pipe", "split", site, "--network", "Sewer", "--label", "P-1",
-                 "--at", "50,0"}),
-            1);
-  EXPECT_NE(err_.str().find(kPointAtPipeEndMessage), std::string::npos)
-      << err_.str();
-  EXPECT_EQ(Bytes(site), before);
-  ASSERT_EQ(Run({"pipe", "split", site, "--network", "Sewer", "--label", "P-1",
-                 "--at", "20,0"}),
-            0)
-      << err_.str();
-  EXPECT_EQ(out_.str().rfind("split P-1 of Sewer into P-1 and P-2 at the new "
-                             "node N-3\n",
-                             0),
-            0u)
-      << out_.str();
-  auto doc = dxf::LoadDrawing(site);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 1).Count(), 2);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 2).Count(), 3);
-  EXPECT_TRUE(test::DanglingLinks(*doc).empty());
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/project.h"
+#include "commands/project.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -17,7 +17,6 @@
 #include "events/events.h"
 #include "host/host.h"
 #include "library/library.h"
-#include "support/command_test.h"
 #include "support/drawn_lines.h"
 #include "support/elements.h"
 #include "support/network_elements.h"
@@ -36,69 +35,6 @@ TEST(GetFinalLabel, NewInFrontUntilFree) {
   EXPECT_EQ(Events::GetFinalLabel("P-4", {"P-1", "P-3", ""}), "P-4");
   // The last entry ends the list and is not compared.
   EXPECT_EQ(Events::GetFinalLabel("", {""}), "");
-}
-
-class Copies : public test::CommandTest {
- protected:
-  void SetUp() override {
-    CommandTest::SetUp();
-    site_ = Path("site.dxf");
-    auto doc = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc, "Sewer", core::kGravity);
-    cli::AddNetwork(*doc, "Water", core::kPressure);
-    test::ConvertDrawn(*doc, {{0, 0, 50, 0}, {50, 0, 90, 0}}, "Sewer",
-                       core::kGravity);
-    test::ConvertDrawn(*doc, {{70, 40, 70, 90}}, "Water", core::kPressure);
-    dxf::SaveDrawing(*doc, site_);
-  }
-  std::string site_;
-};
-
-TEST_F(Copies, CopiesTakeFreeLabelsAndLinkOnlyToEachOther) {
-  // P-2 with its nodes, and P-1 without its start node, 60 up: across the
-  // main, which runs up x = 70 from 40 to 90.
-  ASSERT_EQ(Run({"copy", site_, "--network", "Sewer", "--pipes", "P-1,P-2",
-                 "--nodes", "N-2,N-3", "--by", "0,60"}),
-            0)
-      << err_.str();
-  EXPECT_EQ(out_.str().rfind("copied into New P-2 New N-2 New N-3\n", 0), 0u)
-      << out_.str();
-  auto doc = dxf::LoadDrawing(site_);
-  EXPECT_TRUE(test::DanglingLinks(*doc).empty())
-      << testing::PrintToString(test::DanglingLinks(*doc));
-  host::Entity& copy = test::ElementLabelled(*doc, "Sewer", "Pipe", "New P-2");
-  Record r = Record::ReadRequired(copy);
-  EXPECT_EQ(r.Text(PipeField::kStartNodeLabel), ";RelatedToNew N-2");
-  EXPECT_EQ(r.Text(PipeField::kEndNodeLabel), ";RelatedToNew N-3");
-  EXPECT_EQ(host::As<host::LwPolyline>(copy).Coordinates(),
-            (std::vector<double>{50, 60, 90, 60}));
-  Record n = Record::ReadRequired(
-      test::ElementLabelled(*doc, "Sewer", "Node", "New N-2"));
-  EXPECT_EQ(n.Text(NodeField::kPipesAtStartLabels), ";RelatedToNew P-2");
-  EXPECT_EQ(n.Text(NodeField::kPipesAtEndLabels), "");
-  // The originals keep theirs.
-  EXPECT_EQ(
-      Record::ReadRequired(test::ElementLabelled(*doc, "Sewer", "Node", "N-2"))
-          .Text(NodeField::kPipesAtEndLabels),
-      ";RelatedToP-1");
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 1).Count(), 3);
-  EXPECT_EQ(test::AnnotationTexts(*doc, copy).front(), "New P-2");
-  // The copy crosses the main: its crossing is drawn and listed.
-  EXPECT_EQ(crossing::Crossing::GetExistingCrossingPointsSet(*doc, "").Count(),
-            1);
-  EXPECT_EQ(core::ReferenceValues(r.Text(PipeField::kCrossingOIDRefs)).size(),
-            1u);
-  // Two sewers and a main before, one copied sewer now.
-  EXPECT_EQ(test::MaterialUses(*doc, "PVC"), "4");
-}
-
-TEST_F(Copies, UnknownLabelsChangeNothing) {
-  const std::string before = Bytes(site_);
-  EXPECT_EQ(Run({"copy", site_, "--network", "Sewer", "--pipes", "P-7", "--by",
-                 "0,10"}),
-            1);
-  EXPECT_EQ(Run({"copy", site_, "--network", "Sewer", "--by", "0,10"}), 2);
-  EXPECT_EQ(Bytes(site_), before);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/project.h"
+#include "commands/networks.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -23,7 +23,6 @@
 #include "lowhigh/lowhigh.h"
 #include "profile/profile.h"
 #include "profile/profile_record.h"
-#include "support/command_test.h"
 #include "support/drawn_lines.h"
 #include "support/elements.h"
 #include "support/network_elements.h"
@@ -43,8 +42,8 @@ class Erasing : public ::testing::Test {
   // whole sewer.
   void SetUp() override {
     doc_ = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc_, "Sewer", core::kGravity);
-    cli::AddNetwork(*doc_, "Water", core::kPressure);
+    commands::AddNetwork(*doc_, {"Sewer", core::kGravity});
+    commands::AddNetwork(*doc_, {"Water", core::kPressure});
     Convert({{0, 0, 100, 0}, {100, 0, 200, 0}, {200, 0, 300, 0}}, "Sewer",
             core::kGravity);
     Convert({{150, -40, 150, 40}, {150, 40, 250, 40}, {250, 40, 250, -40}},
@@ -173,40 +172,6 @@ TEST_F(Erasing, AnAnnotationOrArrowIsForgottenByItsOwner) {
   EXPECT_EQ(Record::ReadRequired(node).Text(NodeField::kAnnotationOIDRef), "");
   EXPECT_EQ(after.Text(PipeField::kEndNodeLabel), ";RelatedToN-2");
   EXPECT_TRUE(test::DanglingLinks(*doc_).empty());
-}
-
-class EraseCommand : public test::CommandTest {};
-
-TEST_F(EraseCommand, NamedElementsGoAndBadNamesChangeNothing) {
-  const std::string site = Path("site.dxf");
-  ASSERT_EQ(Run({"new", site}), 0);
-  {
-    auto doc = dxf::LoadDrawing(site);
-    doc->ModelSpace().AddLightWeightPolyline({0, 0, 50, 0});
-    doc->ModelSpace().AddLightWeightPolyline({50, 0, 90, 0});
-    dxf::SaveDrawing(*doc, site);
-  }
-  ASSERT_EQ(Run({"convert", site, "--network", "Sewer", "--type", "Gravity",
-                 "--all"}),
-            0)
-      << err_.str();
-  const std::string before = Bytes(site);
-  EXPECT_EQ(Run({"erase", site, "--network", "Sewer", "--pipes", "P-9"}), 1);
-  EXPECT_NE(err_.str().find("P-9"), std::string::npos) << err_.str();
-  EXPECT_EQ(Run({"erase", site, "--pipes", "P-1"}), 2);
-  EXPECT_EQ(Run({"erase", site, "--handles", "FFFFF"}), 1);
-  EXPECT_EQ(Bytes(site), before);
-
-  ASSERT_EQ(Run({"erase", site, "--network", "Sewer", "--nodes", "N-1"}), 0)
-      << err_.str();
-  // N-1 with P-1, their annotations and P-1's arrow.
-  EXPECT_EQ(out_.str().rfind("erased 1 chosen and 4 dependent objects\n", 0),
-            0u)
-      << out_.str();
-  auto doc = dxf::LoadDrawing(site);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 1).Count(), 1);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 2).Count(), 2);
-  EXPECT_TRUE(test::DanglingLinks(*doc).empty());
 }
 
 }  // namespace

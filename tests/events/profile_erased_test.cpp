@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "cli/project.h"
+#include "commands/networks.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -27,7 +27,7 @@ class ProfileErased : public ::testing::Test {
  protected:
   void SetUp() override {
     doc_ = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc_, "Sewer", core::kGravity);
+    commands::AddNetwork(*doc_, {"Sewer", core::kGravity});
     test::NetworkElements sewer(*doc_, "Sewer");
     p1_ = &sewer.AddPipeWithNodes("P-1", {0, 0, 50, 0});
     p2_ = &sewer.AddPipeWithNodes("P-2", {50, 0, 90, 0});

@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-#include "cli/project.h"
+#include "commands/networks.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -25,7 +25,6 @@
 #include "editing/editing.h"
 #include "host/host.h"
 #include "memhost/document.h"
-#include "support/command_test.h"
 #include "support/drawn_lines.h"
 #include "support/elements.h"
 #include "support/network_elements.h"
@@ -75,8 +74,8 @@ class Renewal : public ::testing::Test {
   // main and a profile along two sewers.
   void SetUp() override {
     first_ = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*first_, "Sewer", core::kGravity);
-    cli::AddNetwork(*first_, "Water", core::kPressure);
+    commands::AddNetwork(*first_, {"Sewer", core::kGravity});
+    commands::AddNetwork(*first_, {"Water", core::kPressure});
     auto convert = [&](const std::vector<std::vector<double>>& lines,
                        const std::string& network) {
       test::ConvertDrawn(*first_, lines, network,
@@ -217,34 +216,6 @@ TEST_F(Renewal, LockedLayersAreLockedAgain) {
   host::Entity& pipe = test::ElementLabelled(*next, "Sewer", "Pipe", "P-1");
   EXPECT_NO_THROW(core::EntityFromReference(
       *next, Record::ReadRequired(pipe).Text(PipeField::kStartNodeOID)));
-}
-
-// A file saved in another session (its records hold that session's IDs)
-// is renewed by any command that opens it.
-class RenewalCommands : public test::CommandTest {};
-
-TEST_F(RenewalCommands, CommandsRenewStaleIDsBeforeFollowingLinks) {
-  const std::string site = Path("site.dxf");
-  {
-    auto doc = test::NewFullProjectDocument("Metric");
-    cli::AddNetwork(*doc, "Sewer", core::kGravity);
-    test::ConvertDrawn(*doc, {{0, 0, 50, 0}, {50, 0, 90, 0}}, "Sewer",
-                       core::kGravity);
-    // Another session: new IDs, renewed and saved there.
-    memhost::MemDocument other(nullptr,
-                               memhost::Options{memhost::IdPolicy::kFresh, 3});
-    dxf::ReadDxf(other, dxf::WriteDxf(*doc));
-    UpdateOIDs::UpdateObjectIDs(other);
-    std::ofstream(site, std::ios::binary) << dxf::WriteDxf(other);
-  }
-  // Following P-2's start node to N-2 needs current IDs.
-  ASSERT_EQ(Run({"pipe", "set", site, "--network", "Sewer", "--label", "P-1",
-                 "--end-invert", "98.5"}),
-            0)
-      << err_.str();
-  ASSERT_EQ(Run({"renew-ids", site}), 0) << err_.str();
-  EXPECT_EQ(out_.str(),
-            "every stored object ID was current\nwrote " + site + "\n");
 }
 
 }  // namespace

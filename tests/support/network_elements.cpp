@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "cli/project.h"
+#include "commands/project.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -20,7 +20,7 @@ using core::PipeField;
 std::unique_ptr<memhost::MemDocument> NewFullProjectDocument(
     const std::string& units) {
   auto document = std::make_unique<memhost::MemDocument>();
-  cli::NewProject(*document, units);
+  commands::NewProject(*document, {units});
   return document;
 }
 

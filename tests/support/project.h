@@ -18,4 +18,9 @@ void WriteBareProjectRecord(host::Document& document,
                             const std::string& units = "Metric",
                             const std::string& version = "2.00");
 
+// A small drawing for reading and writing files: a three-field project
+// record, a pipe with a short record on the locked layer "Sewer - Network"
+// and two lines there.
+std::unique_ptr<memhost::MemDocument> SampleDrawing();
+
 }  // namespace kestrana::test

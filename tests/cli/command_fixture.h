@@ -11,6 +11,11 @@
 #include <vector>
 
 #include "cli/command.h"
+#include "commands/networks.h"
+#include "core/names.h"
+#include "dxf/io.h"
+#include "support/drawn_lines.h"
+#include "support/network_elements.h"
 
 namespace kestrana::test {
 
@@ -36,6 +41,16 @@ class CommandTest : public ::testing::Test {
     err_.str("");
     cli::Io io{out_, err_};
     return cli::Main(args, io);
+  }
+  // "site.dxf": a project whose gravity network "Sewer" these lines
+  // became.
+  std::string SewerSite(const std::vector<std::vector<double>>& lines) {
+    const std::string site = Path("site.dxf");
+    auto doc = NewFullProjectDocument("Metric");
+    commands::AddNetwork(*doc, {"Sewer", core::kGravity});
+    ConvertDrawn(*doc, lines, "Sewer", core::kGravity);
+    dxf::SaveDrawing(*doc, site);
+    return site;
   }
   static std::string Bytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);

@@ -1,0 +1,76 @@
+// Networks: `kestrana network add|list|delete|show|hide`. The shape of a
+// command: command.h.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kestrana::host {
+class Document;
+}
+
+namespace kestrana::commands {
+
+struct AddNetworkOptions {
+  std::string name;
+  std::string type;  // "Gravity" or "Pressure"
+};
+// The network with its layers, shown in the active view style and crossed
+// with every network before it. OptionError for another type or an empty
+// name; InvalidInputError for a name with a banned character; RefusedError
+// for a name in use.
+void AddNetwork(host::Document& document, const AddNetworkOptions& options);
+
+struct DeleteNetworkOptions {
+  std::string name;
+};
+// The network and everything that belongs to it; NotFoundError for a
+// network that is not there.
+void DeleteNetwork(host::Document& document,
+                   const DeleteNetworkOptions& options);
+
+struct NetworkInfo {
+  std::string name;
+  std::string type;
+  int pipes = 0;
+  int nodes = 0;
+  friend bool operator==(const NetworkInfo&, const NetworkInfo&) = default;
+};
+// In the order they were made.
+std::vector<NetworkInfo> ListNetworks(host::Document& document);
+
+struct ListElementsOptions {
+  std::string network;
+};
+struct PipeListing {
+  std::string label;
+  std::string from, to;  // node labels
+  std::string size;      // as annotations write it: "%%c300", "1200X800"
+  std::string material;
+  double length = 0;
+  double start_invert = 0, end_invert = 0;
+};
+struct NodeListing {
+  std::string label;
+  double ground = 0, sump = 0;
+  std::string matching;  // "" for a rule code of no rule
+};
+struct NetworkElements {
+  std::vector<PipeListing> pipes;
+  std::vector<NodeListing> nodes;
+};
+// The pipes and nodes of a network with their data, in the network's
+// order; NotFoundError for a network that is not there.
+NetworkElements ListElements(host::Document& document,
+                             const ListElementsOptions& options);
+
+struct NetworkShownOptions {
+  std::string name;
+  bool shown = true;
+};
+// Shows or hides a network's elements, annotations and arrows, and keeps
+// it in the project's visibility text.
+void SetNetworkShown(host::Document& document,
+                     const NetworkShownOptions& options);
+
+}  // namespace kestrana::commands

@@ -1,0 +1,18 @@
+#include "commands/pipes.h"
+#include "core/guards.h"
+#include "editing/editing.h"
+#include "host/host.h"
+#include "memhost/document.h"
+
+namespace kestrana::commands {
+
+ReverseResult ReversePipes(memhost::MemDocument& document,
+                           const ReverseOptions& options) {
+  AnswerWithPipes(document, options);
+  host::SelectionSet& pipes = editing::Editing::GetPipesToReverse(document);
+  core::UnlockedLayers unlocked(document);
+  editing::Editing::ReverseSelectedPipes(document, pipes);
+  return {static_cast<int>(options.labels.size())};
+}
+
+}  // namespace kestrana::commands
