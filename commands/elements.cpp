@@ -7,6 +7,7 @@
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "editing/editing.h"
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
@@ -24,12 +25,16 @@ const char* KindName(ElementKind kind) {
 
 }  // namespace
 
-void RequireNetwork(host::Document& document, const std::string& network) {
-  if (!General::CheckNetworkExists(document, network))
-    throw NotFoundError("the project has no network named \"" + network + "\"");
+std::string RequireNetwork(host::Document& document,
+                           const std::string& network) {
+  if (std::optional<std::string> stored =
+          core::FindNetworkName(document, network))
+    return *stored;
+  throw NotFoundError("the project has no network named \"" + network + "\"");
 }
 
-std::string NetworkType(host::Document& document, const std::string& network) {
+std::string NetworkType(host::Document& document, const std::string& typed) {
+  const std::string network = RequireNetwork(document, typed);
   core::TextTable networks = General::GetNetworkDefinitions(document);
   for (int row = 0; row < networks.Rows(); ++row)
     if (networks(row, 0) == network) return networks(row, 1);
@@ -50,9 +55,9 @@ std::string ElementLabel(const host::Entity& element) {
           core::PipeField::kCombinedLabel));
 }
 
-host::Entity& FindElement(host::Document& document, const std::string& network,
+host::Entity& FindElement(host::Document& document, const std::string& typed,
                           ElementKind kind, const std::string& label) {
-  RequireNetwork(document, network);
+  const std::string network = RequireNetwork(document, typed);
   std::vector<host::Entity*> found;
   for (host::Entity* element :
        General::GetNetworkSet(document, network,
@@ -70,18 +75,11 @@ host::Entity& FindElement(host::Document& document, const std::string& network,
   return *found.front();
 }
 
-void CheckName(const std::string& what, const std::string& name) {
-  if (General::CheckTextForBannedCharacters(name, 1))
-    throw InvalidInputError(what + " \"" + name +
-                            "\" contains a character that names cannot hold "
-                            "(: ; \" / \\ > < * | ? , =)");
-}
-
-void CheckNewLabel(host::Document& document, const std::string& network,
+void CheckNewLabel(host::Document& document, const std::string& typed,
                    ElementKind kind, const std::string& label,
                    const host::Entity& element) {
-  if (label.empty()) throw OptionError("the new label is empty");
-  CheckName("The label", label);
+  const std::string network = RequireNetwork(document, typed);
+  core::CheckUserName("The label", label);
   const std::string type =
       NetworkType(document, network) +
       (kind == ElementKind::kPipe ? core::kPipeKind : core::kNodeKind);
@@ -104,12 +102,16 @@ void AnalyseLowHighAfterEdit(host::Document& document,
 }
 
 void AnswerWithPipes(memhost::MemDocument& document, const PipeLabels& pipes) {
-  RequireNetwork(document, pipes.network);
+  const std::string network = RequireNetwork(document, pipes.network);
   std::vector<host::ObjectId> ids;
+  for (size_t i = 0; i < pipes.labels.size(); ++i)
+    for (size_t j = 0; j < i; ++j)
+      if (pipes.labels[i] == pipes.labels[j])
+        throw OptionError("the pipe \"" + pipes.labels[i] +
+                          "\" is named twice; name each pipe once");
   for (const std::string& label : pipes.labels)
     ids.push_back(
-        FindElement(document, pipes.network, ElementKind::kPipe, label)
-            .ObjectID());
+        FindElement(document, network, ElementKind::kPipe, label).ObjectID());
   document.GetSession().Push(memhost::Input::Objects(std::move(ids)));
 }
 

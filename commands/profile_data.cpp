@@ -13,6 +13,7 @@
 #include "core/project_defaults.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "host/errors.h"
 #include "host/host.h"
 #include "memhost/document.h"
@@ -191,7 +192,10 @@ std::vector<std::string> SeriesValues(const std::string& series) {
 }
 
 ProfileDataResult ProfileData(memhost::MemDocument& document,
-                              const ProfileDataOptions& options) {
+                              const ProfileDataOptions& typed) {
+  ProfileDataOptions options = typed;
+  options.network =
+      core::FindNetworkName(document, typed.network).value_or(typed.network);
   const std::string type = RequireProfileNetwork(document, options.network);
   if (options.pipes.empty() == !options.line)
     throw InvalidInputError(

@@ -83,6 +83,12 @@ TEST(StyleText, HandWrittenFilesMayCommentAndQuoteAsTheyLike) {
 TEST(StyleText, ErrorsNameTheLineAndTheItem) {
   const std::string good = WriteStyleText(StandardViewStyle(true));
   ASSERT_EQ(ErrorOf(good), "");
+  for (const char* height : {"nan", "inf", "1e10", "1e999", "-2"})
+    EXPECT_EQ(ErrorOf(Edited("text height = ",
+                             std::string("text height = ") + height)),
+              std::string("line 2: the text height is a positive number up "
+                          "to 1000000000, not \"") +
+                  height + "\"");
   // "text height" is line 2; the gravity pipe section starts on line 4.
   EXPECT_EQ(ErrorOf(Edited("size = ", "colour = show")),
             "line 7: unknown item \"colour\" in [gravity pipe]");
