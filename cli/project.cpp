@@ -94,8 +94,7 @@ int RunNetworkDelete(const std::vector<std::string>& args, Io& io) {
   a.Drawing();
   const commands::DeleteNetworkOptions options{
       a.Positional(1, "the network name")};
-  const std::string deleted =
-      EditProject(a, commands::DeleteNetwork, options);
+  const std::string deleted = EditProject(a, commands::DeleteNetwork, options);
   io.out << "deleted network \"" << deleted << "\" from " << a.Written()
          << "\n";
   return 0;

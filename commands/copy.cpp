@@ -42,9 +42,9 @@ CopyResult Copy(host::Document& document, const CopyOptions& typed) {
     std::string list;
     for (const std::string& label : missing)
       list += (list.empty() ? "" : ",") + label;
-    throw RefusedError(
-        "a pipe is copied with the nodes at its ends; add " + list +
-        " to --nodes (or leave out the pipes that end there)");
+    throw RefusedError("a pipe is copied with the nodes at its ends; add " +
+                       list +
+                       " to --nodes (or leave out the pipes that end there)");
   }
   originals.insert(originals.end(), nodes.begin(), nodes.end());
   if (originals.empty())

@@ -48,8 +48,8 @@ host::Entity& FindElement(host::Document& document, const std::string& network,
                           ElementKind kind, const std::string& label);
 
 // InvalidInputError for a label that cannot be a name
-// (core::CheckUserName), RefusedError for a label another element of the same kind in the network
-// already has (letter case ignored).
+// (core::CheckUserName), RefusedError for a label another element of the same
+// kind in the network already has (letter case ignored).
 void CheckNewLabel(host::Document& document, const std::string& network,
                    ElementKind kind, const std::string& label,
                    const host::Entity& element);

@@ -53,8 +53,8 @@ std::vector<NetworkInfo> ListNetworks(host::Document& document) {
 
 NetworkElements ListElements(host::Document& document,
                              const ListElementsOptions& options) {
-  const editing::FlowGraph graph =
-      editing::ReadFlowGraph(document, RequireNetwork(document, options.network));
+  const editing::FlowGraph graph = editing::ReadFlowGraph(
+      document, RequireNetwork(document, options.network));
   NetworkElements elements;
   for (const editing::FlowGraph::Pipe& pipe : graph.pipes) {
     core::Record r = core::Record::ReadRequired(*pipe.entity);

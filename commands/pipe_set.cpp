@@ -10,9 +10,9 @@
 #include "core/record.h"
 #include "core/text.h"
 #include "core/user_names.h"
-#include "host/limits.h"
 #include "editing/editing.h"
 #include "host/host.h"
+#include "host/limits.h"
 #include "library/library.h"
 
 namespace kestrana::commands {

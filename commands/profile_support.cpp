@@ -37,7 +37,8 @@ std::string RequireProfileNetwork(host::Document& document,
 
 profile::StyleMarker RequireProfileStyle(host::Document& document,
                                          const std::string& name) {
-  std::vector<profile::StyleMarker> styles = profile::ReadStyleMarkers(document);
+  std::vector<profile::StyleMarker> styles =
+      profile::ReadStyleMarkers(document);
   std::vector<std::string> names;
   for (const profile::StyleMarker& style : styles) names.push_back(style.name);
   if (std::optional<std::string> stored = core::MatchName(names, name))

@@ -16,9 +16,10 @@ void CreateStyle(host::Document& document, const StyleCreateOptions& options) {
   const std::vector<viewstyle::ViewStyleSettings> styles =
       viewstyle::ReadViewStyles(document);
   if (std::optional<size_t> at = viewstyle::FindViewStyle(styles, name))
-    throw RefusedError("A view style named \"" +
-                       viewstyle::StyleNameOf(styles[*at]) +
-                       "\" already exists" + core::CaseNote(name, viewstyle::StyleNameOf(styles[*at])));
+    throw RefusedError(
+        "A view style named \"" + viewstyle::StyleNameOf(styles[*at]) +
+        "\" already exists" +
+        core::CaseNote(name, viewstyle::StyleNameOf(styles[*at])));
   viewstyle::ViewStyleSettings style;
   try {
     style = viewstyle::ReadStyleText(options.style_text, name);

@@ -43,8 +43,9 @@ void CheckUserName(std::string_view what, std::string_view name,
     refuse("starts or ends with a blank");
   if (rule == NameRule::kAllBanned &&
       General::CheckTextForBannedCharacters(name, 1))
-    refuse("contains a character that names cannot hold "
-           "(: ; \" / \\ > < * | ? , =)");
+    refuse(
+        "contains a character that names cannot hold "
+        "(: ; \" / \\ > < * | ? , =)");
   if (rule == NameRule::kSemicolonOnly &&
       General::CheckTextForBannedCharacters(name, 0))
     refuse("contains \";\", which names cannot hold");

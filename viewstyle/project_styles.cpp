@@ -1,4 +1,3 @@
-#include "core/user_names.h"
 #include "viewstyle/project_styles.h"
 
 #include <algorithm>
@@ -8,6 +7,7 @@
 #include "core/project_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "host/host.h"
 #include "viewstyle/view_style.h"
 

@@ -340,8 +340,7 @@ ViewStyleSettings ReadStyleText(std::string_view text, std::string_view name) {
                              "the text height is a positive "
                              "number up to " +
                                  core::GeneralText(host::kLargestNumber) +
-                                 ", not \"" +
-                                 value + "\"");
+                                 ", not \"" + value + "\"");
       style[field] = value;
     } else {
       style[field] = ParseItemValue(ItemOfField(field), value, line_number);

@@ -41,12 +41,12 @@ class BadInput : public test::CommandTest {
   }
   std::vector<std::string> NodeSet(const std::string& option,
                                    const std::string& value) {
-    return {"node", "set", path_,  "--network", "Sewer",
+    return {"node",    "set", path_,  "--network", "Sewer",
             "--label", "N-2", option, value};
   }
   std::vector<std::string> PipeSet(const std::string& option,
                                    const std::string& value) {
-    return {"pipe", "set", path_,  "--network", "Sewer",
+    return {"pipe",    "set", path_,  "--network", "Sewer",
             "--label", "P-1", option, value};
   }
 
@@ -55,8 +55,8 @@ class BadInput : public test::CommandTest {
 
 TEST_F(BadInput, NumbersADrawingCannotHoldAreRefusedWithTheirRange) {
   const std::string range = "from -1000000000 to 1000000000";
-  for (const char* bad : {"nan", "NaN", "inf", "-inf", "infinity", "1e300",
-                          "-1e10", "1e999"}) {
+  for (const char* bad :
+       {"nan", "NaN", "inf", "-inf", "infinity", "1e300", "-1e10", "1e999"}) {
     Refused(NodeSet("--sump", bad), range, 2);
     Refused(NodeSet("--ground", bad), range, 2);
     Refused(PipeSet("--start-invert", bad), range, 2);
@@ -120,8 +120,7 @@ TEST_F(BadInput, NetworkAndStyleNamesAreOneNameWithoutLetterCase) {
   auto doc = dxf::LoadDrawing(path_);
   EXPECT_EQ(viewstyle::StyleField::Read(*doc).active, "Standard");
   ASSERT_EQ(Run({"network", "delete", path_, "sEWER"}), 0) << err_.str();
-  EXPECT_EQ(out_.str().rfind("deleted network \"Sewer\"", 0), 0u)
-      << out_.str();
+  EXPECT_EQ(out_.str().rfind("deleted network \"Sewer\"", 0), 0u) << out_.str();
   doc = dxf::LoadDrawing(path_);
   EXPECT_FALSE(core::General::CheckNetworkExists(*doc, "Sewer"));
   EXPECT_EQ(core::General::GetNetworkSet(*doc, "Sewer", 0).Count(), 0);
@@ -160,11 +159,11 @@ TEST_F(BadInput, TheProjectsOwnObjectsAreNotErasedByHandle) {
 }
 
 TEST_F(BadInput, EditsThatWouldDoNothingOrLessThanAskedAreRefused) {
-  Refused({"copy", path_, "--network", "Sewer", "--pipes", "P-2", "--by",
-           "0,-30"},
-          "add N-2,N-3 to --nodes", 1);
-  Refused({"copy", path_, "--network", "Sewer", "--pipes", "P-1,P-2",
-           "--nodes", "N-1,N-3", "--by", "0,-30"},
+  Refused(
+      {"copy", path_, "--network", "Sewer", "--pipes", "P-2", "--by", "0,-30"},
+      "add N-2,N-3 to --nodes", 1);
+  Refused({"copy", path_, "--network", "Sewer", "--pipes", "P-1,P-2", "--nodes",
+           "N-1,N-3", "--by", "0,-30"},
           "add N-2 to --nodes", 1);
   Refused({"pipe", "reverse", path_, "--network", "Sewer", "--labels",
            "P-1,P-2,P-1"},
@@ -195,8 +194,7 @@ TEST_F(BadInput, AFailedDemoLeavesNoFolderBehind) {
   EXPECT_EQ(Run({"demo", out.string(), "--examples", Path("no-examples")}), 1);
   EXPECT_TRUE(std::filesystem::is_directory(out));
   // A folder that cannot be made is named with the reason.
-  EXPECT_EQ(Run({"demo", (std::filesystem::path(path_) / "demo").string()}),
-            1);
+  EXPECT_EQ(Run({"demo", (std::filesystem::path(path_) / "demo").string()}), 1);
   EXPECT_NE(err_.str().find("cannot make the folder"), std::string::npos)
       << err_.str();
 }

@@ -136,8 +136,9 @@ TEST_F(StyleCommands, ApplyDrawsOneAnnotationPerElementAndKeepsLocks) {
               ";RelatedTo" + core::IdText(pipe->ObjectID()));
   }
 
-  EXPECT_EQ(Refused({"style", "apply", site_, "--network", "Storm"}),
-            "kestrana style apply: the project has no network named \"Storm\"\n");
+  EXPECT_EQ(
+      Refused({"style", "apply", site_, "--network", "Storm"}),
+      "kestrana style apply: the project has no network named \"Storm\"\n");
 }
 
 TEST_F(StyleCommands, ExportThenCreateGivesTheSameRecord) {
@@ -285,8 +286,9 @@ TEST_F(StyleCommands, HiddenNetworksStayHiddenWhenRedrawn) {
             "01");
   ASSERT_EQ(Run({"network", "show", site_, "Sewer"}), 0);
   EXPECT_FALSE(hidden("Sewer"));
-  EXPECT_EQ(Refused({"network", "hide", site_, "Storm"}),
-            "kestrana network hide: the project has no network named \"Storm\"\n");
+  EXPECT_EQ(
+      Refused({"network", "hide", site_, "Storm"}),
+      "kestrana network hide: the project has no network named \"Storm\"\n");
 }
 
 TEST_F(StyleCommands, EveryCommandExplainsItself) {

@@ -51,7 +51,7 @@ TEST(NewProject, OnceOnly) {
 TEST(AddNetwork, ChecksNameAndType) {
   auto doc = test::NewProjectDocument();
   EXPECT_THROW(AddNetwork(*doc, {"Sewer", "gravity"}), OptionError);
-  EXPECT_THROW(AddNetwork(*doc, {"", "Gravity"}), OptionError);
+  EXPECT_THROW(AddNetwork(*doc, {"", "Gravity"}), InvalidInputError);
   EXPECT_NE(ErrorOf([&] { AddNetwork(*doc, {"A;B", "Gravity"}); }), "");
   EXPECT_NE(ErrorOf([&] { AddNetwork(*doc, {"A=B", "Gravity"}); }), "");
   AddNetwork(*doc, {"Sewer A", "Gravity"});
@@ -59,9 +59,14 @@ TEST(AddNetwork, ChecksNameAndType) {
               AddNetwork(*doc, {"Sewer A", "Pressure"});
             }),
             "A network named \"Sewer A\" already exists");
-  AddNetwork(*doc, {"sewer a", "Pressure"});
+  // Its layers would be the same layers: letter case makes no new name.
+  EXPECT_EQ(ErrorOf([&] {
+              AddNetwork(*doc, {"sewer a", "Pressure"});
+            }),
+            "A network named \"Sewer A\" already exists (names that differ "
+            "only in letter case are the same name)");
   EXPECT_EQ(core::General::GetNetworkNames(*doc),
-            (std::vector<std::string>{"Sewer A", "sewer a"}));
+            (std::vector<std::string>{"Sewer A"}));
 }
 
 TEST(ListNetworks, CountsElementsPerNetwork) {

@@ -60,8 +60,8 @@ TEST(NumericValue, InRangeOnlyWhatADrawingHolds) {
   EXPECT_EQ(ParseNumberInRange(" 1e9 "), 1e9);
   EXPECT_EQ(ParseNumberInRange("-1000000000"), -1e9);
   EXPECT_EQ(ParseNumberInRange("0.5"), 0.5);
-  for (const char* bad : {"1000000000.5", "-2e9", "1e400", "nan", "inf", "",
-                          "12abc"})
+  for (const char* bad :
+       {"1000000000.5", "-2e9", "1e400", "nan", "inf", "", "12abc"})
     EXPECT_EQ(ParseNumberInRange(bad), std::nullopt) << bad;
   EXPECT_FALSE(InNumberRange(std::nan("")));
   EXPECT_FALSE(InNumberRange(-HUGE_VAL));

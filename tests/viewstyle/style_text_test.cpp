@@ -139,10 +139,12 @@ TEST(StyleText, ErrorsNameTheLineAndTheItem) {
   EXPECT_EQ(ErrorOf(Edited("label = ", "label show")),
             "line 5: expected \"item = settings\", not \"label show\"");
   EXPECT_EQ(ErrorOf(Edited("text height", "text height = 0")),
-            "line 2: the text height is a positive number, not \"0\"");
+            "line 2: the text height is a positive number up to 1000000000, "
+            "not \"0\"");
   // Beyond the range of a number is no height either.
   EXPECT_EQ(ErrorOf(Edited("text height", "text height = 3e999")),
-            "line 2: the text height is a positive number, not \"3e999\"");
+            "line 2: the text height is a positive number up to 1000000000, "
+            "not \"3e999\"");
   EXPECT_EQ(ErrorOf("label = show\n" + good),
             "line 1: unknown item \"label\"; before the first section come "
             "only text style and text height");
