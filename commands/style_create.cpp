@@ -35,11 +35,13 @@ void CreateStyle(host::Document& document, const StyleCreateOptions& options) {
   viewstyle::ViewStyle::CreateViewStyle(document, style);
 }
 
-void ActivateStyle(host::Document& document, const StyleOptions& options) {
+std::string ActivateStyle(host::Document& document,
+                          const StyleOptions& options) {
   const std::string name =
       viewstyle::StyleNameOf(FindStyle(document, options.name));
   viewstyle::ViewStyle::UpdateMoSpaceXdataForViewStyle(
       document, name, viewstyle::StyleField::Read(document).visibility);
+  return name;
 }
 
 }  // namespace kestrana::commands

@@ -117,6 +117,8 @@ TEST_F(BadInput, NetworkAndStyleNamesAreOneNameWithoutLetterCase) {
       << err_.str();
   EXPECT_NE(out_.str().find("of Sewer"), std::string::npos) << out_.str();
   ASSERT_EQ(Run({"style", "activate", path_, "standard"}), 0) << err_.str();
+  EXPECT_EQ(out_.str().rfind("view style \"Standard\" is active", 0), 0u)
+      << out_.str();
   auto doc = dxf::LoadDrawing(path_);
   EXPECT_EQ(viewstyle::StyleField::Read(*doc).active, "Standard");
   ASSERT_EQ(Run({"network", "delete", path_, "sEWER"}), 0) << err_.str();
