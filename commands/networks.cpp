@@ -8,6 +8,7 @@
 #include "core/node_record.h"
 #include "core/pipe_record.h"
 #include "core/record.h"
+#include "core/text.h"
 #include "core/user_names.h"
 #include "editing/flow_graph.h"
 #include "host/host.h"
@@ -34,6 +35,14 @@ void AddNetwork(host::Document& document, const AddNetworkOptions& options) {
 std::string DeleteNetwork(host::Document& document,
                           const DeleteNetworkOptions& options) {
   const std::string network = RequireNetwork(document, options.name);
+  // Drawings of older versions may hold two such names; their layers and
+  // filters are the same, so deleting one would take the other's elements.
+  for (const std::string& other : General::GetNetworkNames(document))
+    if (other != network && core::SameIgnoringCase(other, network))
+      throw RefusedError("the networks \"" + network + "\" and \"" + other +
+                         "\" share their layers (names that differ only in "
+                         "letter case are the same name); deleting one would "
+                         "delete the elements of both");
   General::DeleteNetwork(document, network);
   return network;
 }

@@ -67,6 +67,17 @@ TEST(AddNetwork, ChecksNameAndType) {
             "only in letter case are the same name)");
   EXPECT_EQ(core::General::GetNetworkNames(*doc),
             (std::vector<std::string>{"Sewer A"}));
+  // A drawing that holds both already (as older versions let it): neither
+  // is deleted, since the one's filters would take the other's elements.
+  core::General::CreateNetworkDefintion(*doc, "sewer a", "Pressure");
+  for (const char* name : {"sewer a", "Sewer A"})
+    EXPECT_NE(ErrorOf([&] {
+                DeleteNetwork(*doc, {name});
+              }).find("share their layers"),
+              std::string::npos)
+        << name;
+  EXPECT_EQ(core::General::GetNetworkNames(*doc),
+            (std::vector<std::string>{"Sewer A", "sewer a"}));
 }
 
 TEST(ListNetworks, CountsElementsPerNetwork) {
