@@ -43,28 +43,38 @@ int Run(const std::vector<std::string>& args) {
   return kestrana::cli::Main(args, io);
 }
 
+// The folder of the site, kept apart from it: removed at exit, after the
+// site itself is gone.
+char site_dir[] = "/tmp/kestrana_fuzz_options_XXXXXX";
+
+void RemoveSite() {
+  std::error_code error;
+  fs::remove_all(site_dir, error);
+}
+
 const Site& TheSite() {
   static const Site site = [] {
     Site s;
-    char pattern[] = "/tmp/kestrana_fuzz_options_XXXXXX";
-    if (mkdtemp(pattern) == nullptr) std::abort();
-    s.dir = pattern;
+    if (mkdtemp(site_dir) == nullptr) std::abort();
+    std::atexit(RemoveSite);
+    s.dir = site_dir;
     s.drawing = (s.dir / "site.dxf").string();
     namespace commands = kestrana::commands;
     kestrana::memhost::MemDocument doc;
     commands::NewProject(doc, {"Metric"});
     doc.GetLayers().Add("S");
     doc.GetLayers().Add("W");
-    doc.ModelSpace().AddLightWeightPolyline({0, 0, 50, 0, 100, 10}).SetLayer(
-        "S");
+    doc.ModelSpace()
+        .AddLightWeightPolyline({0, 0, 50, 0, 100, 10})
+        .SetLayer("S");
     doc.ModelSpace().AddLine({100, 10, 0}, {150, 0, 0}).SetLayer("S");
     doc.ModelSpace().AddLightWeightPolyline({25, -30, 25, 30}).SetLayer("W");
-    commands::Convert(doc, {.network = "Sewer",
-                            .type = "Gravity",
-                            .selection = {.layer = "S"}});
-    commands::Convert(doc, {.network = "Water",
-                            .type = "Pressure",
-                            .selection = {.layer = "W"}});
+    commands::Convert(
+        doc,
+        {.network = "Sewer", .type = "Gravity", .selection = {.layer = "S"}});
+    commands::Convert(
+        doc,
+        {.network = "Water", .type = "Pressure", .selection = {.layer = "W"}});
     kestrana::dxf::SaveDrawing(doc, s.drawing);
     s.pristine = Bytes(s.drawing);
     s.style = (s.dir / "standard.style").string();
@@ -81,21 +91,21 @@ const Site& TheSite() {
 // The command lines; "$0", "$1", ... stand for the values.
 const std::vector<std::vector<std::string>>& Templates() {
   static const std::vector<std::vector<std::string>> templates = {
-      {"node", "set", "@", "--network", "$0", "--label", "$1", "--ground",
-       "$2", "--sump", "$3"},
+      {"node", "set", "@", "--network", "$0", "--label", "$1", "--ground", "$2",
+       "--sump", "$3"},
       {"node", "set", "@", "--network", "Sewer", "--label", "N-2",
        "--new-label", "$0"},
       {"pipe", "set", "@", "--network", "Sewer", "--label", "P-1",
        "--start-invert", "$0", "--end-invert", "$1"},
       {"pipe", "set", "@", "--network", "Water", "--label", "P-1", "--size",
        "$0", "--cells", "$1", "--material", "$2"},
-      {"pipe", "set", "@", "--network", "Sewer", "--label", "$0",
-       "--new-label", "$1"},
+      {"pipe", "set", "@", "--network", "Sewer", "--label", "$0", "--new-label",
+       "$1"},
       {"network", "add", "@", "$0", "--type", "$1"},
       {"network", "delete", "@", "$0"},
       {"network", "hide", "@", "$0"},
-      {"copy", "@", "--network", "$0", "--pipes", "$1", "--nodes", "$2",
-       "--by", "$3"},
+      {"copy", "@", "--network", "$0", "--pipes", "$1", "--nodes", "$2", "--by",
+       "$3"},
       {"crossings", "@", "--threshold", "$0", "--enable", "$1"},
       {"lowhigh", "@", "--show", "$0"},
       {"convert", "@", "--network", "$0", "--type", "Gravity", "--window",
