@@ -70,6 +70,20 @@ host::Entity& FindElement(host::Document& document, const std::string& network,
   return *found.front();
 }
 
+host::Entity& EntityOfHandle(host::Document& document,
+                             const std::string& handle) {
+  host::Entity* entity = nullptr;
+  try {
+    entity = dynamic_cast<host::Entity*>(&document.HandleToObject(handle));
+  } catch (const host::HostError&) {
+    // No object has it.
+  }
+  if (entity == nullptr)
+    throw NotFoundError("no entity of the drawing has the handle \"" + handle +
+                        "\"");
+  return *entity;
+}
+
 void CheckName(const std::string& what, const std::string& name) {
   if (General::CheckTextForBannedCharacters(name, 1))
     throw InvalidInputError(what + " \"" + name +

@@ -36,6 +36,11 @@ std::string NetworkType(host::Document& document, const std::string& network);
 host::Entity& FindElement(host::Document& document, const std::string& network,
                           ElementKind kind, const std::string& label);
 
+// The entity of the drawing with that DXF handle; NotFoundError when no
+// entity has it.
+host::Entity& EntityOfHandle(host::Document& document,
+                             const std::string& handle);
+
 // InvalidInputError for a name with a character names cannot hold; `what`
 // begins the message ("The label").
 void CheckName(const std::string& what, const std::string& name);
