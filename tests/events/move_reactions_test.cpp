@@ -218,27 +218,45 @@ TEST_F(Moving, ANodeMovedAcrossAMainChangesWhichPipesCrossIt) {
 }
 
 TEST_F(Moving, AProfileOverAMovedNodeIsFlaggedOnce) {
-  test::ProfileSpec wanted;
-  wanted.network = "Sewer";
-  for (const char* label : {"P-1", "P-2"}) {
-    wanted.pipes.push_back(&Pipe("Sewer", label));
-    wanted.directions.push_back("0");
-  }
-  wanted.y = 300;
-  host::BlockReference& profile = test::AddProfileBlock(*doc_, wanted);
-  ASSERT_EQ(Record::ReadRequired(profile).Int16(
-                profile::ProfileField::kUpdateFlag),
-            0);
+  auto add_profile = [&](const std::string& name,
+                         const std::vector<std::string>& pipes,
+                         double y) -> host::BlockReference& {
+    test::ProfileSpec wanted;
+    wanted.name = name;
+    wanted.network = "Sewer";
+    for (const std::string& label : pipes) {
+      wanted.pipes.push_back(&Pipe("Sewer", label));
+      wanted.directions.push_back("0");
+    }
+    wanted.y = y;
+    return test::AddProfileBlock(*doc_, wanted);
+  };
+  host::BlockReference& whole = add_profile("Whole", {"P-1", "P-2"}, 300);
+  host::BlockReference& first = add_profile("First", {"P-1"}, 500);
+  auto flag = [](host::BlockReference& profile) {
+    return Record::ReadRequired(profile).Int16(
+        profile::ProfileField::kUpdateFlag);
+  };
+  auto stamps = [&] {
+    int n = 0;
+    for (host::Entity* e : doc_->ModelSpace().Entities())
+      n += e->Layer() == profile::kStampLayer;
+    return n;
+  };
+  ASSERT_EQ(flag(whole) + flag(first), 0);
 
-  // Both pipes at N-2 change, and P-2's crossing is rebuilt.
-  MoveBy({&Node("Sewer", "N-2")}, 0, 10);
-  EXPECT_EQ(Record::ReadRequired(profile).Int16(
-                profile::ProfileField::kUpdateFlag),
-            1);
-  int stamps = 0;
-  for (host::Entity* e : doc_->ModelSpace().Entities())
-    stamps += e->Layer() == profile::kStampLayer;
-  EXPECT_EQ(stamps, 1);
+  // N-3 ends P-2 only: its crossing is rebuilt, which flags the profile
+  // too, and it gets one stamp.
+  MoveBy({&Node("Sewer", "N-3")}, 0, 10);
+  EXPECT_EQ(flag(whole), 1);
+  EXPECT_EQ(flag(first), 0);
+  EXPECT_EQ(stamps(), 1);
+
+  // N-1 starts P-1, which crosses nothing: its profiles are flagged for
+  // the new course alone.
+  MoveBy({&Node("Sewer", "N-1")}, 0, 10);
+  EXPECT_EQ(flag(first), 1);
+  EXPECT_EQ(stamps(), 2);
   ExpectConsistent();
 }
 
