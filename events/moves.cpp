@@ -6,16 +6,15 @@
 #include "core/general.h"
 #include "core/guards.h"
 #include "core/lists.h"
-#include "core/names.h"
 #include "core/node_record.h"
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/references.h"
 #include "crossing/crossing_record.h"
+#include "events/element_kind.h"
 #include "events/events.h"
 #include "events/id_lists.h"
 #include "host/host.h"
-#include "lowhigh/lowhigh_record.h"
 #include "viewstyle/view_style.h"
 
 namespace kestrana::events {
@@ -25,24 +24,6 @@ namespace {
 using core::NodeField;
 using core::PipeField;
 using core::Record;
-
-enum class Kind { kPipe, kNode, kMarker, kCrossingAnno, kCrossingLine, kOther };
-
-Kind KindOf(const host::Entity& entity) {
-  const std::optional<Record> record = Record::Read(entity);
-  if (!record || !record->Has(PipeField::kElementType) ||
-      !record->Value(PipeField::kElementType).IsText())
-    return Kind::kOther;
-  const std::string type = record->Text(PipeField::kElementType);
-  if (type == core::kGravityPipe || type == core::kPressurePipe)
-    return Kind::kPipe;
-  if (type == core::kGravityNode || type == core::kPressureNode)
-    return Kind::kNode;
-  if (type == lowhigh::kLowHighPoint) return Kind::kMarker;
-  if (type == crossing::kCrossingPointAnnotation) return Kind::kCrossingAnno;
-  if (type == crossing::kCrossingPointLine) return Kind::kCrossingLine;
-  return Kind::kOther;
-}
 
 // The IDs of the pipes that start or end at the node and are still there.
 std::vector<std::string> PipesAtNode(host::Document& document,
@@ -75,9 +56,9 @@ PipeCourses CoursesBeforeMove(host::Document& document,
                     host::As<host::LwPolyline>(pipe).Coordinates());
   };
   for (host::Entity* entity : moving) {
-    const Kind kind = KindOf(*entity);
-    if (kind == Kind::kPipe) take(*entity);
-    if (kind == Kind::kNode)
+    const ElementKind kind = KindOf(*entity);
+    if (kind == ElementKind::kPipe) take(*entity);
+    if (kind == ElementKind::kNode)
       for (const std::string& id : PipesAtNode(document, *entity))
         take(core::EntityFromIdText(document, id));
   }
@@ -91,10 +72,10 @@ std::vector<host::Entity*> ReactToMove(host::Document& document,
   std::string moved_nodes;
   for (host::Entity* entity : moved) {
     switch (KindOf(*entity)) {
-      case Kind::kPipe:
+      case ElementKind::kPipe:
         Events::AdjustPipeEnds(document, *entity);
         break;
-      case Kind::kNode:
+      case ElementKind::kNode:
         AppendOnce(moved_nodes, core::IdText(entity->ObjectID()));
         for (const std::string& id : PipesAtNode(document, *entity))
           Events::AdjustPipeEnds(document, core::EntityFromIdText(document, id));
@@ -103,20 +84,20 @@ std::vector<host::Entity*> ReactToMove(host::Document& document,
           Events::AdjustLowHighPoint(document,
                                      host::As<host::BlockReference>(*marker));
         break;
-      case Kind::kMarker:
+      case ElementKind::kLowHighPoint:
         Events::AdjustLowHighPoint(document,
                                    host::As<host::BlockReference>(*entity));
         break;
-      case Kind::kCrossingAnno:
+      case ElementKind::kCrossingAnno:
         if (host::Entity* line = Linked(document, *entity,
                                         crossing::CrossingAnnoField::kLineOIDRef))
           Events::AdjustCrossingLine(document, host::As<host::Line>(*line));
         break;
-      case Kind::kCrossingLine:
+      case ElementKind::kCrossingLine:
         Events::AdjustCrossingLine(document, host::As<host::Line>(*entity));
         break;
-      case Kind::kOther:
-        break;  // not the network's: nothing follows it
+      default:
+        break;  // nothing follows it
     }
   }
 

@@ -169,6 +169,7 @@ TEST_F(Moving, ACrossingLineRunsFromTheCrossingToTheNearestCornerOfItsTable) {
   // Nothing about the crossing itself changed.
   EXPECT_EQ(Crossings(), crossings);
   EXPECT_FALSE(anno.Erased());
+  ExpectConsistent();
 }
 
 TEST_F(Moving, ANodeMovedAcrossAMainChangesWhichPipesCrossIt) {
