@@ -1,11 +1,12 @@
 // kestrana move and kestrana stretch: network elements moved or reshaped as
 // with the drawing program's own commands, and everything that hangs on
 // them brought back in line, as the add-on does after such edits.
+#include "commands/move.h"
+
 #include <ostream>
 
 #include "cli/command.h"
 #include "cli/session.h"
-#include "commands/move.h"
 #include "memhost/document.h"
 
 namespace kestrana::cli {
@@ -18,8 +19,7 @@ void PrintOutcome(const commands::MoveResult& r, const Args& a, Io& io) {
   if (r.reshaped_pipes.empty()) io.out << " none";
   for (size_t i = 0; i < r.reshaped_pipes.size(); ++i)
     io.out << (i == 0 ? " " : ", ") << r.reshaped_pipes[i];
-  io.out << "\ntheir crossings now: " << r.crossings
-         << "\nprofiles to update:";
+  io.out << "\ntheir crossings now: " << r.crossings << "\nprofiles to update:";
   if (r.profiles_to_update.empty()) io.out << " none";
   for (size_t i = 0; i < r.profiles_to_update.size(); ++i)
     io.out << (i == 0 ? " " : ", ") << r.profiles_to_update[i];

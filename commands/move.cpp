@@ -51,15 +51,15 @@ std::vector<host::Entity*> Chosen(host::Document& document,
       throw OptionError("--pipes and --nodes need the --network they are in");
     RequireNetwork(document, *options.network);
     for (const std::string& label : options.pipes)
-      AddOnce(document, chosen,
-              FindElement(document, *options.network, ElementKind::kPipe,
-                          label),
-              "the pipe \"" + label + "\"");
+      AddOnce(
+          document, chosen,
+          FindElement(document, *options.network, ElementKind::kPipe, label),
+          "the pipe \"" + label + "\"");
     for (const std::string& label : options.nodes)
-      AddOnce(document, chosen,
-              FindElement(document, *options.network, ElementKind::kNode,
-                          label),
-              "the node \"" + label + "\"");
+      AddOnce(
+          document, chosen,
+          FindElement(document, *options.network, ElementKind::kNode, label),
+          "the node \"" + label + "\"");
   }
   for (const std::string& handle : options.handles) {
     host::Entity& entity = EntityOfHandle(document, handle);
@@ -115,16 +115,16 @@ MoveResult Move(host::Document& document, const MoveOptions& options) {
 
 MoveResult Stretch(host::Document& document, const StretchOptions& options) {
   RequireNetwork(document, options.network);
-  host::Entity& pipe = FindElement(document, options.network,
-                                   ElementKind::kPipe, options.pipe);
+  host::Entity& pipe =
+      FindElement(document, options.network, ElementKind::kPipe, options.pipe);
   auto& polyline = host::As<host::LwPolyline>(pipe);
   std::vector<double> xy = polyline.Coordinates();
   const int count = static_cast<int>(xy.size() / 2);
   if (options.vertex < 0 || options.vertex >= count)
-    throw InvalidInputError("the pipe \"" + options.pipe + "\" has " +
-                            std::to_string(count) + " vertices, numbered 0 to " +
-                            std::to_string(count - 1) + "; there is no vertex " +
-                            std::to_string(options.vertex));
+    throw InvalidInputError(
+        "the pipe \"" + options.pipe + "\" has " + std::to_string(count) +
+        " vertices, numbered 0 to " + std::to_string(count - 1) +
+        "; there is no vertex " + std::to_string(options.vertex));
   RequireUnlocked(document, pipe, "the pipe \"" + options.pipe + "\"");
   const events::PipeCourses before =
       events::CoursesBeforeMove(document, {&pipe});

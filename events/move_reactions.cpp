@@ -90,7 +90,8 @@ void Events::AdjustLowHighPoint(host::Document& document,
   const Record record = core::ReadRecordWithFields(
       point, lowhigh::kLowHighRecordLength, "low or high point");
   const host::Point3 node = NodePoint(
-      document, core::SingleReference(record, lowhigh::LowHighField::kNodeOIDRef));
+      document,
+      core::SingleReference(record, lowhigh::LowHighField::kNodeOIDRef));
   point.SetInsertionPoint(node);
 }
 
@@ -99,8 +100,8 @@ void Events::AdjustCrossingLine(host::Document& document, host::Line& line) {
   const Record line_record = core::ReadRecordWithFields(
       line, crossing::kCrossingLineRecordLength, "crossing line");
   auto& annotation = host::As<host::BlockReference>(core::EntityFromIdText(
-      document,
-      core::SingleReference(line_record, crossing::CrossingLineField::kAnnoOIDRef)));
+      document, core::SingleReference(
+                    line_record, crossing::CrossingLineField::kAnnoOIDRef)));
   const Record record = core::ReadRecordWithFields(
       annotation, crossing::kCrossingAnnoRecordLength, "crossing annotation");
   std::vector<std::string> location = core::Split(record.Text(F::kPoint));

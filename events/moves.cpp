@@ -78,7 +78,8 @@ std::vector<host::Entity*> ReactToMove(host::Document& document,
       case ElementKind::kNode:
         AppendOnce(moved_nodes, core::IdText(entity->ObjectID()));
         for (const std::string& id : PipesAtNode(document, *entity))
-          Events::AdjustPipeEnds(document, core::EntityFromIdText(document, id));
+          Events::AdjustPipeEnds(document,
+                                 core::EntityFromIdText(document, id));
         if (host::Entity* marker =
                 Linked(document, *entity, NodeField::kLowHighOIDRef))
           Events::AdjustLowHighPoint(document,
@@ -89,8 +90,8 @@ std::vector<host::Entity*> ReactToMove(host::Document& document,
                                    host::As<host::BlockReference>(*entity));
         break;
       case ElementKind::kCrossingAnno:
-        if (host::Entity* line = Linked(document, *entity,
-                                        crossing::CrossingAnnoField::kLineOIDRef))
+        if (host::Entity* line = Linked(
+                document, *entity, crossing::CrossingAnnoField::kLineOIDRef))
           Events::AdjustCrossingLine(document, host::As<host::Line>(*line));
         break;
       case ElementKind::kCrossingLine:

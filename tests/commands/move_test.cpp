@@ -1,6 +1,8 @@
 // Moving and stretching through the commands: the editor's part moves
 // what was named, the add-on's part brings the rest back in line, and
 // refusals move nothing.
+#include "commands/move.h"
+
 #include <gtest/gtest.h>
 
 #include <map>
@@ -9,7 +11,6 @@
 
 #include "commands/command.h"
 #include "commands/element_data.h"
-#include "commands/move.h"
 #include "commands/networks.h"
 #include "core/general.h"
 #include "core/geometry.h"
@@ -78,7 +79,8 @@ TEST_F(MoveCommands, StretchingAnInnerVertexReshapesThePipeAndItsSlope) {
   const std::vector<std::string> before =
       test::AnnotationTexts(*doc_, Pipe("P-1"));
   const MoveResult r = Stretch(
-      *doc_, {.network = "Sewer", .pipe = "P-1", .vertex = 1, .x = 50, .y = 120});
+      *doc_,
+      {.network = "Sewer", .pipe = "P-1", .vertex = 1, .x = 50, .y = 120});
   EXPECT_EQ(r.reshaped_pipes, (std::vector<std::string>{"Sewer P-1"}));
   EXPECT_EQ(Pipe("P-1").Coordinates(),
             (std::vector<double>{0, 0, 50, 120, 100, 0}));
@@ -94,10 +96,10 @@ TEST_F(MoveCommands, StretchingAnInnerVertexReshapesThePipeAndItsSlope) {
 
 TEST_F(MoveCommands, AnEndVertexSnapsBackOntoItsNode) {
   const MoveResult r = Stretch(
-      *doc_, {.network = "Sewer", .pipe = "P-2", .vertex = 1, .x = 130, .y = -95});
+      *doc_,
+      {.network = "Sewer", .pipe = "P-2", .vertex = 1, .x = 130, .y = -95});
   EXPECT_TRUE(r.reshaped_pipes.empty());
-  EXPECT_EQ(Pipe("P-2").Coordinates(),
-            (std::vector<double>{100, 0, 100, -80}));
+  EXPECT_EQ(Pipe("P-2").Coordinates(), (std::vector<double>{100, 0, 100, -80}));
   ExpectConsistent();
 }
 
@@ -177,12 +179,12 @@ TEST_F(MoveCommands, RefusalsMoveNothing) {
             }),
             "not found");
   EXPECT_EQ(refused_with([&] { Move(*doc_, {.pipes = {"P-1"}}); }), "option");
-  EXPECT_EQ(refused_with([&] { Move(*doc_, {.network = "Sewer"}); }),
-            "option");
+  EXPECT_EQ(refused_with([&] { Move(*doc_, {.network = "Sewer"}); }), "option");
   EXPECT_EQ(refused_with([&] { Move(*doc_, {.handles = {"FFFFF"}}); }),
             "not found");
   // A line of a block definition is not the drawing's to move.
-  host::Entity& inside = *doc_->GetBlocks().Item(core::kNodeBlock).Entities()[0];
+  host::Entity& inside =
+      *doc_->GetBlocks().Item(core::kNodeBlock).Entities()[0];
   EXPECT_EQ(refused_with([&] { Move(*doc_, {.handles = {inside.Handle()}}); }),
             "not found");
   EXPECT_EQ(refused_with([&] {

@@ -179,9 +179,9 @@ TEST_F(Moving, ANodeMovedAcrossAMainChangesWhichPipesCrossIt) {
       test::AnnotationTexts(*doc_, Pipe("Sewer", "P-1"));
   const host::Point3 p1_label_before =
       host::As<host::BlockReference>(
-          core::EntityFromReference(
-              *doc_, Record::ReadRequired(Pipe("Sewer", "P-1"))
-                         .Text(PipeField::kAnnotationOIDRef)))
+          core::EntityFromReference(*doc_,
+                                    Record::ReadRequired(Pipe("Sewer", "P-1"))
+                                        .Text(PipeField::kAnnotationOIDRef)))
           .InsertionPoint();
 
   const std::vector<host::Entity*> changed = MoveBy({&n2}, 120, 0);
@@ -193,9 +193,9 @@ TEST_F(Moving, ANodeMovedAcrossAMainChangesWhichPipesCrossIt) {
             (std::vector<double>{220, 0, 200, 0}));
   EXPECT_EQ(Crossings(), (std::vector<std::string>{"Sewer P-1 x Water P-1"}));
   EXPECT_EQ(CountOfType(crossing::kCrossingPointLine), 1);
-  EXPECT_EQ(Record::ReadRequired(Pipe("Sewer", "P-2"))
-                .Text(PipeField::kCrossingRefs),
-            "");
+  EXPECT_EQ(
+      Record::ReadRequired(Pipe("Sewer", "P-2")).Text(PipeField::kCrossingRefs),
+      "");
   EXPECT_EQ(core::ReferenceValues(Record::ReadRequired(Pipe("Water", "P-1"))
                                       .Text(PipeField::kCrossingOIDRefs))
                 .size(),
@@ -203,9 +203,9 @@ TEST_F(Moving, ANodeMovedAcrossAMainChangesWhichPipesCrossIt) {
   // P-1's annotation moved along its longer course.
   const host::Point3 p1_label_after =
       host::As<host::BlockReference>(
-          core::EntityFromReference(
-              *doc_, Record::ReadRequired(Pipe("Sewer", "P-1"))
-                         .Text(PipeField::kAnnotationOIDRef)))
+          core::EntityFromReference(*doc_,
+                                    Record::ReadRequired(Pipe("Sewer", "P-1"))
+                                        .Text(PipeField::kAnnotationOIDRef)))
           .InsertionPoint();
   EXPECT_NE(p1_label_after.x, p1_label_before.x);
   EXPECT_EQ(test::AnnotationTexts(*doc_, Pipe("Sewer", "P-1")).front(),
@@ -262,8 +262,8 @@ TEST_F(Moving, AProfileOverAMovedNodeIsFlaggedOnce) {
 }
 
 TEST_F(Moving, WhatDoesNotChangeACourseRebuildsNothing) {
-  const std::string crossing_ids =
-      Record::ReadRequired(Pipe("Sewer", "P-2")).Text(PipeField::kCrossingOIDRefs);
+  const std::string crossing_ids = Record::ReadRequired(Pipe("Sewer", "P-2"))
+                                       .Text(PipeField::kCrossingOIDRefs);
   // A straight pipe moved on its own goes back where it was.
   EXPECT_TRUE(MoveBy({&Pipe("Sewer", "P-2")}, 5, 5).empty());
   EXPECT_EQ(Pipe("Sewer", "P-2").Coordinates(),
