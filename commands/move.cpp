@@ -50,16 +50,17 @@ std::vector<host::Entity*> Chosen(host::Document& document,
     if (!options.network)
       throw OptionError("--pipes and --nodes need the --network they are in");
     RequireNetwork(document, *options.network);
-    for (const std::string& label : options.pipes)
-      AddOnce(
-          document, chosen,
-          FindElement(document, *options.network, ElementKind::kPipe, label),
-          "the pipe \"" + label + "\"");
-    for (const std::string& label : options.nodes)
-      AddOnce(
-          document, chosen,
-          FindElement(document, *options.network, ElementKind::kNode, label),
-          "the node \"" + label + "\"");
+    for (ElementKind kind : {ElementKind::kPipe, ElementKind::kNode}) {
+      const bool pipes = kind == ElementKind::kPipe;
+      const std::vector<std::string>& labels =
+          pipes ? options.pipes : options.nodes;
+      const std::vector<host::Entity*> found =
+          FindElements(document, *options.network, kind, labels);
+      for (size_t i = 0; i < found.size(); ++i)
+        AddOnce(document, chosen, *found[i],
+                std::string(pipes ? "the pipe \"" : "the node \"") + labels[i] +
+                    "\"");
+    }
   }
   for (const std::string& handle : options.handles) {
     host::Entity& entity = EntityOfHandle(document, handle);
