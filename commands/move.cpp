@@ -1,5 +1,6 @@
 #include "commands/move.h"
 
+#include <cmath>
 #include <set>
 #include <string>
 #include <vector>
@@ -31,6 +32,11 @@ void RequireUnlocked(host::Document& document, const host::Entity& entity,
   if (layer != nullptr && layer->Lock())
     throw RefusedError(what + " is on the locked layer \"" + entity.Layer() +
                        "\"; unlock the layer to move it");
+}
+
+void RequireFinite(double x, double y, const std::string& what) {
+  if (!std::isfinite(x) || !std::isfinite(y))
+    throw OptionError(what + " must be two finite numbers");
 }
 
 // Each entity once, in the order first named; refused when the editor
@@ -102,6 +108,7 @@ MoveResult Outcome(host::Document& document, int moved,
 }  // namespace
 
 MoveResult Move(host::Document& document, const MoveOptions& options) {
+  RequireFinite(options.dx, options.dy, "the offset");
   const std::vector<host::Entity*> chosen = Chosen(document, options);
   const events::PipeCourses before =
       events::CoursesBeforeMove(document, chosen);
@@ -115,6 +122,7 @@ MoveResult Move(host::Document& document, const MoveOptions& options) {
 }
 
 MoveResult Stretch(host::Document& document, const StretchOptions& options) {
+  RequireFinite(options.x, options.y, "the point");
   RequireNetwork(document, options.network);
   host::Entity& pipe =
       FindElement(document, options.network, ElementKind::kPipe, options.pipe);

@@ -33,9 +33,10 @@ struct MoveOptions {
 // Moves the named entities by the offset, then reacts as the add-on does:
 // a node takes its pipes' ends and its marker along; a pipe moved on its
 // own, a marker or a crossing line goes back to what it belongs to.
-// OptionError when nothing is named or labels come without their network;
-// NotFoundError for a label or handle that names nothing or an entity
-// outside model space; RefusedError for an entity on a locked layer.
+// OptionError when nothing is named, labels come without their network or
+// the offset is not finite; NotFoundError for a label or handle that names
+// nothing or an entity outside model space; RefusedError for an entity on a
+// locked layer.
 MoveResult Move(host::Document& document, const MoveOptions& options);
 
 struct StretchOptions {

@@ -64,6 +64,8 @@ TEST_F(MoveCommand, BadInputFailsAndLeavesTheDrawingAsItWas) {
       {{"move", site_, "--network", "Sewer", "--pipes", "P-1", "--by", "1"}, 2},
       {{"move", site_, "--network", "Sewer", "--pipes", "P-1", "--by", "1,x"},
        2},
+      {{"move", site_, "--network", "Sewer", "--pipes", "P-1", "--by", "nan,0"},
+       2},
       {{"move", site_, "--pipes", "P-1", "--by", "1,1"}, 2},
       {{"move", site_, "--by", "1,1"}, 2},
       {{"stretch", site_, "--network", "Sewer", "--pipe", "P-1", "--vertex",
