@@ -46,6 +46,16 @@ std::string NetworkType(host::Document& document, const std::string& network);
 // not guess.
 host::Entity& FindElement(host::Document& document, const std::string& network,
                           ElementKind kind, const std::string& label);
+// The same for several labels, in their order, looked up in one pass.
+std::vector<host::Entity*> FindElements(host::Document& document,
+                                        const std::string& network,
+                                        ElementKind kind,
+                                        const std::vector<std::string>& labels);
+
+// The entity of the drawing with that DXF handle; NotFoundError when no
+// entity has it.
+host::Entity& EntityOfHandle(host::Document& document,
+                             const std::string& handle);
 
 // InvalidInputError for a label that cannot be a name
 // (core::CheckUserName), RefusedError for a label another element of the same

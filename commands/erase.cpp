@@ -16,20 +16,6 @@ namespace kestrana::commands {
 
 namespace {
 
-host::Entity& EntityOfHandle(host::Document& document,
-                             const std::string& handle) {
-  host::Entity* entity = nullptr;
-  try {
-    entity = dynamic_cast<host::Entity*>(&document.HandleToObject(handle));
-  } catch (const host::HostError&) {
-    // No object has it.
-  }
-  if (entity == nullptr)
-    throw NotFoundError("no entity of the drawing has the handle \"" + handle +
-                        "\"");
-  return *entity;
-}
-
 bool Names(std::string_view id_text, const host::Object& object) {
   const std::optional<host::ObjectId> id = core::ParseObjectId(id_text);
   return id && *id == object.ObjectID();
