@@ -119,6 +119,9 @@ const std::vector<std::vector<std::string>>& Templates() {
       {"style", "apply", "@", "--network", "$0"},
       {"profile", "style", "import", "@", "#profile", "--name", "$0"},
       {"profile", "style", "delete", "@", "$0"},
+      {"move", "@", "--network", "$0", "--nodes", "$1", "--by", "$2"},
+      {"stretch", "@", "--network", "Sewer", "--pipe", "$0", "--vertex", "$1",
+       "--to", "$2"},
   };
   return templates;
 }
