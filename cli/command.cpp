@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ostream>
 
+#include "cli/files.h"
 #include "cli/session.h"
 #include "commands/command.h"
 #include "host/types.h"
@@ -95,9 +96,33 @@ int ListGroup(const std::vector<CommandInfo>& commands,
   return help ? 0 : 2;
 }
 
+// Whether the command writes its drawing or file to standard output.
+bool WritesStandardOutput(const std::vector<std::string>& args) {
+  for (size_t i = 0; i < args.size(); ++i) {
+    if (args[i] == std::string("--output=") + kStandardOutput) return true;
+    if ((args[i] == "-o" || args[i] == "--output") && i + 1 < args.size() &&
+        args[i + 1] == kStandardOutput)
+      return true;
+  }
+  return false;
+}
+
+// "-" names the command's standard output while it runs.
+class StandardOutputScope {
+ public:
+  explicit StandardOutputScope(std::ostream& out) { SetStandardOutput(&out); }
+  ~StandardOutputScope() { SetStandardOutput(nullptr); }
+  StandardOutputScope(const StandardOutputScope&) = delete;
+  StandardOutputScope& operator=(const StandardOutputScope&) = delete;
+};
+
 // Runs a command and maps the kind of its failure to the exit code.
 int Run(const CommandInfo& command, const std::vector<std::string>& args,
         Io& io) {
+  StandardOutputScope standard_output(io.out);
+  // Standard output then holds the file alone; what the command says goes
+  // to stderr.
+  Io command_io = WritesStandardOutput(args) ? Io{io.err, io.err} : io;
   auto fail = [&](const std::exception& e, const std::string& kind, int code) {
     PrintShownMessages(io.err, e.what());
     io.err << "kestrana " << command.name << ": " << kind << e.what() << '\n';
@@ -105,7 +130,7 @@ int Run(const CommandInfo& command, const std::vector<std::string>& args,
     return code;
   };
   try {
-    int code = command.run(args, io);
+    int code = command.run(args, command_io);
     PrintShownMessages(io.err);
     return code;
   } catch (const UsageError& e) {

@@ -3,6 +3,7 @@
 
 #include "cli/command.h"
 #include "cli/info.h"
+#include "cli/session.h"
 #include "dxf/io.h"
 #include "dxf/tags.h"
 
@@ -37,7 +38,7 @@ InfoSectionRegistrar::InfoSectionRegistrar(InfoSectionFn fn) {
 }
 
 InfoResult Info(const InfoOptions& options) {
-  auto doc = dxf::LoadDrawing(options.drawing);
+  auto doc = LoadDrawingFile(options.drawing);
   InfoResult result;
   result.drawing = options.drawing;
   result.summary = dxf::Summarize(*doc);
@@ -107,7 +108,7 @@ std::string FormatInfo(const InfoResult& r, bool json) {
 }
 
 std::vector<dxf::RecordDump> Dump(const DumpOptions& options) {
-  auto doc = dxf::LoadDrawing(options.drawing);
+  auto doc = LoadDrawingFile(options.drawing);
   return dxf::KestranaRecords(*doc);
 }
 
@@ -163,7 +164,7 @@ int RunSave(const std::vector<std::string>& args, Io& io) {
   a.ExpectPositionals(1);
   const std::string& input = a.Positional(0, "the drawing (DRAWING.dxf)");
   auto output = a.Option("output");
-  dxf::EditDrawing(input, output, [](memhost::MemDocument&) {});
+  EditDrawingFile(input, output, [](memhost::MemDocument&) {});
   io.out << "saved " << output.value_or(input) << "\n";
   return 0;
 }

@@ -3,11 +3,10 @@
 #include "commands/profile_data.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/files.h"
 #include "cli/session.h"
 #include "core/names.h"
 #include "core/text.h"
@@ -27,15 +26,6 @@ constexpr int kDistancePlaces = 7;  // as the series count lengths
 // Shape index, span, rise and cells of each pipe in the sections series.
 constexpr size_t kSectionValues = 4;
 constexpr char kSlopePattern[] = "0.00";
-
-std::string ReadSurfaceFile(const std::string& path) {
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error))
-    throw NotFoundError("there is no surface file " + path);
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw NotFoundError("cannot read the surface file " + path);
-  return std::string(std::istreambuf_iterator<char>(file), {});
-}
 
 host::Point3 ParsePoint(const std::string& text) {
   const std::vector<std::string> xy = SplitAtCommas(text);
@@ -206,7 +196,7 @@ int Run(const std::vector<std::string>& args, Io& io) {
   options.style = a.Option("style");
   options.surface_name = a.Option("surface-name");
   if (std::optional<std::string> surface = a.Option("surface")) {
-    options.surface_xml = ReadSurfaceFile(*surface);
+    options.surface_xml = ReadInput(*surface, InputKind::kSurface);
     options.surface_file = *surface;
   } else if (options.surface_name) {
     throw UsageError("--surface-name needs --surface FILE.xml");

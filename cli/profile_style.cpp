@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/files.h"
 #include "cli/session.h"
 #include "core/text.h"
 #include "dxf/io.h"
@@ -114,10 +115,19 @@ int RunExport(const std::vector<std::string>& args, Io& io) {
     io.out << result.text;
     return 0;
   }
-  dxf::WriteFileAtomically(*output, result.text);
+  WriteOutput(*output, result.text);
   io.out << "wrote profile style \"" << result.name << "\" to " << *output
          << "\n";
   return 0;
+}
+
+std::vector<std::string> ReadStyleItems(const std::string& path) {
+  const std::string text = ReadInput(path, InputKind::kProfileStyle);
+  try {
+    return profile::ReadProfileStyleText(text);
+  } catch (const profile::ProfileStyleFileError& e) {
+    throw profile::ProfileStyleFileError(e.line(), path + ": " + e.what());
+  }
 }
 
 int RunImport(const std::vector<std::string>& args, Io& io) {
@@ -126,8 +136,7 @@ int RunImport(const std::vector<std::string>& args, Io& io) {
   const std::string drawing = a.Positional(0, kDrawing);
   const std::optional<std::string> output = a.Option("output");
   commands::ProfileStyleImportOptions options;
-  options.items =
-      profile::ReadProfileStyleFile(a.Positional(1, "the style file"));
+  options.items = ReadStyleItems(a.Positional(1, "the style file"));
   options.name = a.Option("name");
   commands::ProfileStyleImportResult result;
   EditProjectDrawing(drawing, output, [&](memhost::MemDocument& document) {

@@ -54,13 +54,13 @@ int RunNew(const std::vector<std::string>& args, Io& io) {
   std::error_code error;
   const bool exists = std::filesystem::exists(drawing, error);
   if (exists) {
-    dxf::EditDrawing(drawing, a.Output(), [&](memhost::MemDocument& document) {
+    EditDrawingFile(drawing, a.Output(), [&](memhost::MemDocument& document) {
       commands::NewProject(document, options);
     });
   } else {
     memhost::MemDocument document;
     commands::NewProject(document, options);
-    dxf::SaveDrawing(document, a.Written());
+    SaveDrawingFile(document, a.Written());
   }
   io.out << (exists ? "started a project in " : "created ") << a.Written()
          << " (" << options.units << ")\n";
@@ -104,7 +104,7 @@ int RunRenewIds(const std::vector<std::string>& args, Io& io) {
   Args a(args, {}, {"output"});
   a.ExpectPositionals(1);
   commands::RenewIdsResult r;
-  dxf::EditDrawing(
+  EditDrawingFile(
       a.Drawing(), a.Output(),
       [&](memhost::MemDocument& document) { r = commands::RenewIds(document); },
       CommandLoadOptions());

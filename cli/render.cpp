@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "cli/command.h"
+#include "cli/session.h"
 #include "dxf/io.h"
 #include "memhost/document.h"
 #include "render/picture.h"
@@ -106,7 +107,7 @@ const Registrar kRegistrar({"render",
 RenderOutcome RenderDrawing(const RenderRequest& request) {
   // Refuse a name without a picture format before reading anything.
   render::FormatOf(request.output);
-  std::unique_ptr<memhost::MemDocument> doc = dxf::LoadDrawing(request.drawing);
+  std::unique_ptr<memhost::MemDocument> doc = LoadDrawingFile(request.drawing);
   render::Result picture = render::RenderSvg(*doc, request.picture);
   render::SavePicture(picture.svg, request.output);
   return {picture.elements, picture.skipped};

@@ -99,7 +99,7 @@ TEST_F(ProfileCommandLine, BadInputLeavesTheDrawingAsItWas) {
                 .find("line 6, item 5 (text): 3 fields where 4 are needed"),
             std::string::npos);
   EXPECT_NE(Refused({"profile", "style", "import", site_, Path("none.txt")})
-                .find("there is no style file"),
+                .find("cannot open the profile style file"),
             std::string::npos);
   EXPECT_NE(Refused({"profile", "style", "delete", site_, "Deep"})
                 .find("no profile style named \"Deep\""),
@@ -116,7 +116,7 @@ TEST_F(ProfileCommandLine, BadInputLeavesTheDrawingAsItWas) {
             std::string::npos);
   EXPECT_NE(Refused({"profile", "data", site_, "--network", "Sewer", "--pipes",
                      "P-1", "--surface", Path("none.xml")})
-                .find("there is no surface file"),
+                .find("cannot open the surface file"),
             std::string::npos);
   Write(Path("broken.xml"), "<LandXML><Surfaces>");
   EXPECT_NE(Refused({"profile", "data", site_, "--network", "Sewer", "--pipes",

@@ -234,7 +234,7 @@ TEST_F(StyleCommands, BadStyleFilesAndNamesLeaveTheDrawingAlone) {
             "kestrana style create: The drawing has no text style named "
             "\"Gothic\", which the style file names\n");
   EXPECT_NE(Refused({"style", "create", site_, "X", "--from", Path("none")})
-                .find("cannot read the style file"),
+                .find("cannot open the view style file"),
             std::string::npos);
   EXPECT_EQ(Refused({"style", "show", site_, "X"}),
             "kestrana style show: There is no view style named \"X\" (the "
