@@ -23,9 +23,18 @@ struct GroundOptions {
   std::vector<std::string> networks{};
 };
 
+// The ground level a node took.
+struct NodeLevel {
+  std::string network{};
+  std::string label{};
+  double ground = 0;
+};
+
 struct GroundResult {
   std::string surface{};
   int updated = 0;
+  // The levels taken, in the order the nodes were updated.
+  std::vector<NodeLevel> levels{};
   // "<network> <label>" of the nodes outside the surface, which keep their
   // ground levels.
   std::vector<std::string> outside{};
