@@ -3,9 +3,22 @@
 #include <cmath>
 
 #include "cli/command.h"
+#include "core/section_size.h"
 #include "core/text.h"
 
 namespace kestrana::cli {
+
+std::string SnakeCase(std::string_view name) {
+  std::string key;
+  for (char c : name) {
+    if (c == ' ' || c == '-' || c == '/') {
+      if (!key.empty() && key.back() != '_') key += '_';
+    } else {
+      key += (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+  }
+  return key;
+}
 
 void JsonWriter::BeforeValue() {
   if (after_key_) {
@@ -85,6 +98,15 @@ JsonWriter& JsonWriter::Null() {
   BeforeValue();
   out_ += "null";
   return *this;
+}
+
+JsonWriter& JsonWriter::Size(const core::SectionSize& size) {
+  BeginObject();
+  Key("shape").String(size.box ? "box" : "circular");
+  Key("span").Real(size.span);
+  Key("rise").Real(size.rise);
+  Key("cells").Int(size.cells);
+  return EndObject();
 }
 
 JsonWriter& JsonWriter::Raw(std::string_view json) {

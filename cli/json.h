@@ -9,7 +9,15 @@
 #include <string_view>
 #include <vector>
 
+namespace kestrana::core {
+struct SectionSize;
+}
+
 namespace kestrana::cli {
+
+// A name of the system's own ("upstream invert", "gravity pipe") as a key:
+// lower case, words joined by "_".
+std::string SnakeCase(std::string_view name);
 
 class JsonWriter {
  public:
@@ -31,6 +39,10 @@ class JsonWriter {
   JsonWriter& Null();
   // Text already written as JSON (a nested document).
   JsonWriter& Raw(std::string_view json);
+
+  // A pipe size as numbers with its shape: {"shape": "circular" or "box",
+  // "span", "rise", "cells"}.
+  JsonWriter& Size(const core::SectionSize& size);
 
   // The document with a final line end.
   std::string Text() const { return out_ + "\n"; }

@@ -157,8 +157,10 @@ std::string Csv(const std::vector<Listed>& listed, ListedKinds kinds) {
     for (const Listed& l : listed)
       for (const PipeListing& p : l.elements.pipes)
         CsvLine(out, {l.network.name, p.label, p.handle, p.from, p.to,
-                      p.shape, core::GeneralText(p.span),
-                      core::GeneralText(p.rise), std::to_string(p.cells),
+                      p.section.box ? "box" : "circular",
+                      core::GeneralText(p.section.span),
+                      core::GeneralText(p.section.rise),
+                      std::to_string(p.section.cells),
                       p.material, Fixed(p.length), Fixed(p.start_invert),
                       Fixed(p.end_invert), SlopePercent(p),
                       std::to_string(p.vertices.size())});
@@ -180,12 +182,7 @@ void PipeJson(JsonWriter& json, const PipeListing& p) {
   json.Key("handle").String(p.handle);
   json.Key("start_node").String(p.from);
   json.Key("end_node").String(p.to);
-  json.Key("size").BeginObject();
-  json.Key("shape").String(p.shape);
-  json.Key("span").Real(p.span);
-  json.Key("rise").Real(p.rise);
-  json.Key("cells").Int(p.cells);
-  json.EndObject();
+  json.Key("size").Size(p.section);
   json.Key("material").String(p.material);
   json.Key("length").Number(p.length, kPlaces);
   json.Key("start_invert").Number(p.start_invert, kPlaces);

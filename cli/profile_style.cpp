@@ -7,6 +7,7 @@
 
 #include "cli/command.h"
 #include "cli/files.h"
+#include "cli/json.h"
 #include "cli/session.h"
 #include "core/text.h"
 #include "dxf/io.h"
@@ -31,13 +32,15 @@ std::string ProfilesText(const ProfileStyleSummary& style) {
   return text;
 }
 
-std::string ProfilesJson(const ProfileStyleSummary& style) {
-  std::string json = "[";
-  for (const profile::StyleProfile& p : style.profiles)
-    json += std::string(json.size() > 1 ? ", " : "") +
-            "{\"name\": " + JsonString(p.name) +
-            ", \"network\": " + JsonString(p.network) + "}";
-  return json + "]";
+void ProfilesJson(JsonWriter& json, const ProfileStyleSummary& style) {
+  json.BeginArray();
+  for (const profile::StyleProfile& p : style.profiles) {
+    json.BeginObject();
+    json.Key("name").String(p.name);
+    json.Key("network").String(p.network);
+    json.EndObject();
+  }
+  json.EndArray();
 }
 
 int RunList(const std::vector<std::string>& args, Io& io) {
@@ -46,12 +49,16 @@ int RunList(const std::vector<std::string>& args, Io& io) {
   const commands::ProfileStyleListResult result = commands::ProfileStyleList(
       *OpenProjectDrawing(a.Positional(0, kDrawing)), {});
   if (a.Flag("json")) {
-    io.out << "[";
-    for (size_t i = 0; i < result.styles.size(); ++i)
-      io.out << (i ? ",\n " : "")
-             << "{\"name\": " << JsonString(result.styles[i].name)
-             << ", \"profiles\": " << ProfilesJson(result.styles[i]) << "}";
-    io.out << "]\n";
+    JsonWriter json;
+    json.BeginArray();
+    for (const ProfileStyleSummary& style : result.styles) {
+      json.BeginObject().Key("name").String(style.name);
+      json.Key("profiles");
+      ProfilesJson(json, style);
+      json.EndObject();
+    }
+    json.EndArray();
+    io.out << json.Text();
     return 0;
   }
   if (result.styles.empty()) {
@@ -75,12 +82,15 @@ int RunShow(const std::vector<std::string>& args, Io& io) {
       commands::ProfileStyleShow(*OpenProjectDrawing(a.Positional(0, kDrawing)),
                                  {a.Positional(1, kStyleName)});
   if (a.Flag("json")) {
-    io.out << "{\"name\": " << JsonString(result.style.name)
-           << ", \"profiles\": " << ProfilesJson(result.style)
-           << ", \"items\": [";
-    for (size_t k = 0; k < result.items.size(); ++k)
-      io.out << (k ? ", " : "") << JsonString(result.items[k]);
-    io.out << "]}\n";
+    // The items as the style file writes them.
+    JsonWriter json;
+    json.BeginObject().Key("name").String(result.style.name);
+    json.Key("profiles");
+    ProfilesJson(json, result.style);
+    json.Key("items").BeginArray();
+    for (const std::string& item : result.items) json.String(item);
+    json.EndArray().EndObject();
+    io.out << json.Text();
     return 0;
   }
   io.out << "profile style \"" << result.style.name

@@ -138,6 +138,8 @@ std::vector<CrossingListing> ListCrossings(host::Document& document) {
     c.label2 = first_value(CrossingAnnoField::kPipe2LabelRef);
     c.size1 = record.Text(CrossingAnnoField::kPipe1SizeString);
     c.size2 = record.Text(CrossingAnnoField::kPipe2SizeString);
+    c.section1 = core::SectionSize::Parse(c.size1);
+    c.section2 = core::SectionSize::Parse(c.size2);
     c.clearance = record.Number(CrossingAnnoField::kClearance);
     std::vector<std::string> point =
         core::Split(record.Text(CrossingAnnoField::kPoint));

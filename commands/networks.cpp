@@ -67,12 +67,7 @@ NetworkElements ListElements(host::Document& document,
     p.from = graph.nodes[pipe.from].label;
     p.to = graph.nodes[pipe.to].label;
     p.size = General::BuildSectionSizeString(r);
-    p.shape = r.Text(PipeField::kSectionShape) == core::kSectionShapeBox
-                  ? "box"
-                  : "circular";
-    p.span = r.Number(PipeField::kSpan);
-    p.rise = r.Number(PipeField::kRise);
-    p.cells = r.Int16(PipeField::kNumCells);
+    p.section = core::SectionSize::Of(r);
     p.material = r.Text(PipeField::kMaterial);
     p.length = pipe.length;
     p.start_invert = r.Number(PipeField::kStartInvert);

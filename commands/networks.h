@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "core/section_size.h"
+
 namespace kestrana::host {
 class Document;
 }
@@ -52,10 +54,7 @@ struct PipeListing {
   std::string handle;
   std::string from, to;  // node labels
   std::string size;      // as annotations write it: "%%c300", "1200X800"
-  // The size as numbers: "circular" (span is the diameter) or "box".
-  std::string shape;
-  double span = 0, rise = 0;
-  int cells = 1;
+  core::SectionSize section;  // the size as numbers
   std::string material;
   double length = 0;
   double start_invert = 0, end_invert = 0;

@@ -53,10 +53,7 @@ TEST_F(ListElementsTest, PipesCarryTheirSizeAsNumbersSlopeAndVertices) {
   EXPECT_EQ(box.from, "A");
   EXPECT_EQ(box.to, "B");
   EXPECT_EQ(box.size, "2 (1200X800)");
-  EXPECT_EQ(box.shape, "box");
-  EXPECT_EQ(box.span, 1200);
-  EXPECT_EQ(box.rise, 800);
-  EXPECT_EQ(box.cells, 2);
+  EXPECT_EQ(box.section, (core::SectionSize{true, 1200, 800, 2}));
   EXPECT_EQ(box.material, "Steel");
   EXPECT_DOUBLE_EQ(box.length, 70);  // along the bend, not end to end (50)
   ASSERT_TRUE(box.slope.has_value());
@@ -65,9 +62,7 @@ TEST_F(ListElementsTest, PipesCarryTheirSizeAsNumbersSlopeAndVertices) {
             (std::vector<PlanPoint>{{0, 0}, {30, 0}, {30, 40}}));
 
   const PipeListing& round = listed.pipes[1];
-  EXPECT_EQ(round.shape, "circular");
-  EXPECT_EQ(round.span, 150);
-  EXPECT_EQ(round.cells, 1);
+  EXPECT_EQ(round.section, (core::SectionSize{false, 150, 150, 1}));
   // Rising from start to end: a negative fall.
   EXPECT_NEAR(*round.slope, -0.6 / 30, 1e-12);
   EXPECT_EQ(round.vertices.size(), 2u);
