@@ -6,6 +6,7 @@
 
 #include "cli/command.h"
 #include "cli/json.h"
+#include "cli/progress.h"
 #include "cli/session.h"
 #include "core/text.h"
 #include "memhost/document.h"
@@ -129,8 +130,11 @@ int Run(const std::vector<std::string>& args, Io& io) {
   options.apply = a.Flag("apply");
   options.reset_locations = a.Flag("reset-locations");
   options.list = a.Flag("list");
+  ProgressLine progress(io.err, IsTerminal(io.err));
+  options.progress = progress.Callback();
   const auto [result, written] =
       ReadOrEditProject(a, options.Changes(), commands::Crossings, options);
+  progress.Finish();
   io.out << (a.Json() ? CrossingsJson(result, written)
                       : CrossingsText(result, written));
   return 0;

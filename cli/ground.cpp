@@ -7,6 +7,7 @@
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/json.h"
+#include "cli/progress.h"
 #include "cli/session.h"
 #include "core/text.h"
 #include "memhost/document.h"
@@ -71,8 +72,11 @@ int Run(const std::vector<std::string>& args, Io& io) {
   options.networks = a.RequiredNames("networks");
   options.surfaces = memhost::ParseLandXmlSurfaces(
       ReadInput(options.source, InputKind::kSurface), options.source);
+  ProgressLine progress(io.err, IsTerminal(io.err));
+  options.progress = progress.Callback();
   const commands::GroundResult r =
       EditProject(a, commands::Ground, std::move(options));
+  progress.Finish();
   if (a.Json()) {
     io.out << GroundJson(r, a.Written());
   } else {

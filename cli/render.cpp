@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "cli/command.h"
+#include "cli/progress.h"
 #include "cli/session.h"
 #include "dxf/io.h"
 #include "memhost/document.h"
@@ -49,6 +50,8 @@ const char* kUsage =
     "  --size PX              the picture's longer side in pixels (default "
     "1200)\n";
 
+constexpr char kRenderingStage[] = "rendering";
+
 int Run(const std::vector<std::string>& args, Io& io) {
   Args parsed(args, {}, {"output", "block", "layers", "window", "size"});
   RenderRequest request;
@@ -82,7 +85,13 @@ int Run(const std::vector<std::string>& args, Io& io) {
     if (request.picture.size_px < 16 || request.picture.size_px > 20000)
       throw UsageError("--size: a picture is 16 to 20000 pixels across");
   }
+  ProgressLine progress(io.err, IsTerminal(io.err));
+  if (core::ProgressFn report = progress.Callback())
+    request.picture.progress = [report](size_t done, size_t total) {
+      report(kRenderingStage, done, total);
+    };
   RenderOutcome outcome = RenderDrawing(request);
+  progress.Finish();
   io.out << "wrote " << request.output << " (" << outcome.elements
          << " elements)\n";
   if (!outcome.skipped.empty()) {

@@ -93,6 +93,7 @@ Counts CountsOf(host::Document& document, const std::string& network) {
 
 ConvertResult Convert(memhost::MemDocument& document,
                       const ConvertOptions& options) {
+  core::ProgressScope progress(options.progress);
   ConvertResult result;
   result.network = options.network;
   if (options.type && *options.type != core::kGravity &&

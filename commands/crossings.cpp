@@ -163,6 +163,7 @@ std::vector<CrossingListing> ListCrossings(host::Document& document) {
 
 CrossingsResult Crossings(host::Document& document,
                           const CrossingsOptions& options) {
+  core::ProgressScope progress(options.progress);
   CrossingsResult result;
   if (options.Changes()) {
     ChangeCrossingSettings(document, options.threshold, options.enable,

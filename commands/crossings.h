@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "core/progress.h"
 #include "core/section_size.h"
 
 namespace kestrana::host {
@@ -24,6 +25,7 @@ struct CrossingsOptions {
   bool apply = false;                    // apply the settings without a change
   bool reset_locations = false;          // and put annotations back in place
   bool list = false;
+  core::ProgressFn progress{};  // the pipes searched for crossings
 
   // Whether the command changes the drawing or only reads it.
   bool Changes() const {

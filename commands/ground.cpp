@@ -44,6 +44,7 @@ std::string ChooseSurface(const GroundOptions& options) {
 }  // namespace
 
 GroundResult Ground(memhost::MemDocument& document, GroundOptions options) {
+  core::ProgressScope progress(options.progress);
   if (options.networks.empty())
     throw OptionError("--networks names no network");
   for (const std::string& network : options.networks)

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "core/progress.h"
+
 namespace kestrana::memhost {
 class MemDocument;
 class MemSurface;
@@ -21,6 +23,7 @@ struct GroundOptions {
   std::string source{};
   std::optional<std::string> surface_name{};  // needed when there are several
   std::vector<std::string> networks{};
+  core::ProgressFn progress{};  // the nodes given their levels
 };
 
 // The ground level a node took.
