@@ -98,10 +98,14 @@ int ListGroup(const std::vector<CommandInfo>& commands,
 
 // Whether the command writes its drawing or file to standard output.
 bool WritesStandardOutput(const std::vector<std::string>& args) {
+  auto standard = [](const std::string& output) {
+    return output == kStandardOutput || output == "/dev/stdout";
+  };
   for (size_t i = 0; i < args.size(); ++i) {
-    if (args[i] == std::string("--output=") + kStandardOutput) return true;
+    if (args[i].rfind("--output=", 0) == 0 && standard(args[i].substr(9)))
+      return true;
     if ((args[i] == "-o" || args[i] == "--output") && i + 1 < args.size() &&
-        args[i + 1] == kStandardOutput)
+        standard(args[i + 1]))
       return true;
   }
   return false;

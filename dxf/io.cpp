@@ -145,12 +145,14 @@ bool ReadOnly(const std::string& path, const struct stat& st) {
 }  // namespace
 
 void WriteFileAtomically(const std::string& path, const std::string& bytes) {
-  const std::string target = FollowLinks(path);
   struct stat st {};
-  const bool exists = ::stat(target.c_str(), &st) == 0;
+  const bool exists = ::stat(path.c_str(), &st) == 0;
   if (exists && S_ISDIR(st.st_mode))
     WriteFailed(path, "it is a folder", 0);
-  if (exists && !S_ISREG(st.st_mode)) return WriteInPlace(target, bytes);
+  // Opened through its links as it stands: /dev/stdout names a pipe or a
+  // terminal by a link that is no path.
+  if (exists && !S_ISREG(st.st_mode)) return WriteInPlace(path, bytes);
+  const std::string target = FollowLinks(path);
   if (exists && ReadOnly(target, st))
     throw FileError("cannot write '" + path +
                     "': the file is read-only; make it writable or write "
