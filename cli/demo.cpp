@@ -143,13 +143,14 @@ DemoResult RunDemo(const DemoOptions& options) {
                           {kWater, commands::DesignRules::kWaterMains});
   viewstyle::MoveAnnotationsClear(*document, {kSewer, kWater});
 
-  dxf::SaveDrawing(*document, result.drawing);
+  SaveDrawingFile(*document, result.drawing);
   render::Options picture;
   picture.size_px = options.picture_px;
-  render::SavePicture(render::RenderSvg(*document, picture).svg,
-                      result.picture);
+  WriteOutput(result.picture,
+              render::PictureBytes(render::RenderSvg(*document, picture).svg,
+                                   render::PictureFormat::kPng));
   result.report = Report(*document, surface);
-  dxf::WriteFileAtomically(result.report_file, result.report);
+  WriteOutput(result.report_file, result.report);
   return result;
 }
 

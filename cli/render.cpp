@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "cli/command.h"
+#include "cli/files.h"
 #include "cli/progress.h"
 #include "cli/session.h"
 #include "dxf/io.h"
@@ -118,7 +119,9 @@ RenderOutcome RenderDrawing(const RenderRequest& request) {
   render::FormatOf(request.output);
   std::unique_ptr<memhost::MemDocument> doc = LoadDrawingFile(request.drawing);
   render::Result picture = render::RenderSvg(*doc, request.picture);
-  render::SavePicture(picture.svg, request.output);
+  WriteOutput(request.output,
+              render::PictureBytes(picture.svg,
+                                   render::FormatOf(request.output)));
   return {picture.elements, picture.skipped};
 }
 

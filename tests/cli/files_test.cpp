@@ -58,6 +58,16 @@ TEST_F(OutputFiles, ALinkIsFollowedAndTheFileKeepsItsPermissions) {
                           fs::directory_iterator{}),
             1);
 
+  // Pictures are saved the same way.
+  { std::ofstream(Path("real.svg")) << "old"; }
+  ASSERT_EQ(::chmod(Path("real.svg").c_str(), 0640), 0);
+  fs::create_symlink(Path("real.svg"), Path("links/plan.svg"));
+  ASSERT_EQ(Run({"render", drawing_, "-o", Path("links/plan.svg")}), 0)
+      << err_.str();
+  EXPECT_TRUE(fs::is_symlink(Path("links/plan.svg")));
+  EXPECT_NE(Bytes(Path("real.svg")).find("<svg"), std::string::npos);
+  EXPECT_EQ(Mode(Path("real.svg")), 0640u);
+
   // A link to a file still to be written makes that file.
   fs::create_symlink(Path("new.dxf"), Path("dangling.dxf"));
   ASSERT_EQ(Run({"save", drawing_, "-o", Path("dangling.dxf")}), 0)
