@@ -123,7 +123,7 @@ DemoResult RunDemo(const DemoOptions& options) {
   commands::GroundOptions ground{
       .surfaces = memhost::ParseLandXmlSurfaces(
           ReadInput(surface_file, InputKind::kSurface), surface_file),
-                                 .networks = {kSewer, kWater}};
+      .networks = {kSewer, kWater}};
   const std::string surface = ground.surfaces.front()->Name();
   std::unique_ptr<memhost::MemDocument> document = LoadDrawingFile(
       (examples / kExampleDrawing).string(), CommandLoadOptions());

@@ -137,7 +137,8 @@ std::string ReadInput(const std::string& path, InputKind kind) {
     throw InvalidInputError("'" + path + "' " + why);
   };
   struct stat st {};
-  if (::fstat(fd, &st) != 0) refuse("cannot be read: " + std::string(std::strerror(errno)));
+  if (::fstat(fd, &st) != 0)
+    refuse("cannot be read: " + std::string(std::strerror(errno)));
   if (S_ISDIR(st.st_mode))
     refuse(std::string("is a folder, not ") + KindName(kind));
   if (!S_ISREG(st.st_mode))
@@ -173,7 +174,8 @@ std::string ReadInput(const std::string& path, InputKind kind) {
   }
   ::close(fd);
   data.resize(done);
-  if (data.empty()) throw InvalidInputError("'" + path + "' is empty, not " + KindName(kind));
+  if (data.empty())
+    throw InvalidInputError("'" + path + "' is empty, not " + KindName(kind));
   if (!LooksLike(kind, std::string_view(data).substr(0, kHeadBytes)))
     throw InvalidInputError("'" + path + "' is not " + KindName(kind) +
                             " (it does not begin as one)");

@@ -33,8 +33,7 @@ std::string LevelRange(const std::vector<commands::NodeLevel>& levels) {
   auto [low, high] = std::minmax_element(
       levels.begin(), levels.end(),
       [](const auto& a, const auto& b) { return a.ground < b.ground; });
-  if (levels.size() == 1)
-    return Level(low->ground) + " at " + NodeName(*low);
+  if (levels.size() == 1) return Level(low->ground) + " at " + NodeName(*low);
   return Level(low->ground) + " (" + NodeName(*low) + ") to " +
          Level(high->ground) + " (" + NodeName(*high) + ")";
 }
@@ -81,9 +80,9 @@ int Run(const std::vector<std::string>& args, Io& io) {
     io.out << GroundJson(r, a.Written());
   } else {
     io.out << "ground levels of " << r.updated << " node"
-           << (r.updated == 1 ? "" : "s") << " from the surface \""
-           << r.surface << "\": " << LevelRange(r.levels) << "\nwrote "
-           << a.Written() << "\n";
+           << (r.updated == 1 ? "" : "s") << " from the surface \"" << r.surface
+           << "\": " << LevelRange(r.levels) << "\nwrote " << a.Written()
+           << "\n";
   }
   if (!r.outside.empty()) {
     io.err << "kestrana ground: warning: " << r.outside.size() << " node"

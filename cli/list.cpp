@@ -39,19 +39,22 @@ struct Column {
 };
 
 const std::vector<Column> kPipeColumns = {
-    {"LABEL", "label", false},       {"HANDLE", "handle", false},
-    {"FROM", "start_node", false},   {"TO", "end_node", false},
-    {"SIZE", "size", false},         {"MATERIAL", "material", false},
-    {"LENGTH", "length", true},      {"START IL", "start_invert", true},
-    {"END IL", "end_invert", true},  {"SLOPE %", "slope_percent", true},
+    {"LABEL", "label", false},      {"HANDLE", "handle", false},
+    {"FROM", "start_node", false},  {"TO", "end_node", false},
+    {"SIZE", "size", false},        {"MATERIAL", "material", false},
+    {"LENGTH", "length", true},     {"START IL", "start_invert", true},
+    {"END IL", "end_invert", true}, {"SLOPE %", "slope_percent", true},
     {"VERTICES", "vertices", true}};
 
-const std::vector<Column> kNodeColumns = {
-    {"LABEL", "label", false},      {"HANDLE", "handle", false},
-    {"X", "x", true},               {"Y", "y", true},
-    {"GROUND", "ground", true},     {"SUMP", "sump", true},
-    {"DEPTH", "depth", true},       {"MATCHING", "matching", false},
-    {"LOW/HIGH", "low_high", false}};
+const std::vector<Column> kNodeColumns = {{"LABEL", "label", false},
+                                          {"HANDLE", "handle", false},
+                                          {"X", "x", true},
+                                          {"Y", "y", true},
+                                          {"GROUND", "ground", true},
+                                          {"SUMP", "sump", true},
+                                          {"DEPTH", "depth", true},
+                                          {"MATCHING", "matching", false},
+                                          {"LOW/HIGH", "low_high", false}};
 
 std::vector<std::string> PipeRow(const PipeListing& p) {
   return {p.label,
@@ -68,9 +71,10 @@ std::vector<std::string> PipeRow(const PipeListing& p) {
 }
 
 std::vector<std::string> NodeRow(const NodeListing& n) {
-  return {n.label,          n.handle,      Fixed(n.position.x),
-          Fixed(n.position.y), Fixed(n.ground), Fixed(n.sump),
-          Fixed(n.depth),   n.matching,    n.low_high};
+  return {
+      n.label,         n.handle,      Fixed(n.position.x), Fixed(n.position.y),
+      Fixed(n.ground), Fixed(n.sump), Fixed(n.depth),      n.matching,
+      n.low_high};
 }
 
 // Characters on screen: UTF-8 continuation bytes take no room.
@@ -106,8 +110,7 @@ void Table(std::ostream& out, const std::vector<Column>& columns,
 }  // namespace
 
 std::string ElementsTables(const std::string& network,
-                           const NetworkElements& elements,
-                           ListedKinds kinds) {
+                           const NetworkElements& elements, ListedKinds kinds) {
   std::ostringstream out;
   if (kinds != ListedKinds::kNodes) {
     out << network << " pipes (" << elements.pipes.size() << ")\n";
@@ -136,7 +139,8 @@ struct Listed {
 std::string CsvField(const std::string& text) {
   if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
   std::string quoted = "\"";
-  for (char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+  for (char c : text)
+    quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
   return quoted + "\"";
 }
 
@@ -156,14 +160,14 @@ std::string Csv(const std::vector<Listed>& listed, ListedKinds kinds) {
                   "start_invert", "end_invert", "slope_percent", "vertices"});
     for (const Listed& l : listed)
       for (const PipeListing& p : l.elements.pipes)
-        CsvLine(out, {l.network.name, p.label, p.handle, p.from, p.to,
-                      p.section.box ? "box" : "circular",
-                      core::GeneralText(p.section.span),
-                      core::GeneralText(p.section.rise),
-                      std::to_string(p.section.cells),
-                      p.material, Fixed(p.length), Fixed(p.start_invert),
-                      Fixed(p.end_invert), SlopePercent(p),
-                      std::to_string(p.vertices.size())});
+        CsvLine(out,
+                {l.network.name, p.label, p.handle, p.from, p.to,
+                 p.section.box ? "box" : "circular",
+                 core::GeneralText(p.section.span),
+                 core::GeneralText(p.section.rise),
+                 std::to_string(p.section.cells), p.material, Fixed(p.length),
+                 Fixed(p.start_invert), Fixed(p.end_invert), SlopePercent(p),
+                 std::to_string(p.vertices.size())});
   } else {
     CsvLine(out, {"network", "label", "handle", "x", "y", "ground", "sump",
                   "depth", "matching", "low_high"});
@@ -248,16 +252,18 @@ int Run(const std::vector<std::string>& args, Io& io) {
   a.ExpectPositionals(1);
   a.Drawing();
   if (a.Flag("pipes") && a.Flag("nodes"))
-    throw UsageError("--pipes and --nodes exclude each other (give neither "
-                     "for both)");
+    throw UsageError(
+        "--pipes and --nodes exclude each other (give neither "
+        "for both)");
   if (a.Flag("json") && a.Flag("csv"))
     throw UsageError("--json and --csv exclude each other");
   const ListedKinds kinds = a.Flag("pipes")   ? ListedKinds::kPipes
                             : a.Flag("nodes") ? ListedKinds::kNodes
                                               : ListedKinds::kBoth;
   if (a.Flag("csv") && kinds == ListedKinds::kBoth)
-    throw UsageError("--csv needs --pipes or --nodes: a CSV file holds one "
-                     "table");
+    throw UsageError(
+        "--csv needs --pipes or --nodes: a CSV file holds one "
+        "table");
   const std::optional<std::string> only = a.Option("network");
 
   std::unique_ptr<memhost::MemDocument> document =

@@ -24,8 +24,8 @@ void ProgressLine::Report(std::string_view stage, size_t done, size_t total) {
   if (stage == stage_ && percent == percent_) return;
   stage_ = stage;
   percent_ = percent;
-  err_ << kClearLine << "kestrana: " << stage << " " << done << " of "
-       << total << " (" << percent << "%)" << std::flush;
+  err_ << kClearLine << "kestrana: " << stage << " " << done << " of " << total
+       << " (" << percent << "%)" << std::flush;
   shown_ = true;
 }
 

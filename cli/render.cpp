@@ -119,9 +119,9 @@ RenderOutcome RenderDrawing(const RenderRequest& request) {
   render::FormatOf(request.output);
   std::unique_ptr<memhost::MemDocument> doc = LoadDrawingFile(request.drawing);
   render::Result picture = render::RenderSvg(*doc, request.picture);
-  WriteOutput(request.output,
-              render::PictureBytes(picture.svg,
-                                   render::FormatOf(request.output)));
+  WriteOutput(
+      request.output,
+      render::PictureBytes(picture.svg, render::FormatOf(request.output)));
   return {picture.elements, picture.skipped};
 }
 

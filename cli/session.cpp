@@ -34,8 +34,7 @@ void PrintShownMessages(std::ostream& err, const std::string& except) {
 
 std::unique_ptr<memhost::MemDocument> LoadDrawingFile(
     const std::string& path, const dxf::LoadOptions& options) {
-  return dxf::ParseDrawing(path, ReadInput(path, InputKind::kDrawing),
-                           options);
+  return dxf::ParseDrawing(path, ReadInput(path, InputKind::kDrawing), options);
 }
 
 void SaveDrawingFile(memhost::MemDocument& document, const std::string& path) {

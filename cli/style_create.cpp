@@ -16,7 +16,8 @@ int RunStyleCreate(const std::vector<std::string>& args, Io& io) {
   a.ExpectPositionals(2);
   a.Drawing();
   const commands::StyleCreateOptions options{
-      a.Positional(1, "the view style name"), ReadInput(a.Required("from"), InputKind::kViewStyle)};
+      a.Positional(1, "the view style name"),
+      ReadInput(a.Required("from"), InputKind::kViewStyle)};
   EditProject(a, commands::CreateStyle, options);
   io.out << "created view style \"" << options.name << "\" in " << a.Written()
          << "\n";

@@ -6,9 +6,9 @@
 #include "cli/info.h"
 #include "cli/json.h"
 #include "cli/session.h"
-#include "core/text.h"
 #include "commands/styles.h"
 #include "core/project_record.h"
+#include "core/text.h"
 
 namespace kestrana::cli {
 

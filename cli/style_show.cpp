@@ -4,8 +4,8 @@
 #include "cli/command.h"
 #include "cli/json.h"
 #include "cli/session.h"
-#include "core/text.h"
 #include "commands/styles.h"
+#include "core/text.h"
 #include "viewstyle/style_text.h"
 
 namespace kestrana::cli {

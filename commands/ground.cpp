@@ -68,9 +68,10 @@ GroundResult Ground(memhost::MemDocument& document, GroundOptions options) {
                                  "\"; nothing was changed");
   result.updated = static_cast<int>(update.updated.size());
   for (host::Entity* node : update.updated)
-    result.levels.push_back(
-        {core::General::GetElementNetwork(*node), ElementLabel(*node),
-         core::Record::ReadRequired(*node).Number(core::NodeField::kGroundLevel)});
+    result.levels.push_back({core::General::GetElementNetwork(*node),
+                             ElementLabel(*node),
+                             core::Record::ReadRequired(*node).Number(
+                                 core::NodeField::kGroundLevel)});
   return result;
 }
 

@@ -13,8 +13,9 @@ std::vector<MaterialUse> ListMaterials(host::Document& document) {
   core::TextTable materials = Library::GetMaterialsArray(document);
   std::vector<MaterialUse> uses;
   for (int r = 0; r < materials.Rows(); ++r)
-    uses.push_back({materials(r, column::kName),
-                    core::ToInt32(core::NumericValue(materials(r, column::kCount)))});
+    uses.push_back(
+        {materials(r, column::kName),
+         core::ToInt32(core::NumericValue(materials(r, column::kCount)))});
   return uses;
 }
 

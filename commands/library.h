@@ -27,7 +27,7 @@ struct SizeUse {
   double span = 0;    // the diameter of a circular size
   double rise = 0;    // the rise of a box; the diameter of a circular size
   int pipes = 0;
-  double area = 0;    // of the section
+  double area = 0;  // of the section
 };
 // Circular sizes before box sizes, each smallest first. OptionError for
 // another shape.

@@ -52,8 +52,8 @@ struct PlanPoint {
 struct PipeListing {
   std::string label;
   std::string handle;
-  std::string from, to;  // node labels
-  std::string size;      // as annotations write it: "%%c300", "1200X800"
+  std::string from, to;       // node labels
+  std::string size;           // as annotations write it: "%%c300", "1200X800"
   core::SectionSize section;  // the size as numbers
   std::string material;
   double length = 0;

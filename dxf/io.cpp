@@ -137,8 +137,8 @@ void WriteInPlace(const std::string& path, const std::string& bytes) {
 // Write permission as the file's mode says it. The superuser may write
 // anything, so for it a file nobody may write counts as read-only too.
 bool ReadOnly(const std::string& path, const struct stat& st) {
-  if (::access(path.c_str(), W_OK) != 0) return errno == EACCES ||
-                                                errno == EROFS;
+  if (::access(path.c_str(), W_OK) != 0)
+    return errno == EACCES || errno == EROFS;
   return ::geteuid() == 0 && (st.st_mode & 0222) == 0;
 }
 
@@ -147,8 +147,7 @@ bool ReadOnly(const std::string& path, const struct stat& st) {
 void WriteFileAtomically(const std::string& path, const std::string& bytes) {
   struct stat st {};
   const bool exists = ::stat(path.c_str(), &st) == 0;
-  if (exists && S_ISDIR(st.st_mode))
-    WriteFailed(path, "it is a folder", 0);
+  if (exists && S_ISDIR(st.st_mode)) WriteFailed(path, "it is a folder", 0);
   // Opened through its links as it stands: /dev/stdout names a pipe or a
   // terminal by a link that is no path.
   if (exists && !S_ISREG(st.st_mode)) return WriteInPlace(path, bytes);
@@ -162,8 +161,7 @@ void WriteFileAtomically(const std::string& path, const std::string& bytes) {
   std::string tmp = dir + "/." + BaseName(target) + ".XXXXXX";
   int fd = ::mkstemp(tmp.data());
   if (fd < 0)
-    WriteFailed(path, "cannot create a temporary file in '" + dir + "'",
-                errno);
+    WriteFailed(path, "cannot create a temporary file in '" + dir + "'", errno);
   auto fail = [&](const char* what) {
     int err = errno;
     ::close(fd);

@@ -52,8 +52,7 @@ std::string ScratchFile(const std::string& suffix) {
 std::string ReadFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   std::string bytes((std::istreambuf_iterator<char>(in)), {});
-  if (!in.good() && !in.eof())
-    throw std::runtime_error("cannot read " + path);
+  if (!in.good() && !in.eof()) throw std::runtime_error("cannot read " + path);
   return bytes;
 }
 

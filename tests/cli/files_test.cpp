@@ -1,11 +1,12 @@
 // What commands read and write: links, permissions, read-only files, pipes
 // and standard output on the way out; devices, pipes, folders, files of
 // another kind and oversized files on the way in.
+#include "cli/files.h"
+
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
@@ -13,7 +14,6 @@
 #include <string>
 
 #include "cli/command_fixture.h"
-#include "cli/files.h"
 #include "dxf/io.h"
 #include "host/errors.h"
 #include "support/project.h"
@@ -164,11 +164,9 @@ TEST_F(InputFiles, FilesOfAnotherKindAreRefusedBeforeTheyAreRead) {
   EXPECT_EQ(Run({"info", empty}), 1);
   EXPECT_NE(err_.str().find("is empty"), std::string::npos) << err_.str();
   // A drawing given where a surface or a style file belongs.
-  EXPECT_EQ(Run({"ground", drawing, "--surface", drawing, "--networks",
-                 "Sewer"}),
-            1);
-  EXPECT_NE(err_.str().find("is not a LandXML surface file"),
-            std::string::npos)
+  EXPECT_EQ(
+      Run({"ground", drawing, "--surface", drawing, "--networks", "Sewer"}), 1);
+  EXPECT_NE(err_.str().find("is not a LandXML surface file"), std::string::npos)
       << err_.str();
   EXPECT_EQ(Run({"style", "create", drawing, "Mine", "--from", drawing}), 1);
   EXPECT_NE(err_.str().find("is not a view style file"), std::string::npos)
@@ -208,8 +206,8 @@ TEST(InputKinds, TheFirstBytesTellTheKind) {
   // ASCII DXF, after a byte-order mark or blank lines, and binary DXF.
   EXPECT_TRUE(LooksLike(K::kDrawing, "  0\r\nSECTION\r\n"));
   EXPECT_TRUE(LooksLike(K::kDrawing, "\xEF\xBB\xBF\n999\ncomment\n"));
-  EXPECT_TRUE(LooksLike(K::kDrawing,
-                        std::string("AutoCAD Binary DXF\r\n\x1a\0", 22)));
+  EXPECT_TRUE(
+      LooksLike(K::kDrawing, std::string("AutoCAD Binary DXF\r\n\x1a\0", 22)));
   EXPECT_FALSE(LooksLike(K::kDrawing, "SECTION\n0\n"));
   EXPECT_FALSE(LooksLike(K::kDrawing, "0 SECTION\n"));
   EXPECT_FALSE(LooksLike(K::kDrawing, std::string("0\n\0\0\0", 5)));

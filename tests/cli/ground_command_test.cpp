@@ -19,7 +19,8 @@ class GroundCommand : public test::CommandTest {
   void SetUp() override {
     CommandTest::SetUp();
     std::vector<std::vector<double>> lines;
-    for (int i = 0; i < 12; ++i) lines.push_back({i * 10.0, 0, i * 10.0 + 10, 0});
+    for (int i = 0; i < 12; ++i)
+      lines.push_back({i * 10.0, 0, i * 10.0 + 10, 0});
     site_ = SewerSite(lines);
     surface_ = Path("ground.xml");
     std::ofstream(surface_)
@@ -43,8 +44,9 @@ TEST_F(GroundCommand, NamesTenNodesOutsideCountsTheRestAndSaysTheLevels) {
             std::string::npos)
       << out;
   EXPECT_NE(out.find(") to 100.10 (Sewer "), std::string::npos) << out;
-  const size_t list = err.find("11 nodes lie outside the surface and keep "
-                               "their ground levels: ");
+  const size_t list = err.find(
+      "11 nodes lie outside the surface and keep "
+      "their ground levels: ");
   ASSERT_NE(list, std::string::npos) << err;
   const std::string names = err.substr(list);
   EXPECT_EQ(std::count(names.begin(), names.end(), ','), 9) << names;
@@ -56,14 +58,15 @@ TEST_F(GroundCommand, NamesTenNodesOutsideCountsTheRestAndSaysTheLevels) {
             0)
       << err_.str();
   const std::string json = out_.str();
-  EXPECT_EQ(json.rfind("{\"surface\": \"Site\", \"updated\": 2, \"levels\": [",
-                       0),
-            0u)
+  EXPECT_EQ(
+      json.rfind("{\"surface\": \"Site\", \"updated\": 2, \"levels\": [", 0),
+      0u)
       << json;
   EXPECT_NE(json.find("\"ground\": 100.1}"), std::string::npos) << json;
   size_t outside = json.find("\"outside\": [");
   ASSERT_NE(outside, std::string::npos);
-  const std::string rest = json.substr(outside, json.find(']', outside) - outside);
+  const std::string rest =
+      json.substr(outside, json.find(']', outside) - outside);
   EXPECT_EQ(std::count(rest.begin(), rest.end(), ','), 10) << rest;
 }
 

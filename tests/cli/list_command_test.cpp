@@ -25,7 +25,8 @@ std::vector<std::string> Lines(const std::string& text) {
 
 bool IsNumber(const std::string& text) {
   double value = 0;
-  auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+  auto [end, ec] =
+      std::from_chars(text.data(), text.data() + text.size(), value);
   return ec == std::errc() && end == text.data() + text.size();
 }
 

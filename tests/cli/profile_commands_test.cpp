@@ -155,8 +155,7 @@ TEST_F(ProfileCommandLine, DataAsATableAndAsJson) {
             0);
   const std::string json = out_.str();
   // Object IDs and directions as numbers, labels as texts.
-  EXPECT_EQ(json.rfind("{\"labels\": [\"P-1\"], \"oids\": [21", 0), 0u)
-      << json;
+  EXPECT_EQ(json.rfind("{\"labels\": [\"P-1\"], \"oids\": [21", 0), 0u) << json;
   EXPECT_NE(json.find("\"directions\": [1]"), std::string::npos)
       << "from MH-2, the lower end";
   EXPECT_NE(json.find("[\"MH-2\", \"MH-1\"]"), std::string::npos);

@@ -88,11 +88,11 @@ TEST_F(StyleCommands, NewProjectsHoldTheStandardStyleAndLibraries) {
             0u)
       << out_.str();
   EXPECT_EQ(Run({"library", "sizes", site_, "--shape", "Box", "--json"}), 0);
-  EXPECT_EQ(out_.str().rfind(
-                "[{\"shape\": \"box\", \"span\": 600, \"rise\": 600, "
-                "\"pipes\": 0, \"area\": 360000}, ",
-                0),
-            0u)
+  EXPECT_EQ(
+      out_.str().rfind("[{\"shape\": \"box\", \"span\": 600, \"rise\": 600, "
+                       "\"pipes\": 0, \"area\": 360000}, ",
+                       0),
+      0u)
       << out_.str();
   EXPECT_EQ(Run({"library", "sizes", site_}), 0);
   std::istringstream lines(out_.str());

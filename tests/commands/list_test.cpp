@@ -35,9 +35,9 @@ class ListElementsTest : public ::testing::Test {
                                 .end_invert = 7,
                                 .material = "Steel"})
                       .Handle();
-    water.AddPipe("W-2", {30, 40, 60, 40}, b, c,
-                  {.span = 150, .rise = 150, .start_invert = 7,
-                   .end_invert = 7.6});
+    water.AddPipe(
+        "W-2", {30, 40, 60, 40}, b, c,
+        {.span = 150, .rise = 150, .start_invert = 7, .end_invert = 7.6});
     b_handle_ = b.Handle();
   }
   std::unique_ptr<memhost::MemDocument> doc_ = test::NewFullProjectDocument();
@@ -58,8 +58,7 @@ TEST_F(ListElementsTest, PipesCarryTheirSizeAsNumbersSlopeAndVertices) {
   EXPECT_DOUBLE_EQ(box.length, 70);  // along the bend, not end to end (50)
   ASSERT_TRUE(box.slope.has_value());
   EXPECT_DOUBLE_EQ(*box.slope, 1.5 / 70);
-  EXPECT_EQ(box.vertices,
-            (std::vector<PlanPoint>{{0, 0}, {30, 0}, {30, 40}}));
+  EXPECT_EQ(box.vertices, (std::vector<PlanPoint>{{0, 0}, {30, 0}, {30, 40}}));
 
   const PipeListing& round = listed.pipes[1];
   EXPECT_EQ(round.section, (core::SectionSize{false, 150, 150, 1}));

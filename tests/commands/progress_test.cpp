@@ -1,5 +1,7 @@
 // Long commands report how far they have come: every step once, in order,
 // up to the total, under the stage's name; and only while they run.
+#include "core/progress.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,7 +11,6 @@
 #include "commands/crossings.h"
 #include "commands/ground.h"
 #include "core/names.h"
-#include "core/progress.h"
 #include "memhost/document.h"
 #include "memhost/landxml.h"
 #include "support/drawn_lines.h"
