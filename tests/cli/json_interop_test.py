@@ -59,6 +59,7 @@ def main():
             ["crossings", town, "--list"], ["lowhigh", town, "--list"],
             ["profile", "lines", town, "--network", "Sewer"],
             ["profile", "style", "list", town],
+            ["profile", "style", "show", town, "Standard"],
             ["profile", "data", town, "--network", "Sewer", "--pipes",
              outlet_run],
             ["ground", town, "--surface", surface, "--networks", "Sewer",
