@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "cli/command.h"
+#include "cli/progress.h"
 #include "cli/session.h"
 #include "core/names.h"
 #include "memhost/document.h"
@@ -38,7 +39,10 @@ int Run(const std::vector<std::string>& args, Io& io) {
     for (int i = 0; i < 4; ++i) w[i] = ParseReal(corners[i], "--window");
     options.selection.window = w;
   }
+  ProgressLine progress(io.err, IsTerminal(io.err));
+  options.progress = progress.Callback();
   const commands::ConvertResult r = EditProject(a, commands::Convert, options);
+  progress.Finish();
   io.out << "converted " << r.pipes << " pipe" << (r.pipes == 1 ? "" : "s")
          << " and " << r.nodes << " new node" << (r.nodes == 1 ? "" : "s")
          << " into the " << r.type << " network \"" << r.network << "\""

@@ -11,6 +11,8 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/files.h"
+#include "cli/list.h"
 #include "cli/session.h"
 #include "commands/convert.h"
 #include "commands/crossings.h"
@@ -52,25 +54,11 @@ std::string Fixed(double value, int places = 2) {
                             places == 2 ? "0.00" : "0.000");
 }
 
+// The tables `kestrana list` prints.
 void ReportNetwork(host::Document& document, const std::string& network,
                    std::ostream& out) {
-  const commands::NetworkElements elements =
-      commands::ListElements(document, {network});
   out << "\n"
-      << network << " pipes (start node to end node; inverts at "
-      << "start and end)\n";
-  for (const commands::PipeListing& pipe : elements.pipes)
-    out << "  " << pipe.label << "  " << pipe.from << " -> " << pipe.to << "  "
-        << memhost::DisplayText(pipe.size) << " " << pipe.material << "  "
-        << Fixed(pipe.length) << " m  I.L. " << Fixed(pipe.start_invert)
-        << " -> " << Fixed(pipe.end_invert) << "  slope "
-        << Fixed((pipe.start_invert - pipe.end_invert) / pipe.length * 100)
-        << " %\n";
-  out << network << " nodes\n";
-  for (const commands::NodeListing& node : elements.nodes)
-    out << "  " << node.label << "  ground " << Fixed(node.ground) << "  sump "
-        << Fixed(node.sump) << "  depth " << Fixed(node.ground - node.sump)
-        << "  " << (node.matching.empty() ? "?" : node.matching) << "\n";
+      << ElementsTables(network, commands::ListElements(document, {network}));
 }
 
 std::string Report(memhost::MemDocument& document, const std::string& surface) {
@@ -134,11 +122,13 @@ DemoResult Demo(const DemoOptions& options, const fs::path& examples,
   DemoResult result{(out / kDrawingOut).string(), (out / kPictureOut).string(),
                     (out / kReportOut).string(), ""};
 
-  commands::GroundOptions ground{.surfaces = memhost::ReadLandXmlSurfaces(
-                                     (examples / kExampleSurface).string()),
-                                 .networks = {kSewer, kWater}};
+  const std::string surface_file = (examples / kExampleSurface).string();
+  commands::GroundOptions ground{
+      .surfaces = memhost::ParseLandXmlSurfaces(
+          ReadInput(surface_file, InputKind::kSurface), surface_file),
+      .networks = {kSewer, kWater}};
   const std::string surface = ground.surfaces.front()->Name();
-  std::unique_ptr<memhost::MemDocument> document = dxf::LoadDrawing(
+  std::unique_ptr<memhost::MemDocument> document = LoadDrawingFile(
       (examples / kExampleDrawing).string(), CommandLoadOptions());
   commands::NewProject(*document, {core::kMetric});
   // Sewers are drawn in the direction of flow.
@@ -156,13 +146,14 @@ DemoResult Demo(const DemoOptions& options, const fs::path& examples,
                           {kWater, commands::DesignRules::kWaterMains});
   viewstyle::MoveAnnotationsClear(*document, {kSewer, kWater});
 
-  dxf::SaveDrawing(*document, result.drawing);
+  SaveDrawingFile(*document, result.drawing);
   render::Options picture;
   picture.size_px = options.picture_px;
-  render::SavePicture(render::RenderSvg(*document, picture).svg,
-                      result.picture);
+  WriteOutput(result.picture,
+              render::PictureBytes(render::RenderSvg(*document, picture).svg,
+                                   render::PictureFormat::kPng));
   result.report = Report(*document, surface);
-  dxf::WriteFileAtomically(result.report_file, result.report);
+  WriteOutput(result.report_file, result.report);
   return result;
 }
 

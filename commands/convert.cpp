@@ -98,6 +98,7 @@ ConvertResult Convert(memhost::MemDocument& document,
   // An existing network however it is typed; else a new one as typed.
   options.network =
       core::FindNetworkName(document, typed.network).value_or(typed.network);
+  core::ProgressScope progress(options.progress);
   ConvertResult result;
   result.network = options.network;
   if (options.type && *options.type != core::kGravity &&

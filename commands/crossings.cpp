@@ -142,6 +142,8 @@ std::vector<CrossingListing> ListCrossings(host::Document& document) {
     c.label2 = first_value(CrossingAnnoField::kPipe2LabelRef);
     c.size1 = record.Text(CrossingAnnoField::kPipe1SizeString);
     c.size2 = record.Text(CrossingAnnoField::kPipe2SizeString);
+    c.section1 = core::SectionSize::Parse(c.size1);
+    c.section2 = core::SectionSize::Parse(c.size2);
     c.clearance = record.Number(CrossingAnnoField::kClearance);
     std::vector<std::string> point =
         core::Split(record.Text(CrossingAnnoField::kPoint));
@@ -165,6 +167,7 @@ std::vector<CrossingListing> ListCrossings(host::Document& document) {
 
 CrossingsResult Crossings(host::Document& document,
                           const CrossingsOptions& options) {
+  core::ProgressScope progress(options.progress);
   CrossingsResult result;
   if (options.Changes()) {
     ChangeCrossingSettings(document, options.threshold, options.enable,

@@ -356,7 +356,7 @@ TEST_F(EditingCommands, GroundTakesLevelsFromTheSurfaceAndNamesNodesOutside) {
       << out_.str();
   // N-1 (100, 0) and N-2 (150, 0) of the sewer, N-3 (125, 30) of the main.
   EXPECT_NE(err_.str().find("3 nodes lie outside the surface and keep their "
-                            "ground levels: Sewer N-1; Sewer N-2; Water N-3;"),
+                            "ground levels: Sewer N-1, Sewer N-2, Water N-3\n"),
             std::string::npos)
       << err_.str();
   auto doc = Load();
@@ -372,7 +372,7 @@ TEST_F(EditingCommands, GroundRefusals) {
   Converted();
   const std::string surface = Surface();
   Refused({"ground", path_, "--surface", path_, "--networks", "Sewer"},
-          "not well-formed XML");
+          "is not a LandXML surface file");
   Refused({"ground", path_, "--surface", WriteSurface("svg.xml", "<svg/>"),
            "--networks", "Sewer"},
           "not a LandXML file");

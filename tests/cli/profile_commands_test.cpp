@@ -99,7 +99,7 @@ TEST_F(ProfileCommandLine, BadInputLeavesTheDrawingAsItWas) {
                 .find("line 6, item 5 (text): 3 fields where 4 are needed"),
             std::string::npos);
   EXPECT_NE(Refused({"profile", "style", "import", site_, Path("none.txt")})
-                .find("there is no style file"),
+                .find("cannot open the profile style file"),
             std::string::npos);
   EXPECT_NE(Refused({"profile", "style", "delete", site_, "Deep"})
                 .find("no profile style named \"Deep\""),
@@ -116,7 +116,7 @@ TEST_F(ProfileCommandLine, BadInputLeavesTheDrawingAsItWas) {
             std::string::npos);
   EXPECT_NE(Refused({"profile", "data", site_, "--network", "Sewer", "--pipes",
                      "P-1", "--surface", Path("none.xml")})
-                .find("there is no surface file"),
+                .find("cannot open the surface file"),
             std::string::npos);
   Write(Path("broken.xml"), "<LandXML><Surfaces>");
   EXPECT_NE(Refused({"profile", "data", site_, "--network", "Sewer", "--pipes",
@@ -154,9 +154,9 @@ TEST_F(ProfileCommandLine, DataAsATableAndAsJson) {
                  "P-1", "--json"}),
             0);
   const std::string json = out_.str();
-  EXPECT_EQ(json.rfind("{\"labels\": [\"P-1\"],\n \"oids\": [\"", 0), 0u)
-      << json;
-  EXPECT_NE(json.find("\"directions\": [\"1\"]"), std::string::npos)
+  // Object IDs and directions as numbers, labels as texts.
+  EXPECT_EQ(json.rfind("{\"labels\": [\"P-1\"], \"oids\": [21", 0), 0u) << json;
+  EXPECT_NE(json.find("\"directions\": [1]"), std::string::npos)
       << "from MH-2, the lower end";
   EXPECT_NE(json.find("[\"MH-2\", \"MH-1\"]"), std::string::npos);
 }
