@@ -190,8 +190,8 @@ std::vector<std::string> SeriesValues(const std::string& series) {
   return values;
 }
 
-ProfileDataResult ProfileData(memhost::MemDocument& document,
-                              const ProfileDataOptions& options) {
+ProfileRun SelectProfileRun(memhost::MemDocument& document,
+                            const ProfileDataOptions& options) {
   const std::string type = RequireProfileNetwork(document, options.network);
   if (options.pipes.empty() == !options.line)
     throw InvalidInputError(
@@ -201,53 +201,60 @@ ProfileDataResult ProfileData(memhost::MemDocument& document,
     throw InvalidInputError("\"" + options.network +
                             "\" is a pressure network; lines are named "
                             "after the manholes of gravity networks");
-  const profile::StyleMarker style = RequireProfileStyle(
+  profile::StyleMarker style = RequireProfileStyle(
       document, options.style.value_or(core::kStandardStyleName));
   const std::vector<host::ObjectId> ids = options.line
                                               ? PipesOfLine(document, options)
                                               : PipesByLabel(document, options);
-
-  ProfileDataResult result;
-  result.network = options.network;
-  result.style = style.name;
-  result.surface = UseSurface(document, options);
-  result.units = General::GetModelUnits(document);
-  {
-    using F = profile::StationBandSetting;
-    const profile::ItemFields stations(
-        style.record.Text(profile::ProfileStyleItem::kStationBand));
-    result.station_pattern = core::StationPattern(stations.Text(F::kPrecision),
-                                                  stations.Text(F::kDecimals),
-                                                  stations.Text(F::kFormat));
-  }
+  const std::string surface = UseSurface(document, options);
+  host::Point3 start;
   if (options.start) {
-    result.start = *options.start;
+    start = *options.start;
   } else {
     std::string id_list;
     for (host::ObjectId id : ids) id_list += core::IdListEntry(id);
-    result.start =
+    start =
         profile::Profile::GetProfileStartFromDirection(document, id_list, 0);
   }
-
   std::optional<profile::SortedPipes> sorted;
   {
     std::vector<Input> answers;
     answers.push_back(Input::Objects(ids));
-    answers.push_back(Input::PointAt(result.start.x, result.start.y));
+    answers.push_back(Input::PointAt(start.x, start.y));
     ScriptedAnswers scripted(document.GetSession(), std::move(answers));
     sorted = profile::Profile::SelectPipesForProfile(document, options.network);
   }
   if (!sorted) throw RefusedError(kNotOneLine);
-  result.labels = core::ReferenceValues(sorted->labels);
-  result.oids = core::ReferenceValues(sorted->oids);
-  result.directions = SeriesValues(sorted->directions);
+  return ProfileRun{type, std::move(style), surface, start, *sorted};
+}
+
+ProfileDataResult ProfileData(memhost::MemDocument& document,
+                              const ProfileDataOptions& options) {
+  const ProfileRun run = SelectProfileRun(document, options);
+  ProfileDataResult result;
+  result.network = options.network;
+  result.style = run.style.name;
+  result.surface = run.surface;
+  result.units = General::GetModelUnits(document);
+  {
+    using F = profile::StationBandSetting;
+    const profile::ItemFields stations(
+        run.style.record.Text(profile::ProfileStyleItem::kStationBand));
+    result.station_pattern = core::StationPattern(stations.Text(F::kPrecision),
+                                                  stations.Text(F::kDecimals),
+                                                  stations.Text(F::kFormat));
+  }
+  result.start = run.start;
+  result.labels = core::ReferenceValues(run.sorted.labels);
+  result.oids = core::ReferenceValues(run.sorted.oids);
+  result.directions = SeriesValues(run.sorted.directions);
 
   host::Application& application = document.GetApplication();
   host::CivilDocument& civil =
       application.GetInterfaceObject(General::GetAeccAppString(application))
           .ActiveDocument();
   result.parts = profile::Profile::GetProfilePartsDataArrays(
-      document, civil, options.network, style.record, *sorted,
+      document, civil, options.network, run.style.record, run.sorted,
       !result.surface.empty(), result.surface);
   return result;
 }

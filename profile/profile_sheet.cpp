@@ -1,0 +1,112 @@
+#include "profile/profile_sheet.h"
+
+#include "core/names.h"
+#include "core/record.h"
+#include "core/text.h"
+#include "host/host.h"
+#include "profile/profile.h"
+#include "profile/profile_style_record.h"
+#include "profile/style_fields.h"
+
+namespace kestrana::profile {
+
+namespace {
+
+enum class TextSetting : int {
+  kStyle = 0,
+  kDataHeight = 1,
+  kLabelHeight = 2,
+  kTitleHeight = 3
+};
+
+}  // namespace
+
+TextSettings ReadTextSettings(const core::Record& style) {
+  const ItemFields item(style.Text(ProfileStyleItem::kText));
+  TextSettings text;
+  text.style = item.Text(TextSetting::kStyle);
+  text.data_height = item.Number(TextSetting::kDataHeight);
+  text.label_height = item.Number(TextSetting::kLabelHeight);
+  text.title_height = item.Number(TextSetting::kTitleHeight);
+  return text;
+}
+
+double ManholeHalfWidth(std::string_view model_units) {
+  return model_units == core::kMetric ? 0.6 : 2.0;
+}
+
+double RiseInLevels(double rise, bool circular, std::string_view model_units) {
+  if (model_units == core::kMetric) return rise / 1000;
+  return circular ? rise / 12 : rise;
+}
+
+double SpanInLevels(double span, bool circular, std::string_view model_units) {
+  return RiseInLevels(span, circular, model_units);
+}
+
+std::vector<std::string> Values(std::string_view series) {
+  std::vector<std::string> values = core::Split(series);
+  values.erase(values.begin());
+  return values;
+}
+
+std::vector<double> Numbers(std::string_view series) {
+  std::vector<double> numbers;
+  for (const std::string& value : Values(series))
+    numbers.push_back(core::NumericValue(value));
+  return numbers;
+}
+
+std::vector<double> NodePositions(std::string_view lengths_series) {
+  return Profile::GetProhibitedDistancesArray(core::Split(lengths_series));
+}
+
+Sheet::Sheet(host::Document& document, host::Block& block,
+             std::string text_style)
+    : document_(document), block_(block), text_style_(std::move(text_style)) {
+  // Texts of a style the drawing lacks keep the drawing's default style.
+  if (!text_style_.empty() &&
+      document.GetTextStyles().Find(text_style_) == nullptr)
+    text_style_.clear();
+}
+
+host::Line& Sheet::Line(const host::Point3& a, const host::Point3& b,
+                        const char* layer) {
+  host::Line& line = block_.AddLine(a, b);
+  line.SetLayer(layer);
+  return line;
+}
+
+host::LwPolyline& Sheet::Polyline(const std::vector<double>& xy, bool closed,
+                                  const char* layer) {
+  host::LwPolyline& polyline = block_.AddLightWeightPolyline(xy);
+  polyline.SetClosed(closed);
+  polyline.SetLayer(layer);
+  return polyline;
+}
+
+host::Text& Sheet::Text(const std::string& text, const host::Point3& at,
+                        double height, const char* layer, double rotation,
+                        host::TextAlignment alignment) {
+  host::Text& entity = block_.AddText(text, at, height);
+  entity.SetLayer(layer);
+  if (!text_style_.empty()) entity.SetStyleName(text_style_);
+  if (alignment != host::TextAlignment::kLeft) {
+    entity.SetAlignment(alignment);
+    entity.SetTextAlignmentPoint(at);
+  }
+  if (rotation != 0) entity.SetRotation(rotation);
+  return entity;
+}
+
+double Sheet::TextLength(const std::string& text, double height) {
+  const auto key = std::make_pair(text, height);
+  const auto found = lengths_.find(key);
+  if (found != lengths_.end()) return found->second;
+  const double length =
+      Profile::GetTextLengthOnDrawing(document_, text, text_style_, height);
+  lengths_.emplace(key, length);
+  return length;
+}
+
+}  // namespace kestrana::profile
