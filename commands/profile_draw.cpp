@@ -159,6 +159,27 @@ host::BlockReference& FindProfile(host::Document& document,
                       (listed.empty() ? "none" : listed) + ")");
 }
 
+// Whether the ID names an object of the drawing that is not erased.
+bool Exists(host::Document& document, const std::string& id_text) {
+  const std::optional<host::ObjectId> id = core::ParseObjectId(id_text);
+  if (!id) return false;
+  try {
+    return !document.ObjectIdToObject(*id).Erased();
+  } catch (const host::HostError&) {
+    return false;  // no such object, or erased
+  }
+}
+
+// The object-ID list ("<ID>;...") of the profile's pipes that are gone.
+std::string MissingPipes(host::Document& document,
+                         host::BlockReference& block) {
+  std::string missing;
+  for (const std::string& id : core::ReferenceValues(
+           Profile::ReadProfileInputs(block).pipes.oids))
+    if (!Exists(document, id)) missing += id + ";";
+  return missing;
+}
+
 // Refuses a profile whose pipes are gone or no longer form one run.
 void CheckChain(host::Document& document, host::BlockReference& block) {
   const profile::ProfileInputs inputs = Profile::ReadProfileInputs(block);
@@ -171,16 +192,7 @@ void CheckChain(host::Document& document, host::BlockReference& block) {
     throw RefusedError(about + " has no pipes left; delete it");
   std::string list;
   for (size_t i = 0; i < ids.size(); ++i) {
-    const std::optional<host::ObjectId> id = core::ParseObjectId(ids[i]);
-    bool there = false;
-    if (id) {
-      try {
-        there = !document.ObjectIdToObject(*id).Erased();
-      } catch (const host::HostError&) {
-        there = false;  // no such object
-      }
-    }
-    if (!there)
+    if (!Exists(document, ids[i]))
       throw RefusedError(about + " shows the pipe " +
                          (i < labels.size() ? labels[i] : ids[i]) +
                          ", which is no longer in the drawing; delete the "
@@ -248,7 +260,7 @@ ProfileDrawResult ProfileDraw(memhost::MemDocument& document,
       Profile::GetSplitPipesOIDArray(
           document,
           run.style.record.Text(profile::ProfileStyleItem::kPartSplitting),
-          IdSeries(run.sorted))
+          run.sorted.oids)
           .size());
   return result;
 }
@@ -302,7 +314,9 @@ ProfileDeleteResult ProfileDelete(host::Document& document,
   ProfileDeleteResult result;
   result.deleted = Summarize(block);
   core::UnlockedLayers unlocked(document);
-  events::Events::ProfileWillBeErased(document, block, "", "");
+  // Pipes erased behind the system's back have no lists to clean.
+  events::Events::ProfileWillBeErased(document, block,
+                                      MissingPipes(document, block), "");
   block.Delete();
   DeleteDefinition(document, result.deleted.block);
   DeleteDefinition(document, std::string(profile::kPlanAnnoBlockPrefix) +

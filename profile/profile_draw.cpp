@@ -318,9 +318,11 @@ void Profile::DrawNodeLabels(Sheet& sheet, const host::Point3& ref_point,
   const std::vector<double> at = NodePositions(length_string);
   const std::vector<std::string> names = Values(node_label_string);
   const double top = ref_point.y + frame_height;
+  // The foot of the frame keeps the station labels of the grid.
+  const double foot = ref_point.y + 1.5 * h;
   for (size_t j = 0; j < at.size(); ++j) {
     const double x = ref_point.x + at[j];
-    sheet.Line(At(x, ref_point.y), At(x, top), kDimensionLayer);
+    sheet.Line(At(x, foot), At(x, top), kDimensionLayer);
     // Upright, left of the line, hanging from the top of the frame.
     if (labels && j < names.size())
       sheet.Text(names[j], At(x - h / 3.0, top - 0.5 * h), h, kLabelLayer,
