@@ -227,6 +227,8 @@ void Profile::FlagProfilesRelatedToCrossingPoints(
 void Profile::DeleteProfileStamps(host::Document& document,
                                   const host::Entity& profile_block) {
   const core::Record profile = ReadProfileRecord(profile_block);
+  // Only a flagged profile has a stamp.
+  if (profile.Int16(ProfileField::kUpdateFlag) != kNeedsUpdate) return;
   const std::string label =
       std::string(kStampKind) + ";" +
       General::EntityNetworkFromCombined(
