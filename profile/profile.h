@@ -33,6 +33,7 @@ class Record;
 namespace kestrana::profile {
 class Sheet;
 struct Box2;
+struct Segment;
 struct TextSettings;
 }  // namespace kestrana::profile
 
@@ -337,11 +338,12 @@ class Profile {
       std::string_view section_shape_index, double span, double rise,
       int num_cells);
   // Where a box `string_length` wide and `text_height` high can stand near
-  // the wanted bottom-left corner without overlapping the boxes there are.
+  // the wanted bottom-left corner without overlapping the boxes there are
+  // or crossing the lines to keep clear of.
   static host::Point3 GetProfileCrossingAnnotationLocation(
       const host::Point3& new_anno_ins_pnt,
       const std::vector<Box2>& ar_existing_coord, double text_height,
-      double string_length);
+      double string_length, const std::vector<Segment>& keep_clear = {});
 
   // --- The data table ----------------------------------------------------
 

@@ -86,11 +86,14 @@ void Profile::DrawPipeSectionOnProfile(Sheet& sheet,
 host::Point3 Profile::GetProfileCrossingAnnotationLocation(
     const host::Point3& new_anno_ins_pnt,
     const std::vector<Box2>& ar_existing_coord, double text_height,
-    double string_length) {
+    double string_length, const std::vector<Segment>& keep_clear) {
   auto free_at = [&](const host::Point3& p) {
     const Box2 box{p.x, p.y, p.x + string_length, p.y + text_height};
-    return std::none_of(ar_existing_coord.begin(), ar_existing_coord.end(),
-                        [&](const Box2& taken) { return taken.Overlaps(box); });
+    return std::none_of(
+               ar_existing_coord.begin(), ar_existing_coord.end(),
+               [&](const Box2& taken) { return taken.Overlaps(box); }) &&
+           std::none_of(keep_clear.begin(), keep_clear.end(),
+                        [&](const Segment& s) { return box.Crosses(s); });
   };
   if (free_at(new_anno_ins_pnt)) return new_anno_ins_pnt;
   // Up first, then down, then sideways; farther rings when all are taken.
@@ -138,7 +141,7 @@ void Profile::DrawConnectedAndCrossing(
       const double half_width = pipe.cells * span / 2;
       const host::Point3 corner = GetProfileCrossingAnnotationLocation(
           {x + half_width + 0.5 * h, y + rise * ve + 0.5 * h, 0}, taken,
-          box_height, length);
+          box_height, length, sheet.Linework());
       taken.push_back({corner.x, corner.y, corner.x + length,
                        corner.y + box_height});
       sheet.Text(invert, {corner.x, corner.y + 1.5 * h, 0}, h, kDimensionLayer);

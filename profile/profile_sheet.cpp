@@ -1,5 +1,7 @@
 #include "profile/profile_sheet.h"
 
+#include <algorithm>
+
 #include "core/names.h"
 #include "core/record.h"
 #include "core/text.h"
@@ -70,8 +72,40 @@ Sheet::Sheet(host::Document& document, host::Block& block,
     text_style_.clear();
 }
 
+namespace {
+
+bool KeptClear(const char* layer) {
+  return std::string_view(layer) == kPipeLayer ||
+         std::string_view(layer) == kGroundLayer ||
+         std::string_view(layer) == kManholeLayer;
+}
+
+}  // namespace
+
+bool Box2::Crosses(const Segment& s) const {
+  // Liang-Barsky: the part of the segment inside each slab.
+  double t0 = 0, t1 = 1;
+  const double dx = s.x2 - s.x1, dy = s.y2 - s.y1;
+  const double p[4] = {-dx, dx, -dy, dy};
+  const double q[4] = {s.x1 - min_x, max_x - s.x1, s.y1 - min_y, max_y - s.y1};
+  for (int i = 0; i < 4; ++i) {
+    if (p[i] == 0) {
+      if (q[i] < 0) return false;
+      continue;
+    }
+    const double t = q[i] / p[i];
+    if (p[i] < 0)
+      t0 = std::max(t0, t);
+    else
+      t1 = std::min(t1, t);
+    if (t0 > t1) return false;
+  }
+  return true;
+}
+
 host::Line& Sheet::Line(const host::Point3& a, const host::Point3& b,
                         const char* layer) {
+  if (KeptClear(layer)) linework_.push_back({a.x, a.y, b.x, b.y});
   host::Line& line = block_.AddLine(a, b);
   line.SetLayer(layer);
   return line;
@@ -79,6 +113,13 @@ host::Line& Sheet::Line(const host::Point3& a, const host::Point3& b,
 
 host::LwPolyline& Sheet::Polyline(const std::vector<double>& xy, bool closed,
                                   const char* layer) {
+  if (KeptClear(layer)) {
+    for (size_t i = 0; i + 3 < xy.size(); i += 2)
+      linework_.push_back({xy[i], xy[i + 1], xy[i + 2], xy[i + 3]});
+    if (closed && xy.size() >= 4)
+      linework_.push_back(
+          {xy[xy.size() - 2], xy.back(), xy[0], xy[1]});
+  }
   host::LwPolyline& polyline = block_.AddLightWeightPolyline(xy);
   polyline.SetClosed(closed);
   polyline.SetLayer(layer);

@@ -65,6 +65,11 @@ std::vector<double> Numbers(std::string_view series);
 // Node positions along a part: 0, then the running sums of the lengths.
 std::vector<double> NodePositions(std::string_view lengths_series);
 
+// A straight piece of a drawn line.
+struct Segment {
+  double x1, y1, x2, y2;
+};
+
 // A block definition being drawn, with the style's text style. Texts are
 // measured once per text and height.
 class Sheet {
@@ -85,12 +90,16 @@ class Sheet {
                    host::TextAlignment alignment = host::TextAlignment::kLeft);
   // Drawn length of a text in the sheet's text style.
   double TextLength(const std::string& text, double height);
+  // The pieces of the pipes, ground line and manholes drawn so far, which
+  // annotations keep clear of.
+  const std::vector<Segment>& Linework() const { return linework_; }
 
  private:
   host::Document& document_;
   host::Block& block_;
   std::string text_style_;
   std::map<std::pair<std::string, double>, double> lengths_;
+  std::vector<Segment> linework_;
 };
 
 // A rectangle: x from min to max, y likewise.
@@ -100,6 +109,8 @@ struct Box2 {
     return min_x < o.max_x && o.min_x < max_x && min_y < o.max_y &&
            o.min_y < max_y;
   }
+  // Whether the segment runs through the box (clipped against it).
+  bool Crosses(const Segment& s) const;
 };
 
 }  // namespace kestrana::profile

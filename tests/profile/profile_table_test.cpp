@@ -84,6 +84,19 @@ TEST(AnnotationPlace, NewBoxesKeepClearOfTheOthers) {
   }
 }
 
+TEST(AnnotationPlace, BoxesKeepClearOfTheLinework) {
+  // A pipe line runs right through the wanted place.
+  const std::vector<Segment> pipe{{0, 11, 40, 11}};
+  const host::Point3 p = Profile::GetProfileCrossingAnnotationLocation(
+      {10, 10, 0}, {}, 2, 8, pipe);
+  const Box2 box{p.x, p.y, p.x + 8, p.y + 2};
+  EXPECT_FALSE(box.Crosses(pipe[0]));
+  EXPECT_TRUE((Box2{10, 10, 18, 12}.Crosses(pipe[0])));
+  // A diagonal through a corner region only.
+  EXPECT_FALSE((Box2{0, 0, 1, 1}.Crosses({2, 0, 0, 2.5})));
+  EXPECT_TRUE((Box2{0, 0, 1, 1}.Crosses({2, 0, 0, 1.5})));
+}
+
 class BandLayout : public ::testing::Test {
  protected:
   // The Standard style with the band positions given for items 10 to 19.
