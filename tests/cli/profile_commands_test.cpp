@@ -222,6 +222,12 @@ TEST_F(ProfileCommandLine, DrawRefusesBadRequests) {
             std::string::npos);
   EXPECT_NE(Refused(with({"--datum", "low"}), 2).find("--datum"),
             std::string::npos);
+  Write(Path("far.xml"),
+        "<LandXML><Surfaces><Surface name=\"Far\"><Definition "
+        "surfType=\"TIN\"><Pnts><P id=\"1\">1000 1000 5</P><P id=\"2\">"
+        "1000 1010 5</P><P id=\"3\">1010 1000 5</P></Pnts><Faces><F>1 2 "
+        "3</F></Faces></Definition></Surface></Surfaces></LandXML>");
+  EXPECT_FALSE(Refused(with({"--surface", Path("far.xml")})).empty());
   Refused({"profile", "draw", site_, "--network", "Sewer", "--name", "Main",
            "--pipes", "P-1"},
           2);  // no --at

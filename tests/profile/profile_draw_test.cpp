@@ -218,6 +218,20 @@ TEST_F(DrawnProfile, FrameTableAndTextsAreComplete) {
   }
 }
 
+TEST_F(DrawnProfile, ACustomDatumIsKeptAndUsed) {
+  ProfileDrawOptions options = Options("Main");
+  options.datum = 95;
+  const std::string id = Drawn(options);
+  EXPECT_EQ(core::Record::ReadRequired(Reference(id))
+                .Text(ProfileField::kDatum),
+            "0;95");
+  const auto manholes =
+      On(BlockOf("Main"), "Profile - Manhole", host::EntityKind::kLwPolyline);
+  ASSERT_FALSE(manholes.empty());
+  EXPECT_NEAR(manholes[0]->GetBoundingBox().min.y, (101 - 95) * 10, kTol);
+  EXPECT_TRUE(Has(TextsOn(BlockOf("Main"), "Profile - Label"), "DATUM  95.00"));
+}
+
 TEST_F(DrawnProfile, PressureRunsHaveNoManholes) {
   ProfileDrawOptions options = Options("Water main");
   options.run.network = "Water";
