@@ -18,6 +18,7 @@
 #include "memhost/document.h"
 #include "profile/profile.h"
 #include "profile/profile_record.h"
+#include "profile/profile_sheet.h"
 #include "profile/profile_style_record.h"
 
 namespace kestrana::commands {
@@ -252,7 +253,11 @@ ProfileDrawResult ProfileDraw(memhost::MemDocument& document,
   inputs.stations_on_plan = options.stations_on_plan;
 
   core::UnlockedLayers unlocked(document);
-  const std::string id = Profile::DrawProfile(document, inputs);
+  std::string id;
+  {
+    profile::TextMeasure measure(document);
+    id = Profile::DrawProfile(document, inputs, measure);
+  }
   unlocked.Restore();
   ProfileDrawResult result;
   result.profile = Summarize(AsBlock(document, id));
@@ -299,11 +304,17 @@ ProfileUpdateResult ProfileUpdate(host::Document& document,
   // Every profile is checked before any is redrawn.
   for (host::BlockReference* block : blocks) CheckChain(document, *block);
   ProfileUpdateResult result;
-  for (host::BlockReference* block : blocks) {
-    const std::string id =
-        Profile::UpdateProfile(document, core::IdText(block->ObjectID()));
-    result.updated.push_back(Summarize(AsBlock(document, id)));
+  core::UnlockedLayers unlocked(document);
+  {
+    // Profiles of one style measure the same texts.
+    profile::TextMeasure measure(document);
+    for (host::BlockReference* block : blocks) {
+      const std::string id = Profile::UpdateProfile(
+          document, core::IdText(block->ObjectID()), measure);
+      result.updated.push_back(Summarize(AsBlock(document, id)));
+    }
   }
+  unlocked.Restore();
   return result;
 }
 

@@ -35,6 +35,7 @@ class Sheet;
 struct Box2;
 struct Segment;
 struct TextSettings;
+class TextMeasure;
 }  // namespace kestrana::profile
 
 namespace kestrana::profile {
@@ -257,12 +258,16 @@ class Profile {
   // lacks; the gathering's errors as they come.
   static std::string DrawProfile(host::Document& document,
                                  const ProfileInputs& inputs);
+  // The same, measuring texts with `measure` (shared by several profiles).
+  static std::string DrawProfile(host::Document& document,
+                                 const ProfileInputs& inputs,
+                                 TextMeasure& measure);
   // The block "Kestrana_Profile_<network>_<name>" (emptied when it exists)
   // drawn from the parts and inserted at the inputs' insertion point.
   static host::BlockReference& CreateProfileBlock(
       host::Document& document, const ProfileInputs& inputs,
       const PartsData& ar_profile_parts_data_arrays,
-      const core::Record& ar_profile_style_settings);
+      const core::Record& ar_profile_style_settings, TextMeasure& measure);
   // The ten profile layers with their colours, where missing.
   static void CreateProfileLayers(host::Document& document);
   // The custom value, or the lowest sump less 2 (metric) or 6, rounded down.
@@ -380,6 +385,8 @@ class Profile {
   // The longest label of the drawn bands plus twice the label height.
   static double GetBandLabelsPartLength(
       host::Document& document, const core::Record& ar_profile_style_settings);
+  static double GetBandLabelsPartLength(
+      TextMeasure& measure, const core::Record& ar_profile_style_settings);
 
   // --- Plan annotation ---------------------------------------------------
 
@@ -409,6 +416,9 @@ class Profile {
   // block reference's ID as text.
   static std::string UpdateProfile(host::Document& document,
                                    std::string_view existing_profile_oid);
+  static std::string UpdateProfile(host::Document& document,
+                                   std::string_view existing_profile_oid,
+                                   TextMeasure& measure);
   // The inputs a profile block's record keeps, with its current insertion
   // point.
   static ProfileInputs ReadProfileInputs(host::BlockReference& profile_block);

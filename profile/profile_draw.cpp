@@ -70,6 +70,13 @@ double SumOf(const std::vector<double>& values) {
 
 std::string Profile::DrawProfile(host::Document& document,
                                  const ProfileInputs& inputs) {
+  TextMeasure measure(document);
+  return DrawProfile(document, inputs, measure);
+}
+
+std::string Profile::DrawProfile(host::Document& document,
+                                 const ProfileInputs& inputs,
+                                 TextMeasure& measure) {
   host::Application& application = document.GetApplication();
   host::CivilDocument& aecc_doc =
       application.GetInterfaceObject(General::GetAeccAppString(application))
@@ -83,7 +90,7 @@ std::string Profile::DrawProfile(host::Document& document,
       document, aecc_doc, inputs.network_name, *style, inputs.pipes,
       inputs.ground_from_surface, inputs.ground_surface_name);
   host::BlockReference& block =
-      CreateProfileBlock(document, inputs, parts, *style);
+      CreateProfileBlock(document, inputs, parts, *style, measure);
   host::BlockReference* plan = CreatePlanAnnotationBlockForProfile(
       document, inputs.profile_name, inputs.network_name, parts, *style,
       inputs.name_on_plan, inputs.stations_on_plan);
@@ -97,7 +104,7 @@ std::string Profile::DrawProfile(host::Document& document,
 host::BlockReference& Profile::CreateProfileBlock(
     host::Document& document, const ProfileInputs& inputs,
     const PartsData& ar_profile_parts_data_arrays,
-    const core::Record& ar_profile_style_settings) {
+    const core::Record& ar_profile_style_settings, TextMeasure& measure) {
   const core::Record& style = ar_profile_style_settings;
   const std::string units = General::GetModelUnits(document);
   core::SavedActiveLayer active_layer(document);
@@ -107,11 +114,11 @@ host::BlockReference& Profile::CreateProfileBlock(
       document,
       std::string(kProfileBlockPrefix) + inputs.network_name + "_" + inputs.profile_name);
   CreateProfileLayers(document);
-  const double labels_length = GetBandLabelsPartLength(document, style);
+  const double labels_length = GetBandLabelsPartLength(measure, style);
   const TextSettings text = ReadTextSettings(style);
   const double ve = ItemFields(style.Text(ProfileStyleItem::kDrawing))
                         .Number(DrawingSetting::kExaggeration);
-  Sheet sheet(document, block, text.style);
+  Sheet sheet(document, block, text.style, measure);
 
   host::Point3 ref{0, 0, 0};
   double part_start_station = 0;

@@ -1,10 +1,12 @@
 #include "profile/profile_sheet.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "core/names.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "host/errors.h"
 #include "host/host.h"
 #include "profile/profile.h"
 #include "profile/profile_style_record.h"
@@ -63,9 +65,49 @@ std::vector<double> NodePositions(std::string_view lengths_series) {
   return Profile::GetProhibitedDistancesArray(core::Split(lengths_series));
 }
 
+TextMeasure::~TextMeasure() {
+  if (probe_ == nullptr) return;
+  try {
+    probe_->Delete();
+  } catch (const host::HostError&) {
+    // Its layer was locked meanwhile; an empty text draws nothing.
+  }
+}
+
+double TextMeasure::Length(const std::string& text,
+                           const std::string& text_style, double height) {
+  if (text.empty()) return 0;
+  const auto key = std::make_tuple(text, text_style, height);
+  const auto found = lengths_.find(key);
+  if (found != lengths_.end()) return found->second;
+  double length = 0;
+  const host::Layer* layer =
+      probe_ == nullptr ? nullptr : document_.GetLayers().Find(probe_->Layer());
+  if (probe_ == nullptr || (layer != nullptr && layer->Lock())) {
+    length = Profile::GetTextLengthOnDrawing(document_, text, text_style,
+                                             height);
+    if (probe_ == nullptr)
+      probe_ = &document_.ModelSpace().AddText("", {0, 0, 0}, height);
+  } else {
+    probe_->SetTextString(text);
+    probe_->SetHeight(height);
+    if (!text_style.empty() &&
+        document_.GetTextStyles().Find(text_style) != nullptr)
+      probe_->SetStyleName(text_style);
+    const host::BoundingBox box = probe_->GetBoundingBox();
+    length = std::abs(box.max.x - box.min.x);
+    probe_->SetTextString("");
+  }
+  lengths_.emplace(key, length);
+  return length;
+}
+
 Sheet::Sheet(host::Document& document, host::Block& block,
-             std::string text_style)
-    : document_(document), block_(block), text_style_(std::move(text_style)) {
+             std::string text_style, TextMeasure& measure)
+    : document_(document),
+      block_(block),
+      text_style_(std::move(text_style)),
+      measure_(measure) {
   // Texts of a style the drawing lacks keep the drawing's default style.
   if (!text_style_.empty() &&
       document.GetTextStyles().Find(text_style_) == nullptr)
@@ -141,13 +183,7 @@ host::Text& Sheet::Text(const std::string& text, const host::Point3& at,
 }
 
 double Sheet::TextLength(const std::string& text, double height) {
-  const auto key = std::make_pair(text, height);
-  const auto found = lengths_.find(key);
-  if (found != lengths_.end()) return found->second;
-  const double length =
-      Profile::GetTextLengthOnDrawing(document_, text, text_style_, height);
-  lengths_.emplace(key, length);
-  return length;
+  return measure_.Length(text, text_style_, height);
 }
 
 }  // namespace kestrana::profile

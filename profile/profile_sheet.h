@@ -4,6 +4,7 @@
 #pragma once
 
 #include <map>
+#include <tuple>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -70,11 +71,30 @@ struct Segment {
   double x1, y1, x2, y2;
 };
 
-// A block definition being drawn, with the style's text style. Texts are
-// measured once per text and height.
+// Measures texts on the drawing as GetTextLengthOnDrawing does, with one
+// probe text kept for the measurer's life and each text, style and height
+// measured once; the profiles a command draws share one measurer.
+class TextMeasure {
+ public:
+  explicit TextMeasure(host::Document& document) : document_(document) {}
+  ~TextMeasure();
+  TextMeasure(const TextMeasure&) = delete;
+  TextMeasure& operator=(const TextMeasure&) = delete;
+
+  double Length(const std::string& text, const std::string& text_style,
+                double height);
+
+ private:
+  host::Document& document_;
+  host::Text* probe_ = nullptr;
+  std::map<std::tuple<std::string, std::string, double>, double> lengths_;
+};
+
+// A block definition being drawn, with the style's text style.
 class Sheet {
  public:
-  Sheet(host::Document& document, host::Block& block, std::string text_style);
+  Sheet(host::Document& document, host::Block& block, std::string text_style,
+        TextMeasure& measure);
 
   host::Document& document() const { return document_; }
   host::Block& block() const { return block_; }
@@ -98,7 +118,7 @@ class Sheet {
   host::Document& document_;
   host::Block& block_;
   std::string text_style_;
-  std::map<std::pair<std::string, double>, double> lengths_;
+  TextMeasure& measure_;
   std::vector<Segment> linework_;
 };
 

@@ -469,15 +469,19 @@ double Profile::GetLongestTextLength(host::Document& document,
 
 double Profile::GetBandLabelsPartLength(
     host::Document& document, const core::Record& ar_profile_style_settings) {
+  TextMeasure measure(document);
+  return GetBandLabelsPartLength(measure, ar_profile_style_settings);
+}
+
+double Profile::GetBandLabelsPartLength(
+    TextMeasure& measure, const core::Record& ar_profile_style_settings) {
   const TextSettings text = ReadTextSettings(ar_profile_style_settings);
   double longest = 0;
   for (int item : GetBandOrder(ar_profile_style_settings))
     longest = std::max(
-        longest, GetTextLengthOnDrawing(
-                     document,
-                     ItemFields(ar_profile_style_settings.Text(item))
-                         .Text(BandSetting::kLabel),
-                     text.style, text.label_height));
+        longest, measure.Length(ItemFields(ar_profile_style_settings.Text(item))
+                                    .Text(BandSetting::kLabel),
+                                text.style, text.label_height));
   return longest + 2 * text.label_height;
 }
 

@@ -9,6 +9,7 @@
 #include "host/host.h"
 #include "profile/profile.h"
 #include "profile/profile_record.h"
+#include "profile/profile_sheet.h"
 
 namespace kestrana::profile {
 
@@ -48,12 +49,25 @@ ProfileInputs Profile::ReadProfileInputs(host::BlockReference& profile_block) {
 std::string Profile::UpdateProfile(host::Document& document,
                                    std::string_view existing_profile_oid) {
   core::UnlockedLayers unlocked(document);
+  std::string id;
+  {
+    TextMeasure measure(document);
+    id = UpdateProfile(document, existing_profile_oid, measure);
+  }
+  unlocked.Restore();
+  return id;
+}
+
+std::string Profile::UpdateProfile(host::Document& document,
+                                   std::string_view existing_profile_oid,
+                                   TextMeasure& measure) {
+  core::UnlockedLayers unlocked(document);
   auto& block = host::As<host::BlockReference>(
       core::EntityFromIdText(document, existing_profile_oid));
   const ProfileInputs inputs = ReadProfileInputs(block);
   events::Events::ProfileWillBeErased(document, block, "", "");
   block.Delete();
-  const std::string id = DrawProfile(document, inputs);
+  const std::string id = DrawProfile(document, inputs, measure);
   unlocked.Restore();
   return id;
 }
