@@ -116,9 +116,13 @@ int RunList(const std::vector<std::string>& args, Io& io) {
 }
 
 int RunUpdate(const std::vector<std::string>& args, Io& io) {
-  Args a(args, {"all-flagged"}, {"network", "name", "output"});
+  Args a(args, {"all-flagged"}, {"network", "name", "surface", "output"});
   a.ExpectPositionals(1);
   commands::ProfileUpdateOptions options;
+  if (std::optional<std::string> surface = a.Option("surface")) {
+    options.surface_xml = ReadSurfaceFile(*surface);
+    options.surface_file = *surface;
+  }
   options.all_flagged = a.Flag("all-flagged");
   options.network = a.Option("network");
   options.name = a.Option("name");
@@ -202,13 +206,15 @@ Registrar list_command(
 Registrar update_command(
     {"profile update", "draw profiles again from their stored definitions",
      "Usage: kestrana profile update DRAWING (--network N --name NAME |\n"
-     "         --all-flagged) [-o OUT]\n\n"
+     "         --all-flagged) [--surface FILE.xml] [-o OUT]\n\n"
      "Draws a profile again with the current data of its pipes, where its\n"
      "block now stands; its plan annotation and \"NeedsUpdate\" stamp go\n"
      "with the old drawing. A profile whose pipes were erased or no longer\n"
      "form one run is refused (delete it and draw it again).\n\n"
      "  --network N --name NAME   the profile (name in any letter case)\n"
      "  --all-flagged             every profile that needs an update\n"
+     "  --surface FILE.xml        the LandXML file of the ground surface of\n"
+     "                            profiles drawn with --surface\n"
      "  -o OUT                    write the result to OUT instead of DRAWING\n",
      RunUpdate});
 

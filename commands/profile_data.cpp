@@ -124,15 +124,8 @@ std::string UseSurface(memhost::MemDocument& document,
                               "\") needs the surface file that holds it");
     return "";
   }
-  std::vector<std::unique_ptr<memhost::MemSurface>> surfaces;
-  try {
-    surfaces = memhost::ParseLandXmlSurfaces(*options.surface_xml,
-                                             options.surface_file);
-  } catch (const memhost::LandXmlError& e) {
-    throw InvalidInputError(e.what());
-  }
-  std::vector<std::string> names;
-  for (const auto& surface : surfaces) names.push_back(surface->Name());
+  const std::vector<std::string> names = PutSurfaces(
+      document, *options.surface_xml, options.surface_file);
   std::string chosen;
   if (options.surface_name) {
     for (const std::string& name : names)
@@ -148,10 +141,6 @@ std::string UseSurface(memhost::MemDocument& document,
                             std::to_string(names.size()) + " surfaces (" +
                             Quoted(names) + "); choose one by its name");
   }
-  // The civil document holds the surfaces this command brings, no others.
-  memhost::MemSurfaces& civil = document.App().Civil().Document().Surfaces();
-  civil.Clear();
-  for (auto& surface : surfaces) civil.Add(std::move(surface));
   return chosen;
 }
 
@@ -183,6 +172,26 @@ class ScriptedAnswers {
 };
 
 }  // namespace
+
+std::vector<std::string> PutSurfaces(memhost::MemDocument& document,
+                                     const std::string& xml,
+                                     const std::string& file) {
+  std::vector<std::unique_ptr<memhost::MemSurface>> surfaces;
+  try {
+    surfaces = memhost::ParseLandXmlSurfaces(xml, file);
+  } catch (const memhost::LandXmlError& e) {
+    throw InvalidInputError(e.what());
+  }
+  std::vector<std::string> names;
+  // The civil document holds the surfaces this command brings, no others.
+  memhost::MemSurfaces& civil = document.App().Civil().Document().Surfaces();
+  civil.Clear();
+  for (auto& surface : surfaces) {
+    names.push_back(surface->Name());
+    civil.Add(std::move(surface));
+  }
+  return names;
+}
 
 std::vector<std::string> SeriesValues(const std::string& series) {
   std::vector<std::string> values = core::Split(series);

@@ -285,7 +285,7 @@ ProfileListResult ProfileList(host::Document& document,
   return result;
 }
 
-ProfileUpdateResult ProfileUpdate(host::Document& document,
+ProfileUpdateResult ProfileUpdate(memhost::MemDocument& document,
                                   const ProfileUpdateOptions& options) {
   if (options.all_flagged == (options.network || options.name))
     throw InvalidInputError(
@@ -301,8 +301,24 @@ ProfileUpdateResult ProfileUpdate(host::Document& document,
       throw InvalidInputError("a profile is named by its network and name");
     blocks.push_back(&FindProfile(document, *options.network, *options.name));
   }
+  std::vector<std::string> surfaces;
+  if (options.surface_xml)
+    surfaces =
+        PutSurfaces(document, *options.surface_xml, options.surface_file);
   // Every profile is checked before any is redrawn.
-  for (host::BlockReference* block : blocks) CheckChain(document, *block);
+  for (host::BlockReference* block : blocks) {
+    CheckChain(document, *block);
+    const profile::ProfileInputs inputs = Profile::ReadProfileInputs(*block);
+    if (inputs.ground_from_surface &&
+        std::find(surfaces.begin(), surfaces.end(),
+                  inputs.ground_surface_name) == surfaces.end())
+      throw InvalidInputError(
+          "the profile \"" + inputs.profile_name + "\" of the network \"" +
+          inputs.network_name + "\" takes its ground from the surface \"" +
+          inputs.ground_surface_name + "\"; give the surface file that holds it" +
+          (options.surface_xml ? " (" + options.surface_file + " does not)"
+                               : ""));
+  }
   ProfileUpdateResult result;
   core::UnlockedLayers unlocked(document);
   {

@@ -68,13 +68,18 @@ struct ProfileUpdateOptions {
   std::optional<std::string> network = {};
   std::optional<std::string> name = {};
   bool all_flagged = false;
+  // The LandXML text (named in messages as `surface_file`) of the surfaces
+  // that profiles with their ground from a surface take it from again.
+  std::optional<std::string> surface_xml = {};
+  std::string surface_file = {};
 };
 struct ProfileUpdateResult {
   std::vector<ProfileSummary> updated;  // as drawn anew
 };
 // NotFoundError for a profile the network lacks; RefusedError for a
-// profile whose pipes are gone or no longer one run.
-ProfileUpdateResult ProfileUpdate(host::Document& document,
+// profile whose pipes are gone or no longer one run; InvalidInputError for
+// a profile whose ground surface was not given. Nothing is redrawn then.
+ProfileUpdateResult ProfileUpdate(memhost::MemDocument& document,
                                   const ProfileUpdateOptions& options);
 
 struct ProfileDeleteOptions {

@@ -204,6 +204,28 @@ TEST_F(ProfileCommandLine, DrawListUpdateAndDelete) {
   EXPECT_EQ(out_.str(), "The drawing holds no profiles.\n");
 }
 
+TEST_F(ProfileCommandLine, UpdateTakesTheGroundSurfaceAgain) {
+  const std::string ground = Path("ground.xml");
+  Write(ground,
+        "<LandXML><Surfaces><Surface name=\"EG\"><Definition "
+        "surfType=\"TIN\"><Pnts><P id=\"1\">-50 -50 101</P><P id=\"2\">"
+        "300 -50 101</P><P id=\"3\">-50 300 101</P></Pnts><Faces><F>1 2 "
+        "3</F></Faces></Definition></Surface></Surfaces></LandXML>");
+  ASSERT_EQ(Run({"profile", "draw", site_, "--network", "Sewer", "--name",
+                 "Main", "--pipes", "P-1,P-2", "--at", "0,-300", "--surface",
+                 ground}),
+            0)
+      << err_.str();
+  EXPECT_NE(Refused({"profile", "update", site_, "--network", "Sewer",
+                     "--name", "Main"})
+                .find("takes its ground from the surface \"EG\""),
+            std::string::npos);
+  EXPECT_EQ(Run({"profile", "update", site_, "--network", "Sewer", "--name",
+                 "Main", "--surface", ground}),
+            0)
+      << err_.str();
+}
+
 TEST_F(ProfileCommandLine, DrawRefusesBadRequests) {
   const std::vector<std::string> main = {
       "profile", "draw", site_, "--network", "Sewer", "--name", "Main",
