@@ -97,6 +97,45 @@ TEST(AnnotationPlace, BoxesKeepClearOfTheLinework) {
   EXPECT_TRUE((Box2{0, 0, 1, 1}.Crosses({2, 0, 0, 1.5})));
 }
 
+TEST(ProfileGrid, ElevationLinesFitUnderTheHeadroom) {
+  auto doc = test::NewFullProjectDocument("Metric");
+  Profile::CreateProfileLayers(*doc);
+  host::Block& block = doc->GetBlocks().Add({}, "Grid test");
+  TextMeasure measure(*doc);
+  Sheet sheet(*doc, block, "Standard", measure);
+  TextSettings text{"Standard", 2, 2.5, 5};
+  auto count = [&](const char* layer, host::EntityKind kind) {
+    int n = 0;
+    for (host::Entity* e : block.Entities())
+      n += e->Layer() == layer && e->Kind() == kind;
+    return n;
+  };
+  // Height 60 at VE 10 less the 1.5 h headroom of 37.5: two lines of 1 m.
+  Profile::DrawProfileGrid(sheet, {0, 0, 0}, "1;1;0;1", "0;0;50",
+                           "9;Station;0;2;2;50;0", text, 100, 60, 10, 96.5, 0);
+  EXPECT_EQ(count("Profile - Grid", host::EntityKind::kLine), 2);
+  std::vector<std::string> levels;
+  for (host::Entity* e : block.Entities())
+    if (e->Kind() == host::EntityKind::kText)
+      levels.push_back(host::As<host::Text>(*e).TextString());
+  EXPECT_EQ(levels, (std::vector<std::string>{"97.5", "98.5"}));
+  for (host::Entity* e : block.Entities()) e->Delete();
+  // An interval beyond the plot height: no line.
+  Profile::DrawProfileGrid(sheet, {0, 0, 0}, "1;1;1;1000", "0;0;50",
+                           "9;Station;0;2;2;50;0", text, 100, 60, 10, 96.5, 0);
+  EXPECT_EQ(count("Profile - Grid", host::EntityKind::kLine), 0);
+  // Station lines every 50 from the part's start station 30: at 50 and 100
+  // (x 20 and 70), inside the frame that ends at x 100 - 25.
+  Profile::DrawProfileGrid(sheet, {0, 0, 0}, "0;0;0;1", "1;1;50",
+                           "9;Station;0;2;2;50;0", text, 100, 60, 10, 96.5, 30);
+  std::vector<std::string> stations;
+  for (host::Entity* e : block.Entities())
+    if (e->Kind() == host::EntityKind::kText)
+      stations.push_back(host::As<host::Text>(*e).TextString());
+  EXPECT_EQ(stations, (std::vector<std::string>{"0+050", "0+100"}));
+  EXPECT_EQ(count("Profile - Grid", host::EntityKind::kLine), 2);
+}
+
 class BandLayout : public ::testing::Test {
  protected:
   // The Standard style with the band positions given for items 10 to 19.
