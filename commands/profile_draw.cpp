@@ -209,9 +209,16 @@ void CheckChain(host::Document& document, host::BlockReference& block) {
                        "the profile and draw it again");
 }
 
+// The definition goes with its last insert; a copy of the profile the user
+// inserted elsewhere keeps it.
 void DeleteDefinition(host::Document& document, const std::string& name) {
   host::Block* definition = document.GetBlocks().Find(name);
-  if (definition != nullptr) definition->Delete();
+  if (definition == nullptr) return;
+  try {
+    definition->Delete();
+  } catch (const host::HostError& e) {
+    if (e.code() != host::ErrorCode::kInUse) throw;
+  }
 }
 
 }  // namespace
