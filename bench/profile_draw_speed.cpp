@@ -214,8 +214,11 @@ int main(int argc, char** argv) {
     }
     size_t redrawn = 0;
     const double u = Seconds([&] {
+      kestrana::commands::ProfileUpdateOptions options;
+      options.all_flagged = true;
+      options.surfaces.push_back(Terrain(kProfilePipes * kPipeLength));
       redrawn = kestrana::commands::ProfileUpdate(*edited.document,
-                                                  {.all_flagged = true})
+                                                  std::move(options))
                     .updated.size();
     });
     if (redrawn != static_cast<size_t>(kProfiles))

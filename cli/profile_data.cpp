@@ -29,8 +29,6 @@ constexpr int kDistancePlaces = 7;  // as the series count lengths
 constexpr size_t kSectionValues = 4;
 constexpr char kSlopePattern[] = "0.00";
 
-}  // namespace
-
 std::string ReadSurfaceFile(const std::string& path) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error))
@@ -39,8 +37,6 @@ std::string ReadSurfaceFile(const std::string& path) {
   if (!file) throw NotFoundError("cannot read the surface file " + path);
   return std::string(std::istreambuf_iterator<char>(file), {});
 }
-
-namespace {
 
 host::Point3 ParsePoint(const std::string& text) {
   const std::vector<std::string> xy = SplitAtCommas(text);

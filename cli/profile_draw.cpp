@@ -7,6 +7,7 @@
 #include "cli/profile_options.h"
 #include "cli/session.h"
 #include "core/text.h"
+#include "memhost/landxml.h"
 
 namespace kestrana::cli {
 
@@ -120,8 +121,8 @@ int RunUpdate(const std::vector<std::string>& args, Io& io) {
   a.ExpectPositionals(1);
   commands::ProfileUpdateOptions options;
   if (std::optional<std::string> surface = a.Option("surface")) {
-    options.surface_xml = ReadSurfaceFile(*surface);
-    options.surface_file = *surface;
+    options.surfaces = memhost::ReadLandXmlSurfaces(*surface);
+    options.surface_source = *surface;
   }
   options.all_flagged = a.Flag("all-flagged");
   options.network = a.Option("network");
@@ -131,7 +132,7 @@ int RunUpdate(const std::vector<std::string>& args, Io& io) {
   if (!options.all_flagged && !(options.network && options.name))
     throw UsageError("a profile is named by --network N and --name NAME");
   const commands::ProfileUpdateResult result =
-      EditProject(a, commands::ProfileUpdate, options);
+      EditProject(a, commands::ProfileUpdate, std::move(options));
   if (result.updated.empty()) {
     io.out << "No profile needs an update; " << a.Drawing()
            << " is unchanged.\n";

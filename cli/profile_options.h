@@ -10,7 +10,4 @@ namespace kestrana::cli {
 // --surface and --surface-name (the surface file read).
 commands::ProfileDataOptions ProfileRunOptions(const Args& args);
 
-// The text of a surface file; NotFoundError when it cannot be read.
-std::string ReadSurfaceFile(const std::string& path);
-
 }  // namespace kestrana::cli

@@ -114,6 +114,28 @@ std::vector<host::ObjectId> PipesOfLine(host::Document& document,
                       "\" (its lines: " + Quoted(names) + ")");
 }
 
+// Puts the surfaces of a LandXML text in the civil document, in place of
+// any there; answers their names.
+std::vector<std::string> PutSurfaces(memhost::MemDocument& document,
+                                     const std::string& xml,
+                                     const std::string& file) {
+  std::vector<std::unique_ptr<memhost::MemSurface>> surfaces;
+  try {
+    surfaces = memhost::ParseLandXmlSurfaces(xml, file);
+  } catch (const memhost::LandXmlError& e) {
+    throw InvalidInputError(e.what());
+  }
+  std::vector<std::string> names;
+  // The civil document holds the surfaces this command brings, no others.
+  memhost::MemSurfaces& civil = document.App().Civil().Document().Surfaces();
+  civil.Clear();
+  for (auto& surface : surfaces) {
+    names.push_back(surface->Name());
+    civil.Add(std::move(surface));
+  }
+  return names;
+}
+
 // Puts the surfaces of the LandXML text in the civil document and answers
 // the name of the one to use; "" when the ground comes from the nodes.
 std::string UseSurface(memhost::MemDocument& document,
@@ -172,26 +194,6 @@ class ScriptedAnswers {
 };
 
 }  // namespace
-
-std::vector<std::string> PutSurfaces(memhost::MemDocument& document,
-                                     const std::string& xml,
-                                     const std::string& file) {
-  std::vector<std::unique_ptr<memhost::MemSurface>> surfaces;
-  try {
-    surfaces = memhost::ParseLandXmlSurfaces(xml, file);
-  } catch (const memhost::LandXmlError& e) {
-    throw InvalidInputError(e.what());
-  }
-  std::vector<std::string> names;
-  // The civil document holds the surfaces this command brings, no others.
-  memhost::MemSurfaces& civil = document.App().Civil().Document().Surfaces();
-  civil.Clear();
-  for (auto& surface : surfaces) {
-    names.push_back(surface->Name());
-    civil.Add(std::move(surface));
-  }
-  return names;
-}
 
 std::vector<std::string> SeriesValues(const std::string& series) {
   std::vector<std::string> values = core::Split(series);

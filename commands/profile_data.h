@@ -71,13 +71,6 @@ struct ProfileRun {
 ProfileRun SelectProfileRun(memhost::MemDocument& document,
                             const ProfileDataOptions& options);
 
-// Puts the surfaces of a LandXML text (named in messages as `file`) in
-// the civil document, in place of any there; answers their names.
-// InvalidInputError for a text that is not LandXML with TIN surfaces.
-std::vector<std::string> PutSurfaces(memhost::MemDocument& document,
-                                     const std::string& xml,
-                                     const std::string& file);
-
 // The values of a series: the pieces after the leading empty one.
 std::vector<std::string> SeriesValues(const std::string& series);
 

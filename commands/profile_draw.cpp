@@ -16,6 +16,7 @@
 #include "host/errors.h"
 #include "host/host.h"
 #include "memhost/document.h"
+#include "memhost/session.h"
 #include "profile/profile.h"
 #include "profile/profile_record.h"
 #include "profile/profile_sheet.h"
@@ -293,7 +294,7 @@ ProfileListResult ProfileList(host::Document& document,
 }
 
 ProfileUpdateResult ProfileUpdate(memhost::MemDocument& document,
-                                  const ProfileUpdateOptions& options) {
+                                  ProfileUpdateOptions options) {
   if (options.all_flagged == (options.network || options.name))
     throw InvalidInputError(
         "name one profile (its network and name) or ask for every profile "
@@ -308,10 +309,14 @@ ProfileUpdateResult ProfileUpdate(memhost::MemDocument& document,
       throw InvalidInputError("a profile is named by its network and name");
     blocks.push_back(&FindProfile(document, *options.network, *options.name));
   }
+  const bool surfaces_given = !options.surfaces.empty();
   std::vector<std::string> surfaces;
-  if (options.surface_xml)
-    surfaces =
-        PutSurfaces(document, *options.surface_xml, options.surface_file);
+  memhost::MemSurfaces& civil = document.App().Civil().Document().Surfaces();
+  civil.Clear();
+  for (auto& surface : options.surfaces) {
+    surfaces.push_back(surface->Name());
+    civil.Add(std::move(surface));
+  }
   // Every profile is checked before any is redrawn.
   for (host::BlockReference* block : blocks) {
     CheckChain(document, *block);
@@ -323,8 +328,8 @@ ProfileUpdateResult ProfileUpdate(memhost::MemDocument& document,
           "the profile \"" + inputs.profile_name + "\" of the network \"" +
           inputs.network_name + "\" takes its ground from the surface \"" +
           inputs.ground_surface_name + "\"; give the surface file that holds it" +
-          (options.surface_xml ? " (" + options.surface_file + " does not)"
-                               : ""));
+          (surfaces_given ? " (" + options.surface_source + " does not)"
+                          : ""));
   }
   ProfileUpdateResult result;
   core::UnlockedLayers unlocked(document);

@@ -1,6 +1,7 @@
 // `kestrana profile draw|list|update|delete`: drawn longitudinal profiles.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@ class Document;
 }
 namespace kestrana::memhost {
 class MemDocument;
+class MemSurface;
 }
 
 namespace kestrana::commands {
@@ -68,10 +70,12 @@ struct ProfileUpdateOptions {
   std::optional<std::string> network = {};
   std::optional<std::string> name = {};
   bool all_flagged = false;
-  // The LandXML text (named in messages as `surface_file`) of the surfaces
-  // that profiles with their ground from a surface take it from again.
-  std::optional<std::string> surface_xml = {};
-  std::string surface_file = {};
+  // The surfaces that profiles with their ground from a surface take it
+  // from again, as one source (a LandXML file, named in messages as
+  // `surface_source`) gives them; the civil document holds these, no
+  // others.
+  std::vector<std::unique_ptr<memhost::MemSurface>> surfaces{};
+  std::string surface_source = {};
 };
 struct ProfileUpdateResult {
   std::vector<ProfileSummary> updated;  // as drawn anew
@@ -80,7 +84,7 @@ struct ProfileUpdateResult {
 // profile whose pipes are gone or no longer one run; InvalidInputError for
 // a profile whose ground surface was not given. Nothing is redrawn then.
 ProfileUpdateResult ProfileUpdate(memhost::MemDocument& document,
-                                  const ProfileUpdateOptions& options);
+                                  ProfileUpdateOptions options);
 
 struct ProfileDeleteOptions {
   std::string network = {};
