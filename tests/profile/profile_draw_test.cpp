@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 #include "commands/profile_draw.h"
 #include "core/general.h"
@@ -302,15 +303,22 @@ TEST_F(DrawnProfile, PlanAnnotationWritesNameAndStationsAlongThePipes) {
   const host::Block& plan =
       document().GetBlocks().Item("Kestrana_PlanAnno_Sewer_Main");
   EXPECT_TRUE(Has(TextsOn(plan, "Profile - Plan Title"), "Main"));
-  std::vector<double> station_x;
+  // Along the chain (P-2 walked against its drawing), beside it.
+  std::map<std::string, double> station_x;
   for (host::Entity* e :
        On(plan, "Profile - Plan Stations", host::EntityKind::kText)) {
     const auto& text = host::As<host::Text>(*e);
-    if (text.TextString() == "0+040.00")
-      station_x.push_back(text.TextAlignmentPoint().x);
+    EXPECT_TRUE(station_x.emplace(text.TextString(),
+                                  text.TextAlignmentPoint().x).second)
+        << text.TextString() << " written twice";
   }
-  ASSERT_EQ(station_x.size(), 1u);
-  EXPECT_NEAR(station_x[0], 40, kTol);  // along the chain, beside it
+  ASSERT_EQ(station_x.size(), 4u);
+  for (const auto& [station, x] :
+       std::map<std::string, double>{{"0+000.00", 0},
+                                     {"0+040.00", 40},
+                                     {"0+080.00", 80},
+                                     {"0+120.00", 120}})
+    EXPECT_NEAR(station_x[station], x, kTol) << station;
   // Without either switch no plan block is made.
   EXPECT_FALSE(ProfileDraw(*doc_, Options("Other")).profile.plan_annotation);
 }
