@@ -8,6 +8,7 @@
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/json.h"
+#include "cli/profile_options.h"
 #include "cli/session.h"
 #include "core/names.h"
 #include "core/text.h"
@@ -205,6 +206,16 @@ int Run(const std::vector<std::string>& args, Io& io) {
           "surface-name"});
   a.ExpectPositionals(1);
   const std::string drawing = a.Positional(0, "the drawing (DRAWING.dxf)");
+  commands::ProfileDataOptions options = ProfileRunOptions(a);
+  const commands::ProfileDataResult result =
+      commands::ProfileData(*OpenProjectDrawing(drawing), options);
+  io.out << (a.Flag("json") ? Json(result) : Plain(result));
+  return 0;
+}
+
+}  // namespace
+
+commands::ProfileDataOptions ProfileRunOptions(const Args& a) {
   commands::ProfileDataOptions options;
   options.network = a.Required("network");
   options.pipes = a.Names("pipes");
@@ -221,11 +232,10 @@ int Run(const std::vector<std::string>& args, Io& io) {
   } else if (options.surface_name) {
     throw UsageError("--surface-name needs --surface FILE.xml");
   }
-  const commands::ProfileDataResult result =
-      commands::ProfileData(*OpenProjectDrawing(drawing), options);
-  io.out << (a.Flag("json") ? Json(result) : Plain(result));
-  return 0;
+  return options;
 }
+
+namespace {
 
 Registrar data_command(
     {"profile data", "the data of every part of a profile, as it is drawn",

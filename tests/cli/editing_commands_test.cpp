@@ -9,6 +9,8 @@
 #include "cli/command.h"
 #include "cli/command_fixture.h"
 #include "cli/demo.h"
+#include "profile/profile.h"
+#include "profile/profile_record.h"
 #include "commands/project.h"
 #include "core/general.h"
 #include "core/names.h"
@@ -426,6 +428,18 @@ TEST_F(EditingCommands, DemoDesignsTheExampleTown) {
   EXPECT_EQ(crossings, 3);
   EXPECT_GT(
       lowhigh::LowHigh::GetExistingLowHighPointsSet(*doc, "Water").Count(), 0);
+  // The main sewer's profile with its ground from the surface, and a water
+  // main's, each drawn once; the sewer's picture beside the plan.
+  EXPECT_EQ(Bytes(out + "/sewer-profile.png").substr(1, 3), "PNG");
+  EXPECT_EQ(profile::Profile::GetExistingProfileSet(*doc, "Sewer").Count(), 1);
+  EXPECT_EQ(profile::Profile::GetExistingProfileSet(*doc, "Water").Count(), 1);
+  const core::Record sewer = core::Record::ReadRequired(
+      profile::Profile::GetExistingProfileSet(*doc, "Sewer").Item(0));
+  EXPECT_EQ(sewer.Text(profile::ProfileField::kGround), "1;Existing Ground");
+  EXPECT_NE(report.find("Main Sewer  Sewer  1 part  pipes P-2 P-3 P-4 P-5 "
+                        "P-6 P-7"),
+            std::string::npos)
+      << report;
 }
 
 }  // namespace
