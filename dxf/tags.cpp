@@ -226,8 +226,8 @@ bool ParseInt(std::string_view text, int64_t& out) {
 
 bool ParseHandle(std::string_view text, uint64_t& out) {
   text = Trim(text);
-  // Handles stay below 2^60 so that new ones can always follow.
-  if (text.empty() || text.size() > 15) return false;
+  // 64-bit handles, as AutoCAD writes them: up to 16 hexadecimal digits.
+  if (text.empty() || text.size() > 16) return false;
   auto [ptr, ec] =
       std::from_chars(text.data(), text.data() + text.size(), out, 16);
   return ec == std::errc() && ptr == text.data() + text.size();

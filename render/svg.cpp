@@ -308,9 +308,9 @@ class Collector {
       ++skipped_["INSERT of a block inside itself"];
     } else {
       stack_.push_back(block);
-      Affine to_owner = ref.BlockTransform().Then(
-          Tilted(ref.normal_, ref.insertion_.z, ctx.m));
-      Walk(*block, Context{to_owner, layer, color}, false);
+      Affine plane = Tilted(ref.normal_, ref.insertion_.z, ctx.m);
+      for (const Affine& cell : ref.CellTransforms())
+        Walk(*block, Context{cell.Then(plane), layer, color}, false);
       stack_.pop_back();
     }
     // Attributes live in the insert's own space and take its colour ByBlock.

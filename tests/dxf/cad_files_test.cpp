@@ -1,0 +1,155 @@
+// Drawings as other CAD programs write them (tests/dxf/files, made by
+// make_files.py with ezdxf): each opens, keeps what it holds, and a
+// drawing only read and saved comes back byte for byte.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "dxf/io.h"
+#include "dxf/reader.h"
+#include "dxf/shape.h"
+#include "dxf/tags.h"
+#include "dxf/writer.h"
+#include "dxf_test_util.h"
+
+namespace kestrana::dxf {
+namespace {
+
+using host::Point3;
+using memhost::MemDocument;
+using memhost::MemEntity;
+
+std::string FilePath(const std::string& name) {
+  return std::string(KESTRANA_SOURCE_DIR) + "/tests/dxf/files/" + name;
+}
+
+std::string FileText(const std::string& name) {
+  std::ifstream in(FilePath(name), std::ios::binary);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+std::vector<MemEntity*> OfType(MemDocument& doc, const std::string& type) {
+  std::vector<MemEntity*> out;
+  for (MemEntity* e : doc.ModelSpaceBlock().MemEntities())
+    if (e->AsHostEntity().EntityName() == type) out.push_back(e);
+  return out;
+}
+
+class CadFiles : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(CadFiles, OpenAndSaveUnchanged) {
+  std::string text = FileText(GetParam());
+  ASSERT_FALSE(text.empty()) << GetParam();
+  MemDocument doc;
+  ReadDxf(doc, text);
+  EXPECT_EQ(WriteDxf(doc), text);
+}
+
+INSTANTIATE_TEST_SUITE_P(Ezdxf, CadFiles,
+                         ::testing::Values("handles64.dxf", "minsert.dxf",
+                                           "hatch_splines.dxf"));
+
+TEST(CadFiles, SixteenDigitHandlesNameObjectsAndNewOnesFollow) {
+  auto doc = LoadDrawing(FilePath("handles64.dxf"));
+  auto lines = OfType(*doc, "LINE");
+  ASSERT_EQ(lines.size(), 2u);
+  std::string handle = lines[0]->AsHostObject().Handle();
+  EXPECT_EQ(handle.size(), 16u);
+  EXPECT_EQ(&doc->HandleToObject(handle), &lines[0]->AsHostObject());
+  EXPECT_EQ(lines[1]->XData().size(), 1u);
+
+  // A new object takes the file's seed, not a handle in use.
+  uint64_t seed = doc->HandleSeed();
+  auto& added =
+      doc->ModelSpace().AddLine(Point3{0, 0, 0}, Point3{1, 0, 0});
+  uint64_t value = 0;
+  ASSERT_TRUE(ParseHandle(added.Handle(), value));
+  EXPECT_GE(value, seed);
+  EXPECT_GT(value, 0xD9B071D01A0CB6A8ull);
+}
+
+TEST(CadFiles, HandlesAtTheTopOfTheRangeStartAgainAtOne) {
+  auto doc = testing::Read(testing::MinimalDxf(
+      "0\nLINE\n5\nFFFFFFFFFFFFFFFF\n8\n0\n10\n0\n20\n0\n30\n0\n11\n1\n21\n1\n"
+      "31\n0\n"));
+  auto& a = doc->ModelSpace().AddLine(Point3{0, 0, 0}, Point3{1, 0, 0});
+  auto& b = doc->ModelSpace().AddLine(Point3{0, 0, 0}, Point3{2, 0, 0});
+  uint64_t ha = 0, hb = 0;
+  ASSERT_TRUE(ParseHandle(a.Handle(), ha));
+  ASSERT_TRUE(ParseHandle(b.Handle(), hb));
+  EXPECT_NE(ha, 0u);
+  EXPECT_NE(hb, 0u);
+  EXPECT_NE(ha, hb);
+  EXPECT_NE(ha, 0xFFFFFFFFFFFFFFFFull);
+  // Written and read again, every handle is still one of a kind.
+  auto again = testing::RoundTrip(*doc);
+  EXPECT_EQ(OfType(*again, "LINE").size(), 3u);
+  // Seventeen digits are no handle.
+  EXPECT_THROW(testing::Read(testing::MinimalDxf(
+                   "0\nLINE\n5\n1FFFFFFFFFFFFFFFF\n8\n0\n")),
+               DxfError);
+}
+
+TEST(CadFiles, ArrayedInsertCoversItsGrid) {
+  auto doc = LoadDrawing(FilePath("minsert.dxf"));
+  auto inserts = OfType(*doc, "INSERT");
+  ASSERT_EQ(inserts.size(), 2u);
+  auto* array = inserts[0]->AsBlockReference();
+  EXPECT_EQ(array->Name(), "Tree");
+  EXPECT_EQ(array->columns_, 3);
+  EXPECT_EQ(array->rows_, 2);
+  EXPECT_EQ(array->CellTransforms().size(), 6u);
+  EXPECT_EQ(inserts[1]->AsBlockReference()->CellTransforms().size(), 1u);
+  // Circles of radius 1 at (10, 20) + (0..2 x 4, 0..1 x 5).
+  host::BoundingBox box = array->GetBoundingBox();
+  EXPECT_NEAR(box.min.x, 9, 1e-9);
+  EXPECT_NEAR(box.min.y, 19, 1e-9);
+  EXPECT_NEAR(box.max.x, 19, 1e-9);
+  EXPECT_NEAR(box.max.y, 26, 1e-9);
+
+  // Turned by a quarter, the grid turns with it.
+  array->SetRotation(1.5707963267948966);
+  box = array->GetBoundingBox();
+  EXPECT_NEAR(box.min.x, 10 - 5 - 1, 1e-9);
+  EXPECT_NEAR(box.max.y, 20 + 8 + 1, 1e-9);
+
+  // A copy is written as a new object and stays an array.
+  auto& copy = dynamic_cast<memhost::MemBlockReference&>(array->Copy());
+  copy.Move(Point3{0, 0, 0}, Point3{100, 0, 0});
+  std::string text = WriteDxf(*doc);
+  auto again = testing::Read(text);
+  auto read = OfType(*again, "INSERT");
+  ASSERT_EQ(read.size(), 3u);
+  auto* copied = read[2]->AsBlockReference();
+  EXPECT_EQ(copied->columns_, 3);
+  EXPECT_EQ(copied->rows_, 2);
+  EXPECT_DOUBLE_EQ(copied->column_spacing_, 4);
+  EXPECT_DOUBLE_EQ(copied->row_spacing_, 5);
+  EXPECT_EQ(read[1]->AsBlockReference()->columns_, 1);
+}
+
+TEST(CadFiles, HatchSplineEdgesWithAndWithoutFitPoints) {
+  auto doc = LoadDrawing(FilePath("hatch_splines.dxf"));
+  auto hatches = OfType(*doc, "HATCH");
+  ASSERT_EQ(hatches.size(), 2u);
+  for (MemEntity* e : hatches) {
+    auto loops = dynamic_cast<host::Hatch&>(e->AsHostEntity()).Loops();
+    ASSERT_EQ(loops.size(), 2u);
+    for (const host::HatchLoop& loop : loops) {
+      ASSERT_EQ(loop.edges.size(), 2u);
+      int splines = 0;
+      for (const auto& edge : loop.edges)
+        if (edge.type == host::HatchEdge::Type::kSpline) {
+          ++splines;
+          EXPECT_EQ(edge.control_points.size(), 3u);
+        }
+      EXPECT_EQ(splines, 1);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kestrana::dxf
