@@ -7,10 +7,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "dxf/binary.h"
 #include "dxf/text_codec.h"
 #include "memhost/document.h"
 
@@ -81,7 +83,10 @@ struct SectionImage {
 };
 
 struct FileImage {
+  // The text of the file's tags (of a binary file: as ASCII DXF).
   std::string buffer;
+  // Set for a binary file: written back in the same form.
+  std::optional<BinaryForm> binary;
   std::string version;  // $ACADVER
   std::string codepage;
   std::string eol = "\n";

@@ -270,6 +270,16 @@ std::string FormatReal(double value) {
   return s;
 }
 
+int VersionNumber(std::string_view version) {
+  if (version.size() != 6 || version.substr(0, 2) != "AC") return -1;
+  int number = 0;
+  for (char c : version.substr(2)) {
+    if (c < '0' || c > '9') return -1;
+    number = number * 10 + (c - '0');
+  }
+  return number;
+}
+
 std::string FormatHandle(uint64_t handle) {
   char buf[24];
   auto [ptr, ec] = std::to_chars(buf, buf + sizeof buf, handle, 16);

@@ -122,6 +122,10 @@ void Writer::Prepare() {
     if (s.kind == SectionImage::Kind::kTables) tables = &s;
   if (tables == nullptr) return;
   for (const char* name : {"LAYER", "STYLE", "APPID", "BLOCK_RECORD"}) {
+    // Block records came with R13.
+    if (std::string_view(name) == "BLOCK_RECORD" &&
+        VersionNumber(img_.version) < kVersionR13)
+      continue;
     bool found = false;
     for (const auto& t : tables->tables) found = found || t.name == name;
     if (!found) {
@@ -517,7 +521,10 @@ std::string WriteDxf(MemDocument& doc) {
     for (auto* l : doc.LayerList()) from_state(*l);
     for (auto* s : doc.TextStyleList()) from_state(*s);
   }
-  return Writer(doc, *ImageOf(doc)).Run();
+  FileImage& image = *ImageOf(doc);
+  std::string text = Writer(doc, image).Run();
+  if (image.binary) return TextToBinary(text, *image.binary);
+  return text;
 }
 
 }  // namespace kestrana::dxf

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "dxf/binary.h"
 #include "dxf/io.h"
 #include "dxf/reader.h"
 #include "dxf/shape.h"
@@ -48,9 +49,124 @@ TEST_P(CadFiles, OpenAndSaveUnchanged) {
   EXPECT_EQ(WriteDxf(doc), text);
 }
 
-INSTANTIATE_TEST_SUITE_P(Ezdxf, CadFiles,
-                         ::testing::Values("handles64.dxf", "minsert.dxf",
-                                           "hatch_splines.dxf"));
+INSTANTIATE_TEST_SUITE_P(
+    Ezdxf, CadFiles,
+    ::testing::Values("handles64.dxf", "minsert.dxf", "hatch_splines.dxf",
+                      "r12.dxf", "r13.dxf", "r14.dxf", "r12_binary.dxf",
+                      "r2018_binary.dxf"));
+
+// What a base plan holds, read from any version or form of it.
+struct PlanContents {
+  std::vector<std::string> types;
+  Point3 line_end;
+  std::string text;
+  std::string attribute;
+  std::vector<host::XRecord> circle_xdata;
+};
+
+PlanContents ContentsOf(MemDocument& doc) {
+  PlanContents c;
+  for (MemEntity* e : doc.ModelSpaceBlock().MemEntities()) {
+    host::Entity& he = e->AsHostEntity();
+    c.types.push_back(he.EntityName());
+    if (he.EntityName() == "LINE" && c.types.size() == 1)
+      c.line_end = dynamic_cast<host::Line&>(he).EndPoint();
+    if (he.EntityName() == "TEXT")
+      c.text = dynamic_cast<host::Text&>(he).TextString();
+    if (auto* ref = e->AsBlockReference())
+      c.attribute = ref->GetAttributes().at(0)->TextString();
+    if (he.EntityName() == "CIRCLE") c.circle_xdata = e->XData();
+  }
+  return c;
+}
+
+TEST(CadFiles, EveryVersionAndFormReadsTheSamePlan) {
+  MemDocument r2018;
+  ReadDxf(r2018, FileText("r2018_binary.dxf"));
+  PlanContents expected = ContentsOf(r2018);
+  ASSERT_EQ(expected.types.size(), 6u);
+  EXPECT_EQ(expected.text, "Rue de l'\xc3\x89glise");
+  EXPECT_EQ(expected.attribute, "MH-1");
+  EXPECT_DOUBLE_EQ(expected.line_end.x, 12.5);
+  ASSERT_EQ(expected.circle_xdata.size(), 1u);
+  for (const char* name : {"r12.dxf", "r12_binary.dxf", "r13.dxf", "r14.dxf"}) {
+    SCOPED_TRACE(name);
+    MemDocument doc;
+    ReadDxf(doc, FileText(name));
+    PlanContents c = ContentsOf(doc);
+    EXPECT_EQ(c.types, expected.types);
+    EXPECT_EQ(c.text, expected.text);
+    EXPECT_EQ(c.attribute, expected.attribute);
+    EXPECT_TRUE(c.line_end == expected.line_end);
+    EXPECT_EQ(c.circle_xdata, expected.circle_xdata);
+  }
+}
+
+TEST(CadFiles, VersionsCompareAsVersions) {
+  using testing::MinimalDxf;
+  for (const char* old : {"AC2.10", "AC1.50", "AC1006", "AC1004"}) {
+    SCOPED_TRACE(old);
+    try {
+      testing::Read(MinimalDxf("", old));
+      ADD_FAILURE() << "read a drawing of version " << old;
+    } catch (const DxfError& e) {
+      EXPECT_NE(std::string(e.what()).find("before R12"), std::string::npos)
+          << e.what();
+    }
+  }
+  for (const char* read : {"AC1009", "AC1012", "AC1014", "AC1032", "AC1040"})
+    EXPECT_NO_THROW(testing::Read(MinimalDxf("", read))) << read;
+  EXPECT_THROW(testing::Read(MinimalDxf("", "R2000")), DxfError);
+  EXPECT_EQ(VersionNumber("AC1015"), 1015);
+  EXPECT_EQ(VersionNumber("AC2.10"), -1);
+}
+
+TEST(CadFiles, ChangedBinaryDrawingStaysBinary) {
+  std::string bytes = FileText("r2018_binary.dxf");
+  MemDocument doc;
+  ReadDxf(doc, bytes);
+  auto& line = doc.ModelSpace().AddLine(Point3{1.0 / 3, 0, 0},
+                                        Point3{-0.0, 1e300, 0});
+  line.SetXData({{1001, host::XValue(std::string("SURVEY"))},
+                 {1070, host::XValue(int16_t{-7})},
+                 {1040, host::XValue(0.1)}});
+  std::string written = WriteDxf(doc);
+  ASSERT_TRUE(IsBinaryDxf(written));
+  MemDocument again;
+  ReadDxf(again, written);
+  auto lines = OfType(again, "LINE");
+  ASSERT_EQ(lines.size(), 3u);
+  auto& read = dynamic_cast<host::Line&>(lines[2]->AsHostEntity());
+  EXPECT_EQ(read.StartPoint().x, 1.0 / 3);  // doubles exactly, not as text
+  EXPECT_EQ(read.EndPoint().y, 1e300);
+  EXPECT_EQ(lines[2]->XData(), line.GetAllXData());
+  // Written once more unchanged: the same bytes.
+  EXPECT_EQ(WriteDxf(again), written);
+}
+
+TEST(CadFiles, BrokenBinaryFilesAreRefusedByByte) {
+  std::string bytes = FileText("r2018_binary.dxf");
+  for (size_t cut : {size_t{23}, size_t{40}, bytes.size() / 2}) {
+    SCOPED_TRACE(cut);
+    try {
+      testing::Read(bytes.substr(0, cut));
+      ADD_FAILURE() << "read a truncated file";
+    } catch (const DxfError& e) {
+      EXPECT_NE(std::string(e.what()).find("byte"), std::string::npos)
+          << e.what();
+    }
+  }
+  // A text holding a line break cannot become a line of ASCII DXF.
+  BinaryForm form;
+  std::string text = BinaryToText(bytes, form);
+  size_t at = bytes.find("Rue de");
+  ASSERT_NE(at, std::string::npos);
+  std::string broken = bytes;
+  broken[at + 3] = '\n';
+  EXPECT_THROW(BinaryToText(broken, form), DxfError);
+  // And the text form converts back to the very bytes.
+  EXPECT_EQ(TextToBinary(text, form), bytes);
+}
 
 TEST(CadFiles, SixteenDigitHandlesNameObjectsAndNewOnesFollow) {
   auto doc = LoadDrawing(FilePath("handles64.dxf"));

@@ -62,7 +62,45 @@ def hatch_splines():
     doc.saveas("hatch_splines.dxf")
 
 
+def base_plan(version):
+    # What a surveyor's base plan holds: lines, a classic polyline, texts
+    # with accents, a block with an attribute, extended data.
+    doc = ezdxf.new(version)
+    doc.appids.new("SURVEY")
+    doc.layers.add("Kerb", color=3)
+    block = doc.blocks.new("Manhole")
+    block.add_circle((0, 0), 0.6)
+    block.add_attdef("ID", (0.8, 0), dxfattribs={"height": 0.25})
+    msp = doc.modelspace()
+    msp.add_line((0, 0), (12.5, 4.25), dxfattribs={"layer": "Kerb"})
+    msp.add_line((0.1, 0.2), (1 / 3, -0.0))
+    msp.add_polyline2d([(0, 0), (3, 0), (3, 3), (6, 4)])
+    msp.add_text("Rue de l'Église", dxfattribs={"insert": (1, 2), "height": 0.5})
+    ref = msp.add_blockref("Manhole", (10, 10))
+    ref.add_attrib("ID", "MH-1", (10.8, 10))
+    circle = msp.add_circle((5, 5), 1.5)
+    circle.set_xdata("SURVEY", [(1000, "tree"), (1040, 0.25), (1070, 3)])
+    return doc
+
+
+def old_and_binary():
+    base_plan("R12").saveas("r12.dxf")
+    base_plan("R12").saveas("r12_binary.dxf", fmt="bin")
+    base_plan("R2018").saveas("r2018_binary.dxf", fmt="bin")
+    # ezdxf writes no R13 or R14; their files have the structure of R2000
+    # (subclass markers, handles, OBJECTS), so an R2000 file named so
+    # stands for them.
+    doc = base_plan("R2000")
+    for name, version in (("r13.dxf", "AC1012"), ("r14.dxf", "AC1014")):
+        doc.saveas(name)
+        with open(name, encoding="cp1252") as f:
+            text = f.read()
+        with open(name, "w", encoding="cp1252", newline="") as f:
+            f.write(text.replace("AC1015", version, 1))
+
+
 if __name__ == "__main__":
     handles64()
     minsert()
     hatch_splines()
+    old_and_binary()
