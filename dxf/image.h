@@ -68,6 +68,8 @@ struct TableImage {
   Span tail;                     // "0 ENDTAB"
   std::vector<TableItem> items;  // in file order, then new ones
   size_t count_read = 0;
+  // The head is written anew (R12's have no handle) in place of `head`.
+  bool head_anew = false;
 };
 
 struct SectionImage {
@@ -88,6 +90,8 @@ struct FileImage {
   // Set for a binary file: written back in the same form.
   std::optional<BinaryForm> binary;
   std::string version;  // $ACADVER
+  // The version read when a change made the drawing R2000 ("" otherwise).
+  std::string upgraded_from;
   std::string codepage;
   std::string eol = "\n";
   TextCodec codec;

@@ -9,6 +9,7 @@
 #include "dxf/records.h"
 #include "dxf/shape.h"
 #include "dxf/template.h"
+#include "dxf/upgrade.h"
 
 namespace kestrana::dxf {
 
@@ -47,6 +48,7 @@ class Writer {
   void Header(const SectionImage& s);
   void Tables(const SectionImage& s);
   void Table(const TableImage& t);
+  void NewTableHead(const TableImage& t, size_t count);
   void Blocks(const SectionImage& s);
   void Entities();
   void WriteEntity(MemEntity& e, uint64_t owner, bool paper);
@@ -202,7 +204,10 @@ void Writer::Header(const SectionImage& s) {
     w_.Point(10, p.x, p.y, p.z);
   };
   for (const HeaderVar& var : s.vars) {
-    if (var.name == "$HANDSEED") {
+    if (var.name == "$ACADVER" && !img_.upgraded_from.empty()) {
+      w_.Text(9, "$ACADVER");
+      w_.Text(1, img_.version);
+    } else if (var.name == "$HANDSEED") {
       wrote_seed = true;
       Shape shape;
       uint64_t old = 0;
@@ -291,11 +296,25 @@ void Writer::Tables(const SectionImage& s) {
   Raw(s.tail);
 }
 
+void Writer::NewTableHead(const TableImage& t, size_t count) {
+  w_.Text(0, "TABLE");
+  w_.Text(2, t.name);
+  w_.Handle(5, t.handle);
+  w_.Text(330, "0");
+  w_.Text(100, "AcDbSymbolTable");
+  w_.Int(70, static_cast<int64_t>(count));
+}
+
 void Writer::Table(const TableImage& t) {
   bool modelled = t.name == "LAYER" || t.name == "STYLE" || t.name == "APPID" ||
                   t.name == "BLOCK_RECORD";
   if (!modelled) {
-    Raw({t.head.begin, t.tail.end});
+    if (t.head_anew) {
+      NewTableHead(t, t.count_read);
+      Raw({t.head.end, t.tail.end});
+    } else {
+      Raw({t.head.begin, t.tail.end});
+    }
     return;
   }
   std::string body;
@@ -369,13 +388,8 @@ void Writer::Table(const TableImage& t) {
   }
   std::swap(body, out_);
 
-  if (t.head.Empty()) {
-    w_.Text(0, "TABLE");
-    w_.Text(2, t.name);
-    w_.Handle(5, t.handle);
-    w_.Text(330, "0");
-    w_.Text(100, "AcDbSymbolTable");
-    w_.Int(70, static_cast<int64_t>(count));
+  if (t.head.Empty() || t.head_anew) {
+    NewTableHead(t, count);
   } else if (count == t.count_read) {
     Raw(t.head);
   } else {
@@ -523,6 +537,12 @@ std::string WriteDxf(MemDocument& doc) {
   }
   FileImage& image = *ImageOf(doc);
   std::string text = Writer(doc, image).Run();
+  // An old drawing the logic changed: its own version cannot hold what
+  // was added.
+  if (VersionNumber(image.version) < kVersionR2000 && text != image.buffer) {
+    UpgradeToR2000(doc, image);
+    text = Writer(doc, image).Run();
+  }
   if (image.binary) return TextToBinary(text, *image.binary);
   return text;
 }

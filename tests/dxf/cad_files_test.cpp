@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "dxf/binary.h"
+#include "dxf/image.h"
 #include "dxf/io.h"
 #include "dxf/reader.h"
 #include "dxf/shape.h"
@@ -264,6 +265,57 @@ TEST(CadFiles, HatchSplineEdgesWithAndWithoutFitPoints) {
         }
       EXPECT_EQ(splines, 1);
     }
+  }
+}
+
+}  // namespace
+}  // namespace kestrana::dxf
+
+namespace kestrana::dxf {
+namespace {
+
+int UpgradeMessages(MemDocument& doc) {
+  int n = 0;
+  for (const memhost::LogEntry& e : doc.GetSession().Log())
+    n += e.kind == memhost::LogEntry::Kind::kMessage &&
+         e.text.find("saved as DXF R2000") != std::string::npos;
+  return n;
+}
+
+TEST(CadFiles, ChangedOldDrawingsAreWrittenInR2000Form) {
+  for (const char* name : {"r12.dxf", "r12_binary.dxf", "r14.dxf"}) {
+    SCOPED_TRACE(name);
+    std::string bytes = FileText(name);
+    MemDocument doc;
+    ReadDxf(doc, bytes);
+    EXPECT_EQ(WriteDxf(doc), bytes);  // unchanged: as it was
+    EXPECT_EQ(UpgradeMessages(doc), 0);
+
+    auto& line = doc.ModelSpace().AddLine(Point3{0, 0, 0}, Point3{1, 1, 0});
+    line.SetXData({{1001, host::XValue(std::string("Kestrana"))},
+                   {1000, host::XValue(std::string("pipe"))}});
+    std::string written = WriteDxf(doc);
+    EXPECT_EQ(IsBinaryDxf(written), IsBinaryDxf(bytes));
+    EXPECT_EQ(UpgradeMessages(doc), 1);
+    // Written again: R2000 already, no second message.
+    EXPECT_EQ(WriteDxf(doc), written);
+    EXPECT_EQ(UpgradeMessages(doc), 1);
+
+    MemDocument again;
+    ReadDxf(again, written);
+    EXPECT_EQ(ImageOf(again)->version, "AC1015");
+    EXPECT_TRUE(OfType(again, "POLYLINE").empty());
+    auto lws = OfType(again, "LWPOLYLINE");
+    ASSERT_EQ(lws.size(), 1u);
+    auto& lw = dynamic_cast<host::LwPolyline&>(lws[0]->AsHostEntity());
+    EXPECT_EQ(lw.Coordinates(),
+              (std::vector<double>{0, 0, 3, 0, 3, 3, 6, 4}));
+    EXPECT_EQ(OfType(again, "LINE").size(), 3u);
+    EXPECT_EQ(OfType(again, "INSERT").size(), 1u);
+    // Blocks and their records are tied by handles of their own.
+    auto* manhole = again.FindBlock("Manhole");
+    ASSERT_NE(manhole, nullptr);
+    EXPECT_EQ(manhole->MemEntities().size(), 2u);
   }
 }
 
