@@ -72,6 +72,13 @@ struct TableImage {
   bool head_anew = false;
 };
 
+// An object of a section the model does not hold (OBJECTS), as read.
+struct RawObject {
+  Span span;
+  uint64_t handle = 0;
+  uint64_t owner = 0;  // 330 (0: none)
+};
+
 struct SectionImage {
   enum class Kind { kRaw, kHeader, kTables, kBlocks, kEntities };
   Kind kind = Kind::kRaw;
@@ -82,6 +89,7 @@ struct SectionImage {
   std::vector<HeaderVar> vars;     // kHeader
   std::vector<TableImage> tables;  // kTables
   std::vector<uint64_t> blocks;    // kBlocks: block record handles in order
+  std::vector<RawObject> objects;  // kRaw: its objects in file order
 };
 
 struct FileImage {

@@ -352,8 +352,11 @@ void Reader::ReadRawSection(SectionImage& section) {
     if (tag_.value == "SECTION" || tag_.value == "EOF")
       Unexpected(
           ("0 ENDSEC to close the " + section.name + " section").c_str());
+    size_t begin = tag_.offset;
     ReadShape();
     ReserveRaw(shape_.handle, shape_.Line());
+    section.objects.push_back(
+        {{begin, shape_.end_offset}, shape_.handle, shape_.owner});
   }
 }
 

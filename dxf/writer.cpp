@@ -1,6 +1,7 @@
 #include "dxf/writer.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "dxf/image.h"
@@ -59,6 +60,8 @@ class Writer {
                      uint64_t owner, Fill fill, bool moved = false);
   bool LoadOriginal(const Span& span, Shape& shape, int handle_code = 5) const;
   void Raw(const Span& s) { w_.Raw(img_.Bytes(s)); }
+  // A section kept as read, less the objects whose owner was erased.
+  void RawSection(const SectionImage& s);
 
   MemDocument& doc_;
   FileImage& img_;
@@ -158,7 +161,7 @@ std::string Writer::Run() {
   for (const SectionImage& s : img_.sections) {
     switch (s.kind) {
       case SectionImage::Kind::kRaw:
-        Raw(s.span);
+        RawSection(s);
         break;
       case SectionImage::Kind::kHeader:
         Header(s);
@@ -181,6 +184,52 @@ std::string Writer::Run() {
   else
     Raw(img_.trailer);
   return std::move(out_);
+}
+
+// ----------------------------------------------------------- raw sections
+
+void Writer::RawSection(const SectionImage& s) {
+  if (s.objects.empty()) {
+    Raw(s.span);
+    return;
+  }
+  // An object goes with its owner, as in the CAD program: an erased
+  // entity's extension dictionary, the records in that dictionary, ...
+  std::unordered_map<uint64_t, const RawObject*> by_handle;
+  for (const RawObject& o : s.objects)
+    if (o.handle != 0) by_handle.emplace(o.handle, &o);
+  std::unordered_map<uint64_t, bool> dead;
+  auto is_dead = [&](uint64_t handle) {
+    std::vector<uint64_t> chain;
+    bool result = false;
+    // Up the owners until one is known, erased, live or outside.
+    while (true) {
+      if (auto it = dead.find(handle); it != dead.end()) {
+        result = it->second;
+        break;
+      }
+      auto raw = by_handle.find(handle);
+      if (raw == by_handle.end()) {
+        MemObject* obj = doc_.FindByHandle(handle);
+        result = obj != nullptr && obj->IsErased();
+        break;
+      }
+      chain.push_back(handle);
+      handle = raw->second->owner;
+      if (handle == 0 || chain.size() > by_handle.size()) break;  // a loop
+    }
+    for (uint64_t h : chain) dead[h] = result;
+    return result;
+  };
+  size_t at = s.span.begin;
+  for (const RawObject& o : s.objects) {
+    bool drop = o.owner != 0 && is_dead(o.owner);
+    if (o.handle != 0) dead[o.handle] = drop;
+    if (!drop) continue;
+    Raw({at, o.span.begin});
+    at = o.span.end;
+  }
+  Raw({at, s.span.end});
 }
 
 // ----------------------------------------------------------------- header

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <map>
 #include <sstream>
 
 #include "dxf/binary.h"
@@ -53,6 +54,7 @@ TEST_P(CadFiles, OpenAndSaveUnchanged) {
 INSTANTIATE_TEST_SUITE_P(
     Ezdxf, CadFiles,
     ::testing::Values("handles64.dxf", "minsert.dxf", "hatch_splines.dxf",
+                      "xdict.dxf",
                       "r12.dxf", "r13.dxf", "r14.dxf", "r12_binary.dxf",
                       "r2018_binary.dxf"));
 
@@ -317,6 +319,77 @@ TEST(CadFiles, ChangedOldDrawingsAreWrittenInR2000Form) {
     ASSERT_NE(manhole, nullptr);
     EXPECT_EQ(manhole->MemEntities().size(), 2u);
   }
+}
+
+}  // namespace
+}  // namespace kestrana::dxf
+
+namespace kestrana::dxf {
+namespace {
+
+// The handles of the objects of the OBJECTS section, with their owners.
+std::map<std::string, std::string> ObjectOwners(const std::string& text) {
+  std::map<std::string, std::string> owners;
+  Tokenizer tok(text);
+  Tag t;
+  bool in_objects = false;
+  std::string handle;
+  while (tok.Next(t)) {
+    if (t.code == 2 && t.value == "OBJECTS") in_objects = true;
+    if (!in_objects) continue;
+    if (t.code == 0) handle.clear();
+    if (t.code == 5) handle = std::string(t.value);
+    if (t.code == 330 && !handle.empty())
+      owners.emplace(handle, std::string(t.value));
+  }
+  return owners;
+}
+
+TEST(CadFiles, ErasedEntityTakesItsExtensionDictionaryWithIt) {
+  std::string text = FileText("xdict.dxf");
+  auto owners = ObjectOwners(text);
+  MemDocument doc;
+  ReadDxf(doc, text);
+  auto lines = OfType(doc, "LINE");
+  ASSERT_EQ(lines.size(), 2u);
+  std::string gone = lines[0]->AsHostObject().Handle();
+  std::string kept = lines[1]->AsHostObject().Handle();
+  // Each line owns a dictionary that owns a record.
+  auto owned_by = [&](const std::string& owner) {
+    std::vector<std::string> out;
+    for (const auto& [h, o] : owners)
+      if (o == owner) out.push_back(h);
+    return out;
+  };
+  ASSERT_EQ(owned_by(gone).size(), 1u);
+  std::string gone_dict = owned_by(gone)[0];
+  ASSERT_EQ(owned_by(gone_dict).size(), 1u);
+  std::string gone_record = owned_by(gone_dict)[0];
+  ASSERT_EQ(owned_by(kept).size(), 1u);
+
+  lines[0]->AsHostEntity().Delete();
+  std::string written = WriteDxf(doc);
+  auto after = ObjectOwners(written);
+  EXPECT_EQ(after.count(gone_dict), 0u);
+  EXPECT_EQ(after.count(gone_record), 0u);
+  EXPECT_EQ(after.count(owned_by(kept)[0]), 1u);
+  EXPECT_EQ(after.size(), owners.size() - 2);
+  // No object is left with an owner that is not in the file.
+  MemDocument again;
+  ReadDxf(again, written);
+  for (const auto& [h, o] : after)
+    if (o != "0") {
+      bool known = after.count(o) > 0;
+      if (!known) {
+        uint64_t value = 0;
+        ASSERT_TRUE(ParseHandle(o, value));
+        known = again.FindByHandle(value) != nullptr ||
+                written.find("\n5\n" + o + "\n") != std::string::npos ||
+                written.find("\n  5\n" + o + "\n") != std::string::npos;
+      }
+      EXPECT_TRUE(known) << h << " owned by " << o;
+    }
+  EXPECT_EQ(WriteDxf(again), written);
 }
 
 }  // namespace

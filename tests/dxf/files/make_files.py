@@ -99,7 +99,21 @@ def old_and_binary():
             f.write(text.replace("AC1015", version, 1))
 
 
+def extension_dictionaries():
+    # Lines with extension dictionaries holding records, as TurboCAD and
+    # others write them.
+    doc = ezdxf.new("R2018")
+    msp = doc.modelspace()
+    for i, end in enumerate(((10, 0), (10, 10))):
+        line = msp.add_line((0, 0), end)
+        xdict = line.new_extension_dict()
+        record = xdict.add_xrecord("TCAD_DATA")
+        record.reset([(1, f"line {i}"), (40, 1.5 * i)])
+    doc.saveas("xdict.dxf")
+
+
 if __name__ == "__main__":
+    extension_dictionaries()
     handles64()
     minsert()
     hatch_splines()
