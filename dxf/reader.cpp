@@ -627,6 +627,7 @@ void Reader::ReadEntity(MemBlock* owner) {
     }
   } else if (type == "POLYLINE") {
     // Vertices and the SEQEND stay with the polyline, as read.
+    PolylineOutline outline(shape_);
     size_t follow_begin = tag_.offset;
     while (tag_.code == 0 &&
            (tag_.value == "VERTEX" || tag_.value == "SEQEND")) {
@@ -634,7 +635,10 @@ void Reader::ReadEntity(MemBlock* owner) {
       ReadShape();
       reserve_shape_handle();
       if (seqend) break;
+      outline.AddVertex(shape_);
     }
+    if (auto* other = dynamic_cast<memhost::MemOtherEntity*>(&e))
+      outline.Finish(*other);
     if (follow_begin < tag_.offset)
       RecordOf(e)->end_span = {follow_begin, tag_.offset};
   }

@@ -181,6 +181,9 @@ void MemOtherEntity::Transform(const Affine& m) {
 
 void MemOtherEntity::AddExtents(const Affine& m, Box2& box) const {
   for (const Point3& p : extent_points_) AddPoint(m, p, box);
+  for (const Outline& o : outlines_)
+    for (const Point3& p : o.points) AddPoint(m, p, box);
+  for (const Label& l : labels_) AddPoint(m, l.at, box);
 }
 
 std::unique_ptr<MemEntity> MemOtherEntity::CloneState() const {

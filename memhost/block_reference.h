@@ -85,6 +85,26 @@ class MemOtherEntity final : public EntityImpl<host::OtherEntity> {
   std::string object_name_;
   // Points that stand for the entity's extent, when the reader knows them.
   std::vector<Point3> extent_points_;
+
+  // What a picture shows of the entity, when the reader knows it, in world
+  // coordinates: lines through points, texts, and a block drawn in place
+  // (a dimension's).
+  struct Outline {
+    std::vector<Point3> points;
+    bool closed = false;
+  };
+  struct Label {
+    std::string text;  // lines split at "\n"
+    Point3 at;         // top left of the first line
+    double height = 1;
+    double rotation = 0;  // radians
+  };
+  std::vector<Outline> outlines_;
+  std::vector<Label> labels_;
+  std::string picture_block_;
+  bool HasPicture() const {
+    return !outlines_.empty() || !labels_.empty() || !picture_block_.empty();
+  }
 };
 
 }  // namespace kestrana::memhost

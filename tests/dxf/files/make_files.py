@@ -112,7 +112,31 @@ def extension_dictionaries():
     doc.saveas("xdict.dxf")
 
 
+def plan_kinds():
+    # What base plans hold besides lines and texts, one of each kind.
+    doc = ezdxf.new("R2018")
+    msp = doc.modelspace()
+    msp.add_mtext("Manhole\\PMH-7", dxfattribs={
+        "insert": (0, 50), "char_height": 2, "attachment_point": 1})
+    msp.add_linear_dim((0, 40), (0, 30), (20, 30)).render()
+    msp.add_leader([(0, 0), (10, 10), (20, 10)])
+    msp.add_open_spline([(30, 0), (35, 10), (40, 0), (45, 10)])
+    msp.add_polyline2d([(50, 0), (60, 0), (60, 10)],
+                       format="xyb").vertices[0].dxf.bulge = 1
+    msp.add_solid([(70, 0), (80, 0), (70, 10), (80, 10)])
+    msp.add_3dface([(90, 0, 0), (100, 0, 0), (100, 10, 5), (90, 10, 0)])
+    msp.add_wipeout([(110, 0), (120, 0), (120, 10), (110, 10)])
+    image_def = doc.add_image_def("aerial.png", size_in_pixel=(100, 50))
+    msp.add_image(image_def, (130, 0), (20, 10))
+    mesh = msp.add_mesh()
+    with mesh.edit_data() as data:
+        data.vertices = [(0, -10, 0), (5, -10, 0), (5, -5, 0)]
+        data.faces = [(0, 1, 2)]
+    doc.saveas("plan_kinds.dxf")
+
+
 if __name__ == "__main__":
+    plan_kinds()
     extension_dictionaries()
     handles64()
     minsert()
