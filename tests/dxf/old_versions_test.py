@@ -66,6 +66,16 @@ class OldVersions(unittest.TestCase):
                     self.assertEqual(len(auditor.errors), 0,
                                      [e.message for e in auditor.errors])
 
+    def test_librecad_opens_the_upgraded_drawing(self):
+        out, _ = self.new_project("r12.dxf")
+        env = dict(os.environ, QT_QPA_PLATFORM="offscreen")
+        run = subprocess.run(["librecad", "dxf2pdf", "-a", out], cwd=self.dir,
+                             env=env, capture_output=True, timeout=300)
+        pdf = out[:-4] + ".pdf"
+        self.assertTrue(os.path.exists(pdf), run.stderr)
+        # An empty page is about 1.2 kB; this plan draws about 10 kB.
+        self.assertGreater(os.path.getsize(pdf), 5000)
+
     def test_binary_stays_binary(self):
         out, _ = self.new_project("r12_binary.dxf")
         with open(out, "rb") as f:
