@@ -46,12 +46,19 @@ void Store(std::string& out, T v) {
 }
 
 // The shortest text that reads back as the same double, sign of zero kept.
-std::string ExactReal(double v) {
+void AppendReal(std::string& out, double v) {
   char buf[40];
   auto [ptr, ec] = std::to_chars(buf, buf + sizeof buf, v);
-  std::string s(buf, ptr);
-  if (s.find_first_of(".enai") == std::string::npos) s += ".0";
-  return s;
+  std::string_view s(buf, static_cast<size_t>(ptr - buf));
+  out += s;
+  if (s.find_first_of(".enai") == std::string_view::npos) out += ".0";
+}
+
+template <class T>
+void AppendInt(std::string& out, T v) {
+  char buf[24];
+  auto [ptr, ec] = std::to_chars(buf, buf + sizeof buf, v);
+  out.append(buf, ptr);
 }
 
 class BinaryReader {
@@ -68,7 +75,7 @@ class BinaryReader {
     while (pos_ < b_.size()) {
       size_t tag_at = pos_;
       int code = Code(form.one_byte_codes);
-      out += std::to_string(code);
+      AppendInt(out, code);
       out += '\n';
       Value(code, tag_at, out);
       out += '\n';
@@ -109,27 +116,27 @@ class BinaryReader {
     switch (BinaryTypeOf(code)) {
       case BinType::kReal:
         Need(8, tag_at);
-        out += ExactReal(Load<double>(b_.data() + pos_));
+        AppendReal(out, Load<double>(b_.data() + pos_));
         pos_ += 8;
         return;
       case BinType::kInt16:
         Need(2, tag_at);
-        out += std::to_string(Load<int16_t>(b_.data() + pos_));
+        AppendInt(out, Load<int16_t>(b_.data() + pos_));
         pos_ += 2;
         return;
       case BinType::kInt32:
         Need(4, tag_at);
-        out += std::to_string(Load<int32_t>(b_.data() + pos_));
+        AppendInt(out, Load<int32_t>(b_.data() + pos_));
         pos_ += 4;
         return;
       case BinType::kInt64:
         Need(8, tag_at);
-        out += std::to_string(Load<int64_t>(b_.data() + pos_));
+        AppendInt(out, Load<int64_t>(b_.data() + pos_));
         pos_ += 8;
         return;
       case BinType::kByte:
         Need(1, tag_at);
-        out += std::to_string(static_cast<unsigned char>(b_[pos_++]));
+        AppendInt(out, static_cast<unsigned>(static_cast<unsigned char>(b_[pos_++])));
         return;
       case BinType::kChunk: {
         Need(1, tag_at);
