@@ -100,6 +100,9 @@ struct FileImage {
   std::string version;  // $ACADVER
   // The version read when a change made the drawing R2000 ("" otherwise).
   std::string upgraded_from;
+  // False for an R12 drawing without handles ($HANDLING 0): its objects
+  // are written back without them.
+  bool handles = true;
   std::string codepage;
   std::string eol = "\n";
   TextCodec codec;

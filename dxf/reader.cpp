@@ -317,6 +317,10 @@ void Reader::ReadHeader(SectionImage& section) {
     if (var.name == "$ACADVER") {
       img_.version = std::string(first().value);
       CheckVersion(img_.version, first().line + 1);
+    } else if (var.name == "$HANDLING") {
+      int64_t handling = 1;
+      ParseInt(first().value, handling);
+      img_.handles = handling != 0 || VersionNumber(img_.version) >= kVersionR13;
     } else if (var.name == "$DWGCODEPAGE") {
       img_.codepage = std::string(first().value);
     } else if (var.name == "$HANDSEED") {

@@ -142,6 +142,7 @@ void UpgradeToR2000(MemDocument& doc, FileImage& img) {
   std::string old_version = img.version;
   img.upgraded_from = img.version;
   img.version = "AC1015";
+  img.handles = true;
   // Binary R2000 writes group codes in two bytes.
   if (img.binary) img.binary->one_byte_codes = false;
   int converted = 0;

@@ -60,6 +60,10 @@ class Writer {
                      uint64_t owner, Fill fill, bool moved = false);
   bool LoadOriginal(const Span& span, Shape& shape, int handle_code = 5) const;
   void Raw(const Span& s) { w_.Raw(img_.Bytes(s)); }
+  // An object of an R12 file without handles is written without one.
+  bool KeepsNoHandle(const ObjectRecord& r) const {
+    return r.handle == 0 && !img_.handles;
+  }
   // A section kept as read, less the objects whose owner was erased.
   void RawSection(const SectionImage& s);
 
@@ -96,15 +100,19 @@ void Writer::Prepare() {
       r.begin_handle = NewHandle();
     if (r.end_handle == 0 && r.end_span.Empty()) r.end_handle = NewHandle();
     for (MemEntity* e : b->MemEntities()) {
-      auto own_handle = [](MemEntity& part) {
+      auto own_handle = [&](MemEntity& part) {
         ObjectRecord* pr = RecordOf(part);
-        if (pr != nullptr && pr->read && pr->handle != part.HandleValue()) {
+        if (pr != nullptr && pr->read && pr->handle != part.HandleValue() &&
+            !KeepsNoHandle(*pr)) {
           // A copy (or an entity the file gave no handle): its own handle,
-          // its own SEQEND.
+          // and an insert its own SEQEND. A classic polyline keeps the
+          // vertices it was read with.
           pr->copied = true;
           pr->hash = 0;
-          pr->end_span = {};
-          pr->end_handle = 0;
+          if (part.AsBlockReference() != nullptr) {
+            pr->end_span = {};
+            pr->end_handle = 0;
+          }
           pr->handle = part.HandleValue();
         }
       };
@@ -298,7 +306,7 @@ void Writer::Header(const SectionImage& s) {
       Raw(var.span);
     }
   }
-  if (!wrote_seed) w_.Text(9, "$HANDSEED"), w_.Handle(5, seed);
+  if (!wrote_seed && img_.handles) w_.Text(9, "$HANDSEED"), w_.Handle(5, seed);
   if (!wrote_layer && clayer != "0")
     w_.Text(9, "$CLAYER"), w_.Text(8, codec.Encode(clayer));
   if (!wrote_style && style != "Standard")
@@ -318,8 +326,10 @@ bool Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
   ObjectRecord* r = RecordOf(obj);
   // A copy, an object the file gave no handle, or an entity that now lives
   // in another block than its file said gets a head of its own.
-  bool fresh =
-      r != nullptr && (r->copied || r->handle != obj.HandleValue() || moved);
+  bool fresh = r != nullptr && (r->copied ||
+                                (r->handle != obj.HandleValue() &&
+                                 !KeepsNoHandle(*r)) ||
+                                moved);
   bool xdata_as_read = r != nullptr && r->xdata_version == obj.XDataVersion();
   if (r != nullptr && r->read && !fresh && r->hash == hash && xdata_as_read) {
     Raw(r->span);

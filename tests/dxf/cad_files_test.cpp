@@ -55,7 +55,8 @@ INSTANTIATE_TEST_SUITE_P(
     Ezdxf, CadFiles,
     ::testing::Values("handles64.dxf", "minsert.dxf", "hatch_splines.dxf",
                       "xdict.dxf",
-                      "r12.dxf", "r13.dxf", "r14.dxf", "r12_binary.dxf",
+                      "r12.dxf", "r12_no_handles.dxf", "r13.dxf", "r14.dxf",
+                      "r12_binary.dxf",
                       "r2018_binary.dxf"));
 
 // What a base plan holds, read from any version or form of it.
@@ -92,7 +93,8 @@ TEST(CadFiles, EveryVersionAndFormReadsTheSamePlan) {
   EXPECT_EQ(expected.attribute, "MH-1");
   EXPECT_DOUBLE_EQ(expected.line_end.x, 12.5);
   ASSERT_EQ(expected.circle_xdata.size(), 1u);
-  for (const char* name : {"r12.dxf", "r12_binary.dxf", "r13.dxf", "r14.dxf"}) {
+  for (const char* name : {"r12.dxf", "r12_no_handles.dxf", "r12_binary.dxf",
+                           "r13.dxf", "r14.dxf"}) {
     SCOPED_TRACE(name);
     MemDocument doc;
     ReadDxf(doc, FileText(name));
@@ -285,7 +287,8 @@ int UpgradeMessages(MemDocument& doc) {
 }
 
 TEST(CadFiles, ChangedOldDrawingsAreWrittenInR2000Form) {
-  for (const char* name : {"r12.dxf", "r12_binary.dxf", "r14.dxf"}) {
+  for (const char* name :
+       {"r12.dxf", "r12_no_handles.dxf", "r12_binary.dxf", "r14.dxf"}) {
     SCOPED_TRACE(name);
     std::string bytes = FileText(name);
     MemDocument doc;
@@ -390,6 +393,34 @@ TEST(CadFiles, ErasedEntityTakesItsExtensionDictionaryWithIt) {
       EXPECT_TRUE(known) << h << " owned by " << o;
     }
   EXPECT_EQ(WriteDxf(again), written);
+}
+
+}  // namespace
+}  // namespace kestrana::dxf
+
+namespace kestrana::dxf {
+namespace {
+
+TEST(CadFiles, PolylineWithoutHandleKeepsItsVertices) {
+  // A file that gives a 3D polyline no handle: written with one of its
+  // own, and with every vertex it was read with.
+  auto doc = testing::Read(testing::MinimalDxf(
+      "0\nPOLYLINE\n8\n0\n66\n1\n70\n8\n"
+      "0\nVERTEX\n8\n0\n10\n1\n20\n2\n30\n3\n70\n32\n"
+      "0\nVERTEX\n8\n0\n10\n4\n20\n5\n30\n6\n70\n32\n"
+      "0\nSEQEND\n8\n0\n"));
+  std::string written = WriteDxf(*doc);
+  auto again = testing::Read(written);
+  auto polylines = OfType(*again, "POLYLINE");
+  ASSERT_EQ(polylines.size(), 1u);
+  EXPECT_FALSE(polylines[0]->AsHostObject().Handle().empty());
+  size_t vertices = 0;
+  for (size_t at = written.find("VERTEX"); at != std::string::npos;
+       at = written.find("VERTEX", at + 1))
+    ++vertices;
+  EXPECT_EQ(vertices, 2u);
+  EXPECT_NE(written.find("SEQEND"), std::string::npos);
+  EXPECT_EQ(WriteDxf(*again), written);
 }
 
 }  // namespace

@@ -83,8 +83,29 @@ def base_plan(version):
     return doc
 
 
+def without_handles(name, out):
+    # R12 drawings may hold no handles at all ($HANDLING 0).
+    with open(name, encoding="cp1252", newline="") as f:
+        lines = f.read().split("\n")
+    kept = []
+    i = 0
+    while i + 1 < len(lines):
+        code, value = lines[i], lines[i + 1]
+        if code.strip() == "9" and value == "$HANDSEED":
+            i += 4
+            continue
+        if code.strip() not in ("5", "105"):
+            kept += [code, value]
+        i += 2
+    text = "\n".join(kept + lines[i:])
+    text = text.replace("$HANDLING\n 70\n1\n", "$HANDLING\n 70\n0\n")
+    with open(out, "w", encoding="cp1252", newline="") as f:
+        f.write(text)
+
+
 def old_and_binary():
     base_plan("R12").saveas("r12.dxf")
+    without_handles("r12.dxf", "r12_no_handles.dxf")
     base_plan("R12").saveas("r12_binary.dxf", fmt="bin")
     base_plan("R2018").saveas("r2018_binary.dxf", fmt="bin")
     # ezdxf writes no R13 or R14; their files have the structure of R2000
