@@ -51,6 +51,13 @@ int Run(const std::vector<std::string>& args, Io& io) {
   if (r.type == core::kPressure)
     io.out << "; " << r.low_high_points << " low/high points";
   io.out << "\nwrote " << a.Written() << "\n";
+  if (r.classic_polylines_left_out > 0)
+    io.err << "kestrana convert: note: left out "
+           << r.classic_polylines_left_out << " classic polyline"
+           << (r.classic_polylines_left_out == 1 ? "" : "s")
+           << " (POLYLINE); only lines and lightweight polylines become "
+              "pipes: turn them into lightweight polylines in the CAD "
+              "program (CONVERTPOLY, Light) and convert again\n";
   return 0;
 }
 

@@ -57,9 +57,12 @@ int RunNew(const std::vector<std::string>& args, Io& io) {
   std::error_code error;
   const bool exists = std::filesystem::exists(drawing, error);
   if (exists) {
-    EditDrawingFile(drawing, a.Output(), [&](memhost::MemDocument& document) {
-      commands::NewProject(document, options);
-    });
+    EditDrawingFile(
+        drawing, a.Output(),
+        [&](memhost::MemDocument& document) {
+          commands::NewProject(document, options);
+        },
+        CommandLoadOptions());
   } else {
     memhost::MemDocument document;
     commands::NewProject(document, options);
