@@ -348,7 +348,12 @@ class Profile {
   static host::Point3 GetProfileCrossingAnnotationLocation(
       const host::Point3& new_anno_ins_pnt,
       const std::vector<Box2>& ar_existing_coord, double text_height,
-      double string_length, const std::vector<Segment>& keep_clear = {});
+      double string_length, const std::vector<Segment>& keep_clear);
+  // The same with no lines to keep clear of.
+  static host::Point3 GetProfileCrossingAnnotationLocation(
+      const host::Point3& new_anno_ins_pnt,
+      const std::vector<Box2>& ar_existing_coord, double text_height,
+      double string_length);
 
   // --- The data table ----------------------------------------------------
 

@@ -86,6 +86,14 @@ void Profile::DrawPipeSectionOnProfile(Sheet& sheet,
 host::Point3 Profile::GetProfileCrossingAnnotationLocation(
     const host::Point3& new_anno_ins_pnt,
     const std::vector<Box2>& ar_existing_coord, double text_height,
+    double string_length) {
+  return GetProfileCrossingAnnotationLocation(
+      new_anno_ins_pnt, ar_existing_coord, text_height, string_length, {});
+}
+
+host::Point3 Profile::GetProfileCrossingAnnotationLocation(
+    const host::Point3& new_anno_ins_pnt,
+    const std::vector<Box2>& ar_existing_coord, double text_height,
     double string_length, const std::vector<Segment>& keep_clear) {
   auto free_at = [&](const host::Point3& p) {
     const Box2 box{p.x, p.y, p.x + string_length, p.y + text_height};
