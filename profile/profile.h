@@ -326,10 +326,12 @@ class Profile {
                            std::string_view model_units);
   // Sections of connected and crossing pipes with their invert and size
   // texts, kept clear of each other and of `taken` (boxes already used).
+  // The style's node label switch shows or hides those texts with the
+  // node labels; the sections are always drawn.
   static void DrawConnectedAndCrossing(
       Sheet& sheet, const host::Point3& ref_point,
       std::string_view connected_string, std::string_view crossing_string,
-      const TextSettings& text, double datum_elevation,
+      const core::Record& ar_profile_style_settings, double datum_elevation,
       double vertical_exaggeration, std::string_view model_units);
   // Cells side by side centred on the point, bottom at its level; circles
   // become ellipses stretched by the exaggeration.

@@ -24,7 +24,6 @@ using core::General;
 
 namespace {
 
-enum class DrawingSetting : int { kNodeLabels = 2, kExaggeration = 3 };
 enum class HorizontalGridSetting : int {
   kLines = 0,
   kLeftLabels = 1,
@@ -144,7 +143,7 @@ host::BlockReference& Profile::CreateProfileBlock(
                    part[Series::kGroundAtNodes], part[Series::kSumps], datum,
                    ve, units);
     DrawConnectedAndCrossing(sheet, ref, part[Series::kConnectedPipes],
-                             part[Series::kCrossings], text, datum, ve, units);
+                             part[Series::kCrossings], style, datum, ve, units);
     const host::Point3 table_end =
         DrawProfileTable(sheet, ref, part, style, labels_length, length);
     CompleteProfileFrame(sheet, ref, table_end, labels_length, datum, length,
@@ -154,8 +153,13 @@ host::BlockReference& Profile::CreateProfileBlock(
   }
   active_layer.Restore();
   active_style.Restore();
-  return document.ModelSpace().InsertBlock(inputs.insertion_point,
-                                           block.Name(), 1, 1, 1, 0);
+  // Inserted square to the user's coordinate system, so the sheet reads
+  // along the screen the user works in.
+  const double correction = General::GetCorrectionAngleForCS(document);
+  host::BlockReference& reference = document.ModelSpace().InsertBlock(
+      inputs.insertion_point, block.Name(), 1, 1, 1, 0);
+  if (correction != 0) reference.Rotate(inputs.insertion_point, correction);
+  return reference;
 }
 
 void Profile::CreateProfileLayers(host::Document& document) {

@@ -8,6 +8,8 @@
 #include "profile/part_data.h"
 #include "profile/profile.h"
 #include "profile/profile_sheet.h"
+#include "profile/profile_style_record.h"
+#include "profile/style_fields.h"
 
 namespace kestrana::profile {
 
@@ -115,8 +117,12 @@ host::Point3 Profile::GetProfileCrossingAnnotationLocation(
 void Profile::DrawConnectedAndCrossing(
     Sheet& sheet, const host::Point3& ref_point,
     std::string_view connected_string, std::string_view crossing_string,
-    const TextSettings& text, double datum_elevation,
+    const core::Record& ar_profile_style_settings, double datum_elevation,
     double vertical_exaggeration, std::string_view model_units) {
+  const TextSettings text = ReadTextSettings(ar_profile_style_settings);
+  const bool annotated =
+      ItemFields(ar_profile_style_settings.Text(ProfileStyleItem::kDrawing))
+          .On(DrawingSetting::kNodeLabels);
   const double h = text.data_height;
   const double ve = vertical_exaggeration;
   std::vector<Box2> taken;
@@ -130,6 +136,7 @@ void Profile::DrawConnectedAndCrossing(
       const double y = ref_point.y + (pipe.invert - datum_elevation) * ve;
       DrawPipeSectionOnProfile(sheet, {x, y, 0}, circular ? 0 : 1, span, rise,
                                pipe.cells, ve);
+      if (!annotated) continue;
       const std::string invert =
           "I.L.= " + core::FormatNumber(pipe.invert, kInvertPattern);
       const std::string size =
