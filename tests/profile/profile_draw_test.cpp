@@ -14,6 +14,7 @@
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "crossing/crossing.h"
 #include "host/host.h"
 #include "memhost/document.h"
 #include "profile/profile.h"
@@ -527,6 +528,34 @@ TEST_F(DrawnProfile, NodeLabelSwitchHidesLabelsAndPipeTextsNotSections) {
   EXPECT_EQ(On(hidden, "Profile - Dimension", host::EntityKind::kLine).size(),
             On(shown, "Profile - Dimension", host::EntityKind::kLine).size());
   EXPECT_EQ(TextsOn(hidden, "Profile - Data"), TextsOn(shown, "Profile - Data"));
+}
+
+TEST_F(DrawnProfile, PipeTextsCoverNoSectionDrawnAfterThem) {
+  // A water main crossing P-2 just right of MH-A2, at the level where the
+  // lateral's texts would stand.
+  test::NetworkElements water(*doc_, "Water");
+  auto& across = water.AddPipeWithNodes(
+      "W-2", {42, 20, 42, -20}, {.start_invert = 101.1, .end_invert = 101.1},
+      103, 103);
+  host::SelectionSet& set = General::InitializeSelectionSet(*doc_, "Crossing");
+  set.AddItems({&across});
+  crossing::Crossing::BuildCrossingPointsAfterImporting(*doc_, set,
+                                                        core::kMetric);
+  Drawn(Options("Main"));
+  const host::Block& block = BlockOf("Main");
+  const auto sections = On(block, "Profile - Pipe", host::EntityKind::kEllipse);
+  ASSERT_EQ(sections.size(), 2u);
+  const auto notes = On(block, "Profile - Dimension", host::EntityKind::kText);
+  ASSERT_EQ(notes.size(), 4u);
+  for (host::Entity* note : notes) {
+    const host::BoundingBox text = note->GetBoundingBox();
+    for (host::Entity* section : sections) {
+      const host::BoundingBox s = section->GetBoundingBox();
+      const bool apart = text.max.x <= s.min.x || s.max.x <= text.min.x ||
+                         text.max.y <= s.min.y || s.max.y <= text.min.y;
+      EXPECT_TRUE(apart) << host::As<host::Text>(*note).TextString();
+    }
+  }
 }
 
 }  // namespace
