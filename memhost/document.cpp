@@ -214,8 +214,18 @@ HostItem& SymbolTable<HostTable, HostItem, Record>::Item(
 template <class HostTable, class HostItem, class Record>
 Record* SymbolTable<HostTable, HostItem, Record>::FindItem(
     const std::string& name) const {
+  if (recent_[0] != nullptr && SameName(recent_[0]->name_, name))
+    return recent_[0];
+  if (recent_[1] != nullptr && SameName(recent_[1]->name_, name)) {
+    std::swap(recent_[0], recent_[1]);
+    return recent_[0];
+  }
   for (Record* r : records_)
-    if (SameName(r->name_, name)) return r;
+    if (SameName(r->name_, name)) {
+      recent_[1] = recent_[0];
+      recent_[0] = r;
+      return r;
+    }
   return nullptr;
 }
 
@@ -230,6 +240,8 @@ Record& SymbolTable<HostTable, HostItem, Record>::Insert(
 template <class HostTable, class HostItem, class Record>
 void SymbolTable<HostTable, HostItem, Record>::Remove(Record* record) {
   records_.erase(std::find(records_.begin(), records_.end(), record));
+  for (Record*& r : recent_)
+    if (r == record) r = nullptr;
 }
 
 template <class HostTable, class HostItem, class Record>

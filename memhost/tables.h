@@ -143,6 +143,9 @@ class SymbolTable : public HostTable {
 
  private:
   std::vector<Record*> records_;
+  // Entities look their layer up on every write, mostly the last one or
+  // two asked for: those are tried before the scan.
+  mutable Record* recent_[2] = {nullptr, nullptr};
 };
 
 class MemBlocks final

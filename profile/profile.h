@@ -279,6 +279,9 @@ class Profile {
       Sheet& sheet, const host::Point3& ref_point, const PartData& part,
       const TextSettings& text, double datum_elevation,
       double vertical_exaggeration);
+  // Station labels that would stand under a node line (positions from
+  // `length_string`, series 2) are left out: the table gives the node's
+  // own station there.
   static void DrawProfileGrid(Sheet& sheet, const host::Point3& ref_point,
                               std::string_view horizontal_grid_settings,
                               std::string_view vertical_grid_settings,
@@ -287,7 +290,8 @@ class Profile {
                               double plot_area_height,
                               double vertical_exaggeration,
                               double datum_elevation,
-                              double part_start_station);
+                              double part_start_station,
+                              std::string_view length_string = {});
   // The table's outline and the column lines, the datum text and the title.
   static void CompleteProfileFrame(
       Sheet& sheet, const host::Point3& profile_ref_point,
@@ -326,10 +330,12 @@ class Profile {
                            std::string_view model_units);
   // Sections of connected and crossing pipes with their invert and size
   // texts, kept clear of each other and of `taken` (boxes already used).
+  // The style's node label switch shows or hides those texts with the
+  // node labels; the sections are always drawn.
   static void DrawConnectedAndCrossing(
       Sheet& sheet, const host::Point3& ref_point,
       std::string_view connected_string, std::string_view crossing_string,
-      const TextSettings& text, double datum_elevation,
+      const core::Record& ar_profile_style_settings, double datum_elevation,
       double vertical_exaggeration, std::string_view model_units);
   // Cells side by side centred on the point, bottom at its level; circles
   // become ellipses stretched by the exaggeration.

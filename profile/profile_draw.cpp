@@ -24,7 +24,6 @@ using core::General;
 
 namespace {
 
-enum class DrawingSetting : int { kNodeLabels = 2, kExaggeration = 3 };
 enum class HorizontalGridSetting : int {
   kLines = 0,
   kLeftLabels = 1,
@@ -38,6 +37,9 @@ constexpr char kDatumPattern[] = "0.00#";
 // The frame reaches this many label heights left of the part's first node
 // and right of its last.
 constexpr double kFrameMargin = 10;
+// Label heights kept free at the frame's foot for the grid's station
+// labels: the label and half a height of air above it.
+constexpr double kStationLabelRoom = 2.0;
 
 struct LayerColor {
   const char* name;
@@ -133,7 +135,8 @@ host::BlockReference& Profile::CreateProfileBlock(
     DrawProfileGrid(sheet, ref, style.Text(ProfileStyleItem::kHorizontalGrid),
                     style.Text(ProfileStyleItem::kVerticalGrid),
                     style.Text(ProfileStyleItem::kStationBand), text, length,
-                    height, ve, datum, part_start_station);
+                    height, ve, datum, part_start_station,
+                    part[Series::kLengths]);
     DrawNodeLabels(sheet, ref, part[Series::kLengths],
                    part[Series::kNodeLabels], height, style);
     DrawGroundLine(sheet, ref, part[Series::kGroundLine], datum, ve);
@@ -144,7 +147,7 @@ host::BlockReference& Profile::CreateProfileBlock(
                    part[Series::kGroundAtNodes], part[Series::kSumps], datum,
                    ve, units);
     DrawConnectedAndCrossing(sheet, ref, part[Series::kConnectedPipes],
-                             part[Series::kCrossings], text, datum, ve, units);
+                             part[Series::kCrossings], style, datum, ve, units);
     const host::Point3 table_end =
         DrawProfileTable(sheet, ref, part, style, labels_length, length);
     CompleteProfileFrame(sheet, ref, table_end, labels_length, datum, length,
@@ -154,8 +157,13 @@ host::BlockReference& Profile::CreateProfileBlock(
   }
   active_layer.Restore();
   active_style.Restore();
-  return document.ModelSpace().InsertBlock(inputs.insertion_point,
-                                           block.Name(), 1, 1, 1, 0);
+  // Inserted square to the user's coordinate system, so the sheet reads
+  // along the screen the user works in.
+  const double correction = General::GetCorrectionAngleForCS(document);
+  host::BlockReference& reference = document.ModelSpace().InsertBlock(
+      inputs.insertion_point, block.Name(), 1, 1, 1, 0);
+  if (correction != 0) reference.Rotate(inputs.insertion_point, correction);
+  return reference;
 }
 
 void Profile::CreateProfileLayers(host::Document& document) {
@@ -208,7 +216,7 @@ void Profile::DrawProfileGrid(
     std::string_view stations_settings, const TextSettings& text,
     double plot_area_length, double plot_area_height,
     double vertical_exaggeration, double datum_elevation,
-    double part_start_station) {
+    double part_start_station, std::string_view length_string) {
   const double h = text.label_height;
   const double ve = vertical_exaggeration;
   const double x0 = ref_point.x - kFrameMargin * h;
@@ -252,7 +260,8 @@ void Profile::DrawProfileGrid(
       stations.Text(StationBandSetting::kFormat));
   // Station labels stand inside the frame at its foot; the lines start
   // above them.
-  const double line_foot = ref_point.y + (labels ? 1.5 * h : 0);
+  const double line_foot = ref_point.y + (labels ? kStationLabelRoom * h : 0);
+  const std::vector<double> nodes = NodePositions(length_string);
   for (double k = std::floor(part_start_station / s) + 1;; ++k) {
     const double station = k * s;
     const double x = ref_point.x + (station - part_start_station);
@@ -260,9 +269,15 @@ void Profile::DrawProfileGrid(
     if (vertical.On(VerticalGridSetting::kLines))
       sheet.Line(At(x, line_foot), At(x, ref_point.y + plot_area_height),
                  kGridLayer);
-    if (labels)
-      sheet.Text(core::FormatNumber(station, pattern),
-                 At(x, ref_point.y + 0.5 * h), h, kLabelLayer, 0,
+    if (!labels) continue;
+    const std::string label = core::FormatNumber(station, pattern);
+    const double half = sheet.TextLength(label, h) / 2 + 0.5 * h;
+    const bool under_node =
+        std::any_of(nodes.begin(), nodes.end(), [&](double at) {
+          return std::abs(ref_point.x + at - x) < half;
+        });
+    if (!under_node)
+      sheet.Text(label, At(x, ref_point.y + 0.5 * h), h, kLabelLayer, 0,
                  host::TextAlignment::kCenter);
   }
 }
@@ -326,7 +341,7 @@ void Profile::DrawNodeLabels(Sheet& sheet, const host::Point3& ref_point,
   const std::vector<std::string> names = Values(node_label_string);
   const double top = ref_point.y + frame_height;
   // The foot of the frame keeps the station labels of the grid.
-  const double foot = ref_point.y + 1.5 * h;
+  const double foot = ref_point.y + kStationLabelRoom * h;
   for (size_t j = 0; j < at.size(); ++j) {
     const double x = ref_point.x + at[j];
     sheet.Line(At(x, foot), At(x, top), kDimensionLayer);

@@ -8,6 +8,8 @@
 #include "profile/part_data.h"
 #include "profile/profile.h"
 #include "profile/profile_sheet.h"
+#include "profile/profile_style_record.h"
+#include "profile/style_fields.h"
 
 namespace kestrana::profile {
 
@@ -123,10 +125,22 @@ host::Point3 Profile::GetProfileCrossingAnnotationLocation(
 void Profile::DrawConnectedAndCrossing(
     Sheet& sheet, const host::Point3& ref_point,
     std::string_view connected_string, std::string_view crossing_string,
-    const TextSettings& text, double datum_elevation,
+    const core::Record& ar_profile_style_settings, double datum_elevation,
     double vertical_exaggeration, std::string_view model_units) {
+  const TextSettings text = ReadTextSettings(ar_profile_style_settings);
+  const bool annotated =
+      ItemFields(ar_profile_style_settings.Text(ProfileStyleItem::kDrawing))
+          .On(DrawingSetting::kNodeLabels);
   const double h = text.data_height;
   const double ve = vertical_exaggeration;
+  // A section in plot units: where it stands and how far it reaches.
+  struct Placed {
+    PipeAtDistance pipe;
+    double x, y, span, rise;
+  };
+  std::vector<Placed> placed;
+  // Every section is drawn before any text is placed, so that no text
+  // covers a section that comes later in the lists.
   std::vector<Box2> taken;
   for (std::string_view series : {connected_string, crossing_string}) {
     for (const PipeAtDistance& pipe : PipesAtDistances(series)) {
@@ -138,23 +152,29 @@ void Profile::DrawConnectedAndCrossing(
       const double y = ref_point.y + (pipe.invert - datum_elevation) * ve;
       DrawPipeSectionOnProfile(sheet, {x, y, 0}, circular ? 0 : 1, span, rise,
                                pipe.cells, ve);
-      const std::string invert =
-          "I.L.= " + core::FormatNumber(pipe.invert, kInvertPattern);
-      const std::string size =
-          GetSectionSizeStringForProfile(pipe.shape, span, rise, pipe.cells);
-      const double length =
-          std::max(sheet.TextLength(invert, h), sheet.TextLength(size, h));
-      // Two lines, the invert over the size, right of the section's top.
-      const double box_height = 2.6 * h;
       const double half_width = pipe.cells * span / 2;
-      const host::Point3 corner = GetProfileCrossingAnnotationLocation(
-          {x + half_width + 0.5 * h, y + rise * ve + 0.5 * h, 0}, taken,
-          box_height, length, sheet.Linework());
-      taken.push_back({corner.x, corner.y, corner.x + length,
-                       corner.y + box_height});
-      sheet.Text(invert, {corner.x, corner.y + 1.5 * h, 0}, h, kDimensionLayer);
-      sheet.Text(size, {corner.x, corner.y + 0.2 * h, 0}, h, kDimensionLayer);
+      taken.push_back({x - half_width, y, x + half_width, y + rise * ve});
+      placed.push_back({pipe, x, y, span, rise});
     }
+  }
+  if (!annotated) return;
+  for (const Placed& at : placed) {
+    const std::string invert =
+        "I.L.= " + core::FormatNumber(at.pipe.invert, kInvertPattern);
+    const std::string size = GetSectionSizeStringForProfile(
+        at.pipe.shape, at.span, at.rise, at.pipe.cells);
+    const double length =
+        std::max(sheet.TextLength(invert, h), sheet.TextLength(size, h));
+    // Two lines, the invert over the size, right of the section's top.
+    const double box_height = 2.6 * h;
+    const double half_width = at.pipe.cells * at.span / 2;
+    const host::Point3 corner = GetProfileCrossingAnnotationLocation(
+        {at.x + half_width + 0.5 * h, at.y + at.rise * ve + 0.5 * h, 0}, taken,
+        box_height, length, sheet.Linework());
+    taken.push_back(
+        {corner.x, corner.y, corner.x + length, corner.y + box_height});
+    sheet.Text(invert, {corner.x, corner.y + 1.5 * h, 0}, h, kDimensionLayer);
+    sheet.Text(size, {corner.x, corner.y + 0.2 * h, 0}, h, kDimensionLayer);
   }
 }
 

@@ -32,6 +32,10 @@ class ItemFields {
   std::vector<std::string> fields_;
 };
 
+// Item 7: the node label switch also shows the texts of connected and
+// crossing pipes.
+enum class DrawingSetting : int { kNodeLabels = 2, kExaggeration = 3 };
+
 // Item 6.
 enum class PartSplittingSetting : int { kSwitch = 0, kMaximumLength = 1 };
 

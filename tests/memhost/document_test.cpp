@@ -247,6 +247,35 @@ TEST_F(DocumentTest, LayersInUseAndCurrentLayerAreKept) {
   EXPECT_EQ(&doc.GetLayers().Add("0"), &doc.GetLayers().Item("0"));
 }
 
+TEST_F(DocumentTest, NamedLookupsFollowDeletionAndRecreation) {
+  auto& a = doc.GetLayers().Add("Profile - Data");
+  auto& b = doc.GetLayers().Add("Profile - Frame");
+  auto& c = doc.GetLayers().Add("Profile - Grid");
+  // Alternating lookups, in any letter case, find each layer.
+  for (int round = 0; round < 3; ++round) {
+    EXPECT_EQ(doc.GetLayers().Find("profile - data"), &a);
+    EXPECT_EQ(doc.GetLayers().Find("PROFILE - FRAME"), &b);
+    EXPECT_EQ(doc.GetLayers().Find("Profile - Grid"), &c);
+  }
+  auto& line = ms.AddLine({0, 0, 0}, {1, 0, 0});
+  line.SetLayer("Profile - Frame");
+  line.Delete();
+  b.Delete();
+  EXPECT_EQ(doc.GetLayers().Find("Profile - Frame"), nullptr);
+  EXPECT_EQ(CodeOf([&] {
+              ms.AddLine({0, 0, 0}, {1, 0, 0}).SetLayer("Profile - Frame");
+            }),
+            ErrorCode::kNoSuchKey);
+  // A new layer of the old name is the one found, and its lock holds.
+  auto& again = doc.GetLayers().Add("PROFILE - frame");
+  EXPECT_EQ(doc.GetLayers().Find("Profile - Frame"), &again);
+  auto& other = ms.AddLine({0, 0, 0}, {1, 0, 0});
+  other.SetLayer("Profile - Frame");
+  again.SetLock(true);
+  EXPECT_EQ(CodeOf([&] { other.Delete(); }), ErrorCode::kLockedLayer);
+  EXPECT_EQ(doc.GetLayers().Find("Profile - Data"), &a);
+}
+
 TEST_F(DocumentTest, XDataRecordsPerApplication) {
   auto& p = ms.AddPoint({0, 0, 0});
   EXPECT_FALSE(p.GetXData("Kestrana").has_value());

@@ -14,6 +14,7 @@
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "crossing/crossing.h"
 #include "host/host.h"
 #include "memhost/document.h"
 #include "profile/profile.h"
@@ -457,6 +458,104 @@ TEST_F(DrawnProfile, UpdateAllFlaggedRedrawsOnlyFlaggedProfiles) {
     ids.push_back(p.block_id);
   }
   EXPECT_EQ(ids, (std::vector<std::string>{a, result.updated[0].block_id}));
+}
+
+}  // namespace
+}  // namespace kestrana::profile
+
+namespace kestrana::profile {
+namespace {
+
+TEST_F(DrawnProfile, BlockIsTurnedWithTheUserCoordinateSystem) {
+  // World coordinates: the sheet stands square.
+  EXPECT_NEAR(Reference(Drawn(Options("World"))).Rotation(), 0, kTol);
+
+  // A system turned a quarter left: the block turns with it about its
+  // insertion point, which stays where it was asked for.
+  doc_->SetVariable("UCSXDIR", host::Point3{0, 1, 0});
+  doc_->SetVariable("UCSYDIR", host::Point3{-1, 0, 0});
+  host::BlockReference& turned = Reference(Drawn(Options("Turned")));
+  EXPECT_NEAR(turned.Rotation(), 1.570796327, kTol);
+  EXPECT_NEAR(turned.InsertionPoint().x, 1000, kTol);
+  EXPECT_NEAR(turned.InsertionPoint().y, 2000, kTol);
+  // Its frame now rises to the left of the insertion point, not above it.
+  const host::BoundingBox box = turned.GetBoundingBox();
+  EXPECT_LT(box.min.x, 1000 - 40);
+  EXPECT_LT(box.max.y - box.min.y, 400);
+  EXPECT_GT(box.max.y - box.min.y, 120);
+
+  // A mirrored system turns it half around; the block itself is the same.
+  doc_->SetVariable("UCSXDIR", host::Point3{1, 0, 0});
+  doc_->SetVariable("UCSYDIR", host::Point3{0, -1, 0});
+  host::BlockReference& mirrored = Reference(Drawn(Options("Mirrored")));
+  EXPECT_NEAR(std::cos(mirrored.Rotation()), -1, kTol);
+  EXPECT_EQ(BlockOf("Mirrored").Entities().size(),
+            BlockOf("World").Entities().size());
+}
+
+TEST_F(DrawnProfile, NodeLabelSwitchHidesLabelsAndPipeTextsNotSections) {
+  const core::Record standard =
+      *Profile::GetProfileStyleSettings(*doc_, "Standard");
+  std::vector<std::string> items;
+  for (int i = 0; i < kProfileStyleRecordLength; ++i)
+    items.push_back(standard.Text(i));
+  items[static_cast<int>(ProfileStyleItem::kCombinedLabel)] = ";;Quiet";
+  items[static_cast<int>(ProfileStyleItem::kDrawing)] = "1000;100;0;10";
+  Profile::CreateProfileStyle(*doc_, items,
+                              Profile::GetProfileStyleXdataTypeArray());
+
+  Drawn(Options("Shown"));
+  ProfileDrawOptions quiet = Options("Quiet");
+  quiet.run.style = "Quiet";
+  Drawn(quiet);
+
+  const host::Block& shown = BlockOf("Shown");
+  const host::Block& hidden = BlockOf("Quiet");
+  EXPECT_TRUE(Has(TextsOn(shown, "Profile - Label"), "MH-A2"));
+  EXPECT_FALSE(Has(TextsOn(hidden, "Profile - Label"), "MH-A2"));
+  const auto shown_notes = TextsOn(shown, "Profile - Dimension");
+  EXPECT_TRUE(Has(shown_notes, "I.L.= 100.80"));
+  EXPECT_TRUE(Has(shown_notes, "%%c0.2"));
+  EXPECT_TRUE(TextsOn(hidden, "Profile - Dimension").empty());
+  // The lateral's section is drawn either way, at the same place.
+  const auto a = On(shown, "Profile - Pipe", host::EntityKind::kEllipse);
+  const auto b = On(hidden, "Profile - Pipe", host::EntityKind::kEllipse);
+  ASSERT_EQ(a.size(), 1u);
+  ASSERT_EQ(b.size(), 1u);
+  EXPECT_NEAR(host::As<host::Ellipse>(*b[0]).Center().y,
+              host::As<host::Ellipse>(*a[0]).Center().y, kTol);
+  // Node lines and the table are not touched by the switch.
+  EXPECT_EQ(On(hidden, "Profile - Dimension", host::EntityKind::kLine).size(),
+            On(shown, "Profile - Dimension", host::EntityKind::kLine).size());
+  EXPECT_EQ(TextsOn(hidden, "Profile - Data"), TextsOn(shown, "Profile - Data"));
+}
+
+TEST_F(DrawnProfile, PipeTextsCoverNoSectionDrawnAfterThem) {
+  // A water main crossing P-2 just right of MH-A2, at the level where the
+  // lateral's texts would stand.
+  test::NetworkElements water(*doc_, "Water");
+  auto& across = water.AddPipeWithNodes(
+      "W-2", {42, 20, 42, -20}, {.start_invert = 101.1, .end_invert = 101.1},
+      103, 103);
+  host::SelectionSet& set = General::InitializeSelectionSet(*doc_, "Crossing");
+  set.AddItems({&across});
+  crossing::Crossing::BuildCrossingPointsAfterImporting(*doc_, set,
+                                                        core::kMetric);
+  Drawn(Options("Main"));
+  const host::Block& block = BlockOf("Main");
+  const auto sections = On(block, "Profile - Pipe", host::EntityKind::kEllipse);
+  ASSERT_EQ(sections.size(), 2u);
+  const auto notes = On(block, "Profile - Dimension", host::EntityKind::kText);
+  ASSERT_EQ(notes.size(), 4u);
+  for (host::Entity* note : notes) {
+    const host::BoundingBox text = note->GetBoundingBox();
+    for (host::Entity* section : sections) {
+      const host::BoundingBox s = section->GetBoundingBox();
+      const bool apart = text.max.x <= s.min.x || s.max.x <= text.min.x ||
+                         text.max.y <= s.min.y || s.max.y <= text.min.y;
+      EXPECT_TRUE(apart) << host::As<host::Text>(*note).TextString();
+    }
+  }
 }
 
 }  // namespace

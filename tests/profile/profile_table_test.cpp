@@ -134,6 +134,27 @@ TEST(ProfileGrid, ElevationLinesFitUnderTheHeadroom) {
       stations.push_back(host::As<host::Text>(*e).TextString());
   EXPECT_EQ(stations, (std::vector<std::string>{"0+050", "0+100"}));
   EXPECT_EQ(count("Profile - Grid", host::EntityKind::kLine), 2);
+  // The lines start above the labels, with air between.
+  for (host::Entity* e : block.Entities()) {
+    if (e->Kind() != host::EntityKind::kLine) continue;
+    const double foot = e->GetBoundingBox().min.y;
+    for (host::Entity* t : block.Entities())
+      if (t->Kind() == host::EntityKind::kText)
+        EXPECT_GT(foot, t->GetBoundingBox().max.y + 0.25 * text.label_height);
+  }
+  for (host::Entity* e : block.Entities()) e->Delete();
+
+  // Nodes at x 0, 21 and 100: the label of station 50 (x 20) would stand
+  // under the node line at 21 and is left out; its grid line stays.
+  Profile::DrawProfileGrid(sheet, {0, 0, 0}, "0;0;0;1", "1;1;50",
+                           "9;Station;0;2;2;50;0", text, 100, 60, 10, 96.5, 30,
+                           ";21;79");
+  stations.clear();
+  for (host::Entity* e : block.Entities())
+    if (e->Kind() == host::EntityKind::kText)
+      stations.push_back(host::As<host::Text>(*e).TextString());
+  EXPECT_EQ(stations, (std::vector<std::string>{"0+100"}));
+  EXPECT_EQ(count("Profile - Grid", host::EntityKind::kLine), 2);
 }
 
 class BandLayout : public ::testing::Test {
