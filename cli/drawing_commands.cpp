@@ -2,6 +2,7 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/session.h"
 #include "cli/info.h"
 #include "dxf/io.h"
 #include "dxf/tags.h"
@@ -163,7 +164,9 @@ int RunSave(const std::vector<std::string>& args, Io& io) {
   a.ExpectPositionals(1);
   const std::string& input = a.Positional(0, "the drawing (DRAWING.dxf)");
   auto output = a.Option("output");
-  dxf::EditDrawing(input, output, [](memhost::MemDocument&) {});
+  std::unique_ptr<memhost::MemDocument> document = dxf::LoadDrawing(input);
+  dxf::SaveDrawing(*document, output.value_or(input));
+  KeepUntilExit(std::move(document));
   io.out << "saved " << output.value_or(input) << "\n";
   return 0;
 }

@@ -38,16 +38,21 @@ std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
   return document;
 }
 
+void KeepUntilExit(std::unique_ptr<memhost::MemDocument> document) {
+  static std::unique_ptr<memhost::MemDocument> kept;
+  kept = std::move(document);
+}
+
 void EditProjectDrawing(
     const std::string& input, const std::optional<std::string>& output,
     const std::function<void(memhost::MemDocument&)>& change) {
-  dxf::EditDrawing(
-      input, output,
-      [&](memhost::MemDocument& document) {
-        commands::OpenProject(document);
-        change(document);
-      },
-      CommandLoadOptions());
+  // dxf::EditDrawing's round, with the drawing kept afterwards.
+  std::unique_ptr<memhost::MemDocument> document =
+      dxf::LoadDrawing(input, CommandLoadOptions());
+  commands::OpenProject(*document);
+  change(*document);
+  dxf::SaveDrawing(*document, output.value_or(input));
+  KeepUntilExit(std::move(document));
 }
 
 }  // namespace kestrana::cli
