@@ -2,7 +2,10 @@
 # Builds the benchmarks and runs kestrana and ezdxf on the same generated
 # drawings; prints the measured times and the ratios the goals are about.
 # BASELINE=path/to/an/older/dxf_bench runs that build too, in turn with
-# this one, for before-and-after figures from one run.
+# this one, for before-and-after figures from one run; BASELINE_KESTRANA=
+# path/to/an/older/kestrana does the same for the command line at scale.
+# SCALE_SIZES (default "1000 10000") are the conversion sizes; add 100000
+# for the growth beyond, which takes minutes.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/build.sh build-bench -DKESTRANA_BENCH=ON -DKESTRANA_TESTS=OFF -DCMAKE_BUILD_TYPE=Release
@@ -79,3 +82,23 @@ build-bench/surface_bench --benchmark_repetitions=${REPETITIONS:-5} \
 # of 20 profiles against drawing them fresh.
 echo
 build-bench/bench_profile_draw ${PROFILE_DRAW_SIZES:-20 50 100 200}
+
+# Index upkeep when old entities receive records, 10 000 against 100 000.
+echo
+build-bench/index_bench --benchmark_repetitions=${REPETITIONS:-5} \
+  --benchmark_report_aggregates_only=true 2>/dev/null | grep -E "^Benchmark|_median"
+
+# The command line at scale: convert against a load+save of its result,
+# growth from size to size, save against copying the file and against
+# ezdxf, and peak memory per 10 000 pipes (drawings from bench_site).
+scale() {  # kestrana binary
+  /usr/bin/python3 bench/scale_bench.py "$1" build-bench/bench_site \
+    "$KESTRANA_BENCH_DIR/scale" "${SCALE_RUNS:-3}" ${SCALE_SIZES:-1000 10000}
+}
+echo
+scale build-bench/kestrana
+if [ -n "${BASELINE_KESTRANA:-}" ]; then
+  echo
+  echo "baseline (BASELINE_KESTRANA):"
+  scale "$BASELINE_KESTRANA"
+fi

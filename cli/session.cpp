@@ -49,6 +49,7 @@ void EditDrawingFile(const std::string& input,
       LoadDrawingFile(input, options);
   change(*document);
   SaveDrawingFile(*document, output.value_or(input));
+  KeepUntilExit(std::move(document));
 }
 
 std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
@@ -57,6 +58,11 @@ std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
       LoadDrawingFile(path, CommandLoadOptions());
   commands::OpenProject(*document);
   return document;
+}
+
+void KeepUntilExit(std::unique_ptr<memhost::MemDocument> document) {
+  static std::unique_ptr<memhost::MemDocument> kept;
+  kept = std::move(document);
 }
 
 void EditProjectDrawing(

@@ -40,6 +40,12 @@ void EditDrawingFile(const std::string& input,
                      const std::function<void(memhost::MemDocument&)>& change,
                      const dxf::LoadOptions& options = {});
 
+// Keeps the drawing a command used until the process ends, in place of the
+// one kept before. The command line leaves without destroying it (main.cpp):
+// tearing a large drawing down object by object costs more than the
+// operating system's freeing it at once.
+void KeepUntilExit(std::unique_ptr<memhost::MemDocument> document);
+
 // How every command opens a drawing whose project it works on: load, then
 // commands::OpenProject (the project checked, stale object IDs renewed).
 std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
@@ -93,8 +99,11 @@ auto ReadOrEditProject(const Args& args, bool changes, Command command,
       std::invoke_result_t<Command, memhost::MemDocument&, const Options&>;
   if (changes)
     return Outcome<Result>{EditProject(args, command, options), args.Written()};
-  return Outcome<Result>{command(*OpenProjectDrawing(args.Drawing()), options),
-                         std::nullopt};
+  std::unique_ptr<memhost::MemDocument> document =
+      OpenProjectDrawing(args.Drawing());
+  Outcome<Result> outcome{command(*document, options), std::nullopt};
+  KeepUntilExit(std::move(document));
+  return outcome;
 }
 
 }  // namespace kestrana::cli

@@ -9,6 +9,7 @@
 #include "core/text.h"
 #include "core/user_names.h"
 #include "crossing/crossing.h"
+#include "editing/conversion.h"
 #include "editing/editing.h"
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
@@ -138,19 +139,6 @@ int ClassicPolylines(const std::vector<memhost::MemEntity*>& covered) {
     n += e->AsHostEntity().EntityName() == "POLYLINE";
   return n;
 }
-
-// What the conversion is counted by.
-struct Counts {
-  int pipes, nodes, crossings;
-};
-
-Counts CountsOf(host::Document& document, const std::string& network) {
-  return {
-      General::GetNetworkSet(document, network, kPipes).Count(),
-      General::GetNetworkSet(document, network, kNodes).Count(),
-      crossing::Crossing::GetExistingCrossingPointsSet(document, "").Count()};
-}
-
 }  // namespace
 
 ConvertResult Convert(memhost::MemDocument& document,
@@ -186,20 +174,19 @@ ConvertResult Convert(memhost::MemDocument& document,
   if (!existing) AddNetwork(document, {options.network, result.type});
   result.new_network = !existing;
 
-  const Counts before = CountsOf(document, options.network);
   document.GetSession().Push(std::move(answer));
   host::SelectionSet& selected = Editing::GetEntitiesToConvert(document);
   if (selected.Count() == 0)
     throw RefusedError(
         "nothing to convert: the selection holds no line or polyline that is "
         "not already part of a network");
-  Editing::CreateElementsInNetwork(document, selected, existing,
-                                   options.network, result.type);
-
-  const Counts after = CountsOf(document, options.network);
-  result.pipes = after.pipes - before.pipes;
-  result.nodes = after.nodes - before.nodes;
-  result.crossings = after.crossings - before.crossings;
+  // The conversion counts what it makes; nothing is counted again.
+  const editing::ConversionCounts made = editing::ConvertEntities(
+      document, selected, existing, options.network, result.type,
+      editing::ConversionPath::kBatch);
+  result.pipes = made.pipes;
+  result.nodes = made.nodes;
+  result.crossings = made.crossings;
   result.low_high_points =
       lowhigh::LowHigh::GetExistingLowHighPointsSet(document, options.network)
           .Count();

@@ -73,8 +73,9 @@ class Crossing {
   // --- Annotations, settings and upkeep ----------------------------------
 
   // Finds, filters, draws and styles the crossings of a set of pipes, and
-  // flags the profiles along the pipes concerned.
-  static void BuildCrossingPointsAfterImporting(host::Document& document,
+  // flags the profiles along the pipes concerned. Returns the number of
+  // crossings drawn.
+  static int BuildCrossingPointsAfterImporting(host::Document& document,
                                                 host::SelectionSet& set_pipes,
                                                 std::string_view model_units);
   // Draws every point; the set "SetCrossingPoints" holds the new

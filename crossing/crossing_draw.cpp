@@ -1,4 +1,6 @@
 // Drawing crossing annotations with their leader lines, records and links.
+#include <algorithm>
+
 #include "core/filters.h"
 #include "core/general.h"
 #include "core/lists.h"
@@ -35,17 +37,20 @@ void AppendLink(host::Document& document, const std::string& pipe_oid,
 
 }  // namespace
 
-void Crossing::BuildCrossingPointsAfterImporting(host::Document& document,
-                                                 host::SelectionSet& set_pipes,
-                                                 std::string_view model_units) {
+int Crossing::BuildCrossingPointsAfterImporting(host::Document& document,
+                                                host::SelectionSet& set_pipes,
+                                                std::string_view model_units) {
   if (General::GetNetworkDefinitions(document).Rows() < 2 ||
       set_pipes.Count() == 0)
-    return;
+    return 0;
   std::vector<types::CrossPoint> points = CheckCrossingPointsDuplication(
       document, GetCrossingPointsArrayForSetOfPipes(document, set_pipes));
-  if (types::IsNoCrossing(points.front())) return;
+  if (types::IsNoCrossing(points.front())) return 0;
   ApplyCrossingSettings(document, DrawCrossingPoints(document, points), false);
   profile::Profile::FlagProfilesRelatedToCrossingPoints(document, points);
+  return static_cast<int>(std::count_if(
+      points.begin(), points.end(),
+      [](const types::CrossPoint& p) { return !types::IsNoCrossing(p); }));
 }
 
 host::SelectionSet& Crossing::DrawCrossingPoints(

@@ -17,7 +17,14 @@ namespace kestrana::editing {
 
 enum class ConversionPath { kSteps, kBatch };
 
-void ConvertEntities(host::Document& document,
+// What one conversion made, as it went.
+struct ConversionCounts {
+  int pipes = 0;
+  int nodes = 0;
+  int crossings = 0;  // crossing annotations drawn
+};
+
+ConversionCounts ConvertEntities(host::Document& document,
                      host::SelectionSet& set_entities_to_convert,
                      bool is_existing_network, std::string_view network_name,
                      std::string_view network_type, ConversionPath path);

@@ -221,12 +221,15 @@ class BatchConversion {
     RefreshEditedPipes(document_, edited);
   }
 
+  int NewNodes() const { return new_nodes_; }
+
  private:
   host::BlockReference& NewNode(PlanPoint at) {
     host::BlockReference& node =
         InsertNode(document_, at, network_, type_,
                    MakeLabel(NodeType(type_), node_labels_.Take()), placing_);
     nodes_.Add(node);
+    ++new_nodes_;
     return node;
   }
 
@@ -241,6 +244,7 @@ class BatchConversion {
   std::vector<host::BlockReference*> touched_;
   std::unordered_set<host::BlockReference*> touched_set_;
   std::unordered_set<host::Entity*> new_pipes_;
+  int new_nodes_ = 0;
 };
 
 // New pipes take their material and size from the libraries' point of view
@@ -309,10 +313,13 @@ host::SelectionSet& Editing::GetEntitiesToConvert(host::Document& document) {
   return set;
 }
 
-void ConvertEntities(host::Document& document,
-                     host::SelectionSet& set_entities_to_convert,
-                     bool is_existing_network, std::string_view network_name,
-                     std::string_view network_type, ConversionPath path) {
+ConversionCounts ConvertEntities(host::Document& document,
+                                 host::SelectionSet& set_entities_to_convert,
+                                 bool is_existing_network,
+                                 std::string_view network_name,
+                                 std::string_view network_type,
+                                 ConversionPath path) {
+  ConversionCounts counts;
   core::UnlockedLayers unlocked(document);
   std::vector<host::Entity*> existing_nodes;
   if (is_existing_network)
@@ -340,6 +347,8 @@ void ConvertEntities(host::Document& document,
                                  network_type, low_high);
       core::ReportProgress(core::kConvertingStage, i + 1, pipes.size());
     }
+    counts.nodes =
+        nodes.Count() - static_cast<int>(existing_nodes.size());
   } else {
     BatchConversion batch(document, network_name, network_type, existing_nodes,
                           low_high);
@@ -348,10 +357,12 @@ void ConvertEntities(host::Document& document,
       core::ReportProgress(core::kConvertingStage, i + 1, pipes.size());
     }
     batch.Finish();
+    counts.nodes = batch.NewNodes();
   }
+  counts.pipes = static_cast<int>(pipes.size());
   CountNewPipes(document, pipes);
 
-  crossing::Crossing::BuildCrossingPointsAfterImporting(
+  counts.crossings = crossing::Crossing::BuildCrossingPointsAfterImporting(
       document, set_entities_to_convert, General::GetModelUnits(document));
   // Gravity networks have no low and high points: the analysis would only
   // read the touched nodes to find that out.
@@ -360,6 +371,7 @@ void ConvertEntities(host::Document& document,
         document,
         lowhigh::LowHigh::GetInitialNodesOIDArrayForLowHigh(document, low_high),
         network_name);
+  return counts;
 }
 
 void Editing::CreateElementsInNetwork(

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "memhost/filter.h"
+#include "memhost/wildcard.h"
 
 namespace kestrana::memhost {
 
@@ -744,21 +745,34 @@ void MemDocument::RegisterApp(const std::string& app) {
   apps_.push_back(app);
 }
 
+namespace {
+bool BySequence(const MemEntity* a, const MemEntity* b) {
+  return a->Sequence() < b->Sequence();
+}
+}  // namespace
+
 void SequenceIndex::Add(MemEntity* e) {
   if (items_.empty() || items_.back()->Sequence() < e->Sequence()) {
     items_.push_back(e);
     return;
   }
-  auto at = std::lower_bound(
-      items_.begin(), items_.end(), e->Sequence(),
-      [](const MemEntity* x, uint64_t seq) { return x->Sequence() < seq; });
-  if (at == items_.end() || *at != e) items_.insert(at, e);
+  if (std::binary_search(items_.begin(), items_.end(), e, BySequence)) return;
+  if (late_.empty() || late_.back() != e) late_.push_back(e);
+}
+
+void SequenceIndex::MergeLate() const {
+  std::sort(late_.begin(), late_.end(), BySequence);
+  late_.erase(std::unique(late_.begin(), late_.end()), late_.end());
+  const auto middle = static_cast<std::ptrdiff_t>(items_.size());
+  items_.insert(items_.end(), late_.begin(), late_.end());
+  std::inplace_merge(items_.begin(), items_.begin() + middle, items_.end(),
+                     BySequence);
+  late_.clear();
 }
 
 void SequenceIndex::Remove(MemEntity* e) {
-  auto at = std::lower_bound(
-      items_.begin(), items_.end(), e->Sequence(),
-      [](const MemEntity* x, uint64_t seq) { return x->Sequence() < seq; });
+  if (!late_.empty()) MergeLate();
+  auto at = std::lower_bound(items_.begin(), items_.end(), e, BySequence);
   if (at != items_.end() && *at == e) items_.erase(at);
 }
 
@@ -769,23 +783,40 @@ void SequenceIndex::Compact() const {
 std::vector<MemEntity*> MemDocument::SelectAll(
     const host::Filter& filter) const {
   CompiledFilter compiled(filter);
-  const SequenceIndex* candidates = &selectable_;
-  static const SequenceIndex kNone;
-  auto narrow =
-      [&](const std::optional<std::string>& key,
-          const std::unordered_map<std::string, SequenceIndex>& index) {
-        if (!key) return;
-        auto it = index.find(*key);
-        const auto* found = it == index.end() ? &kNone : &it->second;
-        if (found->Size() < candidates->Size()) candidates = found;
-      };
-  narrow(compiled.RequiredApp(), by_app_);
-  narrow(compiled.RequiredType(), by_type_);
-  narrow(compiled.RequiredBlock(), by_block_);
+  // The smallest of: every entity, or the union of the index entries of
+  // the keys one of which every match holds.
+  const std::vector<const SequenceIndex*> everything{&selectable_};
+  std::vector<const SequenceIndex*> candidates = everything;
+  size_t size = selectable_.Size();
+  auto narrow = [&](const std::vector<std::string>& keys,
+                    const std::unordered_map<std::string, SequenceIndex>& index) {
+    if (keys.empty()) return;
+    std::vector<const SequenceIndex*> lists;
+    size_t total = 0;
+    for (const std::string& key : keys) {
+      auto it = index.find(key);
+      if (it == index.end()) continue;
+      lists.push_back(&it->second);
+      total += it->second.Size();
+    }
+    if (total < size) {
+      candidates = std::move(lists);
+      size = total;
+    }
+  };
+  narrow(compiled.AppKeys(), by_app_);
+  narrow(compiled.TypeKeys(), by_type_);
+  narrow(compiled.BlockKeys(), by_block_);
   std::vector<MemEntity*> out;
-  candidates->ForEach([&](MemEntity* e) {
-    if (compiled.Matches(*e)) out.push_back(e);
-  });
+  for (const SequenceIndex* list : candidates)
+    list->ForEach([&](MemEntity* e) {
+      if (compiled.Matches(*e)) out.push_back(e);
+    });
+  if (candidates.size() > 1) {
+    // Several lists: back into drawing order, once each.
+    std::sort(out.begin(), out.end(), BySequence);
+    out.erase(std::unique(out.begin(), out.end()), out.end());
+  }
   return out;
 }
 
@@ -825,17 +856,17 @@ std::vector<MemEntity*> MemDocument::SelectWindow(
 void MemDocument::IndexEntity(MemEntity& e) {
   if (!e.InLayout() || e.IsErased()) return;
   selectable_.Add(&e);
-  by_type_[Upper(e.AsHostEntity().EntityName())].Add(&e);
+  by_type_[FoldCase(e.AsHostEntity().EntityName())].Add(&e);
   if (auto* ref = e.AsBlockReference())
-    by_block_[Upper(ref->block_name_)].Add(&e);
+    by_block_[FoldCase(ref->block_name_)].Add(&e);
   e.ForEachXDataApp(
-      [&](const std::string& app) { by_app_[Upper(app)].Add(&e); });
+      [&](const std::string& app) { by_app_[FoldCase(app)].Add(&e); });
 }
 
 void MemDocument::OnXDataChanged(MemEntity& e, const std::string& app,
                                  bool present) {
   if (!e.InLayout() || e.IsErased()) return;
-  auto& slot = by_app_[Upper(app)];
+  auto& slot = by_app_[FoldCase(app)];
   if (present)
     slot.Add(&e);
   else

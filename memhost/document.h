@@ -85,18 +85,22 @@ class MemUtility final : public host::Utility {
 };
 
 // Entities in creation order, for one index key. New entities are the
-// youngest, so adding is mostly appending; erased ones are skipped and
-// dropped once they make up half of the list.
+// youngest, so adding is mostly appending; older ones (a record given to an
+// entity read from the file) wait in a side list and are merged in one sort
+// at the next read, so that giving records to n old entities costs
+// n log n, not n^2. Erased ones are skipped and dropped once they make up
+// half of the list.
 class SequenceIndex {
  public:
   // Adds `e` unless it is there.
   void Add(MemEntity* e);
   void Remove(MemEntity* e);
   // Live and erased entries (an upper bound of the live ones).
-  size_t Size() const { return items_.size(); }
+  size_t Size() const { return items_.size() + late_.size(); }
   // The live entities in order.
   template <class F>
   void ForEach(F&& f) const {
+    if (!late_.empty()) MergeLate();
     size_t erased = 0;
     for (MemEntity* e : items_) {
       if (e->IsErased())
@@ -108,8 +112,10 @@ class SequenceIndex {
   }
 
  private:
+  void MergeLate() const;
   void Compact() const;
-  mutable std::vector<MemEntity*> items_;
+  mutable std::vector<MemEntity*> items_;  // in sequence order
+  mutable std::vector<MemEntity*> late_;   // older than items_.back()
 };
 
 class MemDocument final : public host::Document {

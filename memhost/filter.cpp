@@ -24,10 +24,6 @@ std::string Upper(std::string s) {
   throw HostError(ErrorCode::kBadArgument, "selection filter: " + what);
 }
 
-bool HasWildcards(const std::string& s) {
-  return s.find_first_of("*?#@.[]~`,") != std::string::npos;
-}
-
 std::string FilterText(const host::XItem& item) {
   if (!item.value.IsText())
     Bad("group code " + std::to_string(item.code) + " needs a text value");
@@ -47,10 +43,10 @@ struct CompiledFilter::Node {
   Op op = Op::kAnd;
   std::vector<std::unique_ptr<Node>> children;
   int code = 0;
-  std::string text;
+  std::optional<WildcardPattern> pattern;  // text tests
   double number = 0;
   std::string relation = "=";
-  std::optional<std::string> app;  // application of an XData value test
+  std::optional<WildcardPattern> app;  // application of an XData value test
 
   bool Eval(const MemEntity& e) const {
     switch (op) {
@@ -70,6 +66,25 @@ struct CompiledFilter::Node {
     return false;
   }
 
+  // The index keys this node asks for: a test of `test_code` with plain
+  // names, or an OR of such tests only.
+  std::vector<std::string> Keys(int test_code) const {
+    std::vector<std::string> keys;
+    if (op == Op::kTest) {
+      if (code == test_code && pattern) keys = pattern->ExactNames();
+      return keys;
+    }
+    if (op != Op::kOr || children.empty()) return keys;
+    for (const auto& child : children) {
+      std::vector<std::string> more = child->Keys(test_code);
+      if (more.empty()) return {};
+      keys.insert(keys.end(), more.begin(), more.end());
+    }
+    std::sort(keys.begin(), keys.end());
+    keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
+    return keys;
+  }
+
   bool Compare(double value) const {
     constexpr double kEps = 1e-10;
     double diff = value - number;
@@ -85,34 +100,32 @@ struct CompiledFilter::Node {
   }
 
   bool Test(const MemEntity& e) const {
-    const auto& host_entity = const_cast<MemEntity&>(e).AsHostEntity();
     switch (code) {
       case 0:
-        return WildcardMatch(host_entity.EntityName(), text, true);
+        return pattern->Matches(
+            const_cast<MemEntity&>(e).AsHostEntity().EntityName());
       case 2: {
         auto* ref = e.AsBlockReference();
-        return ref && WildcardMatch(ref->block_name_, text, true);
+        return ref && pattern->Matches(ref->block_name_);
       }
       case 8:
-        return WildcardMatch(e.LayerName(), text, true);
+        return pattern->Matches(e.LayerName());
       case 62:
         return Compare(e.color_);
       case 1001:
-        return e.AnyXDataApp([&](const std::string& app) {
-          return WildcardMatch(app, text, true);
-        });
+        return e.AnyXDataApp(
+            [&](const std::string& name) { return pattern->Matches(name); });
       default:
         break;
     }
     // A value test looks at the records of its application.
     for (const auto& rec : e.XData()) {
-      if (app && !WildcardMatch(rec[0].value.Text(), *app, true)) continue;
+      if (app && !app->Matches(rec[0].value.Text())) continue;
       for (size_t i = 1; i < rec.size(); ++i) {
         const auto& item = rec[i];
         if (item.code != code) continue;
         if (code == 1000) {
-          if (item.value.IsText() &&
-              WildcardMatch(item.value.Text(), text, true))
+          if (item.value.IsText() && pattern->Matches(item.value.Text()))
             return true;
         } else if (item.value.IsReal()) {
           if (Compare(item.value.Real())) return true;
@@ -183,35 +196,36 @@ CompiledFilter::CompiledFilter(const host::Filter& filter) {
       case 0:
       case 2:
       case 8:
-        node->text = FilterText(item);
+        node->pattern.emplace(FilterText(item), true);
         break;
       case 1001:
-        node->text = FilterText(item);
-        app = node->text;
+        app = FilterText(item);
+        node->pattern.emplace(*app, true);
         break;
       case 1000:
-        node->text = FilterText(item);
-        node->app = app;
+        node->pattern.emplace(FilterText(item), true);
+        if (app) node->app.emplace(*app, true);
         break;
       case 62:
       case 1040:
       case 1070:
         node->number = FilterNumber(item);
         node->relation = relation;
-        node->app = app;
+        if (app) node->app.emplace(*app, true);
         break;
       default:
         Bad("group code " + std::to_string(item.code) + " is not supported");
     }
     relation = "=";
-    if (stack.size() == 1 && !HasWildcards(node->text)) {
-      if (item.code == 1001 && !app_) app_ = Upper(node->text);
-      if (item.code == 0 && !type_) type_ = Upper(node->text);
-      if (item.code == 2 && !block_) block_ = Upper(node->text);
-    }
     stack.back()->children.push_back(std::move(node));
   }
   if (stack.size() != 1) Bad("a group is not closed");
+  // The first top-level test or OR that names plain values narrows.
+  for (const auto& child : root_->children) {
+    if (app_keys_.empty()) app_keys_ = child->Keys(1001);
+    if (type_keys_.empty()) type_keys_ = child->Keys(0);
+    if (block_keys_.empty()) block_keys_ = child->Keys(2);
+  }
 }
 
 bool CompiledFilter::Matches(const MemEntity& entity) const {

@@ -21,16 +21,18 @@ class CompiledFilter {
 
   bool Matches(const MemEntity& entity) const;
 
-  // Values the filter requires exactly at its top level, for index lookups
-  // (upper case): application name, entity type, block name.
-  std::optional<std::string> RequiredApp() const { return app_; }
-  std::optional<std::string> RequiredType() const { return type_; }
-  std::optional<std::string> RequiredBlock() const { return block_; }
+  // Index keys (folded like FoldCase) of which every match holds at least
+  // one, from top-level tests of plain names and ORs of them; empty when
+  // the filter does not narrow that way. Application names, entity types,
+  // block names.
+  const std::vector<std::string>& AppKeys() const { return app_keys_; }
+  const std::vector<std::string>& TypeKeys() const { return type_keys_; }
+  const std::vector<std::string>& BlockKeys() const { return block_keys_; }
 
  private:
   struct Node;
   std::unique_ptr<Node> root_;
-  std::optional<std::string> app_, type_, block_;
+  std::vector<std::string> app_keys_, type_keys_, block_keys_;
 };
 
 }  // namespace kestrana::memhost

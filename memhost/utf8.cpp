@@ -8,27 +8,34 @@ bool Continuation(std::string_view s, size_t i) {
 }
 }  // namespace
 
+char32_t NextCodePoint(std::string_view s, size_t& i) {
+  unsigned char c = static_cast<unsigned char>(s[i]);
+  if (c < 0x80) {
+    ++i;
+    return c;
+  }
+  char32_t out;
+  if (c >= 0xF0 && Continuation(s, i + 1) && Continuation(s, i + 2) &&
+      Continuation(s, i + 3)) {
+    out = ((c & 0x07u) << 18) | ((s[i + 1] & 0x3Fu) << 12) |
+          ((s[i + 2] & 0x3Fu) << 6) | (s[i + 3] & 0x3Fu);
+    i += 4;
+  } else if (c >= 0xE0 && Continuation(s, i + 1) && Continuation(s, i + 2)) {
+    out = ((c & 0x0Fu) << 12) | ((s[i + 1] & 0x3Fu) << 6) | (s[i + 2] & 0x3Fu);
+    i += 3;
+  } else if (c >= 0xC0 && Continuation(s, i + 1)) {
+    out = ((c & 0x1Fu) << 6) | (s[i + 1] & 0x3Fu);
+    i += 2;
+  } else {
+    out = c;
+    ++i;
+  }
+  return out;
+}
+
 std::u32string DecodeUtf8(std::string_view s) {
   std::u32string out;
-  for (size_t i = 0; i < s.size();) {
-    unsigned char c = static_cast<unsigned char>(s[i]);
-    if (c >= 0xF0 && Continuation(s, i + 1) && Continuation(s, i + 2) &&
-        Continuation(s, i + 3)) {
-      out.push_back(((c & 0x07u) << 18) | ((s[i + 1] & 0x3Fu) << 12) |
-                    ((s[i + 2] & 0x3Fu) << 6) | (s[i + 3] & 0x3Fu));
-      i += 4;
-    } else if (c >= 0xE0 && Continuation(s, i + 1) && Continuation(s, i + 2)) {
-      out.push_back(((c & 0x0Fu) << 12) | ((s[i + 1] & 0x3Fu) << 6) |
-                    (s[i + 2] & 0x3Fu));
-      i += 3;
-    } else if (c >= 0xC0 && Continuation(s, i + 1)) {
-      out.push_back(((c & 0x1Fu) << 6) | (s[i + 1] & 0x3Fu));
-      i += 2;
-    } else {
-      out.push_back(c);
-      ++i;
-    }
-  }
+  for (size_t i = 0; i < s.size();) out.push_back(NextCodePoint(s, i));
   return out;
 }
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 namespace kestrana::memhost {
 namespace {
 
@@ -68,6 +71,56 @@ TEST(Wildcard, LetterCase) {
   EXPECT_TRUE(M("Kestrana", "KESTRANA"));
   EXPECT_FALSE(M("Kestrana", "KESTRANA", false));
   EXPECT_TRUE(M("\xC3\x84rger", "\xC3\xA4rger"));  // Latin-1 letters fold
+}
+
+TEST(Wildcard, NamesMatchedInPlaceAgreeWithTheGeneralMatcher) {
+  // A first character written as a one-letter class takes the general
+  // matcher; the same pattern without it is compared in place. Both must
+  // answer alike, case folding of Latin-1 letters and escapes included.
+  const std::vector<std::string> texts = {
+      "",  "Pipe;Sewer;P-12", "PIPE;SEWER;", "pipe;sewer", "Pipe;Sewer A;P-1",
+      "Net.1", "NetX1", "\xC3\x84rger", "\xC3\xA4RGER", "\xC3\xA4rg",
+      "\x80bc", "\xC3bc", "LWPOLYLINE", "line", "LINEX"};
+  const std::vector<std::string> rests = {
+      "ipe;Sewer;*", "ipe;Sewer;P-12", "et`.1", "et`.1*", "\xC3\xA4rger",
+      "\xC3\xA4rg*", "**", "INE,LWPOLYLINE", "ine*,LINE"};
+  for (const std::string& text : texts) {
+    for (const std::string& rest : rests) {
+      for (const std::string first : {"P", "N", "\xC3\x84", "L", "\x80"}) {
+        for (bool fold : {true, false}) {
+          const std::string fast = first + rest;
+          const std::string general = "[" + first + "]" + rest;
+          EXPECT_EQ(WildcardPattern(fast, fold).Matches(text),
+                    WildcardPattern(general, fold).Matches(text))
+              << "'" << text << "' against '" << fast << "' fold " << fold;
+        }
+      }
+    }
+  }
+  EXPECT_TRUE(M("\x80"
+                "bc",
+                "\x80"
+                "bc"));  // a stray byte is a character of its own
+  EXPECT_TRUE(M("\x80"
+                "bc",
+                "?bc"));
+}
+
+TEST(Wildcard, CompiledPatternsNameWhatAnIndexCanLookUp) {
+  EXPECT_EQ(WildcardPattern("LWPOLYLINE,Line", true).ExactNames(),
+            (std::vector<std::string>{"lwpolyline", "line"}));
+  EXPECT_EQ(WildcardPattern("Net`.1", true).ExactNames(),
+            (std::vector<std::string>{"net.1"}));
+  EXPECT_EQ(WildcardPattern("\xC3\x84rger", true).ExactNames(),
+            (std::vector<std::string>{FoldCase("\xC3\xA4RGER")}));
+  EXPECT_EQ(FoldCase("\xC3\x84RGER"), FoldCase("\xC3\xA4rger"));
+  EXPECT_NE(FoldCase("\xC3\x97"), FoldCase("\xC3\xB7"));  // not letters
+  for (const char* wild : {"N-*", "~N", "a*b", "N-#", "A,~B", "[ab]", "A,B*"})
+    EXPECT_TRUE(WildcardPattern(wild, true).ExactNames().empty()) << wild;
+  ASSERT_NE(WildcardPattern("Pipe;Net`;1;*", true).Prefix(), nullptr);
+  EXPECT_EQ(*WildcardPattern("Pipe;Net`;1;*", true).Prefix(), "pipe;net;1;");
+  EXPECT_EQ(WildcardPattern("Pipe;*;x", true).Prefix(), nullptr);
+  EXPECT_EQ(WildcardPattern("A*,B*", true).Prefix(), nullptr);
 }
 
 }  // namespace
