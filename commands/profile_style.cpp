@@ -4,6 +4,7 @@
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "host/errors.h"
 #include "host/host.h"
 #include "profile/profile.h"
@@ -22,7 +23,7 @@ constexpr int kAllBannedCharacters = 1;
 std::vector<std::string> ItemsOf(const core::Record& record) {
   std::vector<std::string> items;
   for (int k = 0; k < profile::kProfileStyleRecordLength; ++k)
-    items.push_back(record.Text(k));
+    items.push_back(record.Text(core::Field::At(k)));
   return items;
 }
 
@@ -84,7 +85,8 @@ ProfileStyleImportResult ProfileStyleImport(
   if (profile::FindStyleMarker(document, name))
     throw RefusedError("the drawing already has a profile style named \"" +
                        name + "\"; import it under another name with --name");
-  items[static_cast<int>(ProfileStyleItem::kCombinedLabel)] = ";;" + name;
+  items[static_cast<int>(ProfileStyleItem::kCombinedLabel)] =
+      core::CombinedLabel{"", "", name}.Format();
   return {name, profile::Profile::CreateProfileStyle(
                     document, items,
                     profile::Profile::GetProfileStyleXdataTypeArray())};

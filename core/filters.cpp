@@ -2,6 +2,7 @@
 
 #include "core/names.h"
 #include "core/record.h"
+#include "core/values.h"
 
 namespace kestrana::core {
 
@@ -26,9 +27,10 @@ std::string EscapeWildcards(std::string_view text) {
 }
 
 host::Filter PipesOfNetworkFilter(std::string_view network) {
-  return {Item(code::kAppName, kAppName),
-          Item(code::kText,
-               std::string(kPipeKind) + ";" + EscapeWildcards(network) + ";*")};
+  return {
+      Item(code::kAppName, kAppName),
+      Item(code::kText,
+           CombinedLabel{kPipeKind, EscapeWildcards(network), "*"}.Format())};
 }
 
 host::Filter PipeByLabelFilter(std::string_view network,

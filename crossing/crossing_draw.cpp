@@ -6,6 +6,7 @@
 #include "core/pipe_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/annotation_texts.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
@@ -95,7 +96,8 @@ void Crossing::AddCorssingPointXdata(host::Document& document,
 
   using F = CrossingAnnoField;
   core::Record anno = core::Record::WithCodes(kCrossingAnnoRecordCodes);
-  anno.SetText(F::kCombinedLabel, std::string(kAnnoKind) + ";;" + anno_label);
+  anno.SetText(F::kCombinedLabel,
+               core::CombinedLabel{kAnnoKind, "", anno_label}.Format());
   anno.SetText(F::kElementType, kCrossingPointAnnotation);
   anno.SetText(F::kPipe1Net, p.Pipe1Net);
   anno.SetText(F::kPipe2Net, p.Pipe2Net);
@@ -116,7 +118,8 @@ void Crossing::AddCorssingPointXdata(host::Document& document,
 
   using L = CrossingLineField;
   core::Record line = core::Record::WithCodes(kCrossingLineRecordCodes);
-  line.SetText(L::kCombinedLabel, std::string(kLineKind) + ";;" + line_label);
+  line.SetText(L::kCombinedLabel,
+               core::CombinedLabel{kLineKind, "", line_label}.Format());
   line.SetText(L::kElementType, kCrossingPointLine);
   line.SetText(L::kAnnoLabelRef, core::ReferenceEntry(anno_label));
   line.SetText(L::kAnnoOIDRef, core::ReferenceEntry(anno_id));

@@ -6,6 +6,7 @@
 #include "core/pipe_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/annotation_texts.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
@@ -132,7 +133,8 @@ void Crossing::UpdateCrossingData(host::Document& document,
 
   const double clearance =
       Clearance(data1.invert, data1.rise, data2.invert, data2.rise);
-  record.SetText(F::kCombinedLabel, std::string(kAnnoKind) + ";;" + anno_label);
+  record.SetText(F::kCombinedLabel,
+                 core::CombinedLabel{kAnnoKind, "", anno_label}.Format());
   record.SetText(F::kPipe1LabelRef, core::ReferenceEntry(data1.label));
   record.SetText(F::kPipe2LabelRef, core::ReferenceEntry(data2.label));
   record.SetReal(F::kPipe1Rise, data1.rise);
@@ -148,7 +150,7 @@ void Crossing::UpdateCrossingData(host::Document& document,
   core::Record line_record = core::ReadRecordWithFields(
       line, kCrossingLineRecordLength, "crossing line");
   line_record.SetText(CrossingLineField::kCombinedLabel,
-                      std::string(kLineKind) + ";;" + line_label);
+                      core::CombinedLabel{kLineKind, "", line_label}.Format());
   line_record.SetText(CrossingLineField::kAnnoLabelRef,
                       core::ReferenceEntry(anno_label));
   line_record.Write(line);

@@ -12,6 +12,7 @@
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/crossing.h"
 #include "editing/conversion.h"
 #include "editing/editing.h"
@@ -90,9 +91,10 @@ host::BlockReference& InsertNode(host::Document& document, PlanPoint at,
                                  const std::string& label,
                                  const Placing& placing) {
   core::Record record = core::Record::WithCodes(core::kNodeRecordCodes);
-  record.SetText(NodeField::kCombinedLabel, std::string(core::kNodeKind) + ";" +
-                                                std::string(network_name) +
-                                                ";" + label);
+  record.SetText(
+      NodeField::kCombinedLabel,
+      core::CombinedLabel{core::kNodeKind, std::string(network_name), label}
+          .Format());
   record.SetText(NodeField::kElementType, NodeType(network_type));
   record.SetInt16(NodeField::kMatching,
                   static_cast<int16_t>(network_type == core::kGravity
@@ -116,9 +118,10 @@ void LinkPipe(host::Document& document, host::LwPolyline& pipe,
   core::Record start_node = ReadNode(start);
   core::Record end_node = ReadNode(end);
   core::Record record = core::Record::WithCodes(core::kPipeRecordCodes);
-  record.SetText(PipeField::kCombinedLabel, std::string(core::kPipeKind) + ";" +
-                                                std::string(network_name) +
-                                                ";" + label);
+  record.SetText(
+      PipeField::kCombinedLabel,
+      core::CombinedLabel{core::kPipeKind, std::string(network_name), label}
+          .Format());
   record.SetText(PipeField::kElementType, PipeType(network_type));
   record.SetText(PipeField::kSectionShape, core::kSectionShapeCircular);
   record.SetReal(PipeField::kSpan, size);

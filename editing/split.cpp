@@ -10,6 +10,7 @@
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
 #include "editing/editing.h"
@@ -152,8 +153,9 @@ void Editing::AssignSplitXdata(host::Document& document,
   a1.Write(new_pipe_entity1);
 
   Record a2 = a;
-  a2.SetText(PipeField::kCombinedLabel, std::string(core::kPipeKind) + ";" +
-                                            network + ";" + new_pipe_label);
+  a2.SetText(
+      PipeField::kCombinedLabel,
+      core::CombinedLabel{core::kPipeKind, network, new_pipe_label}.Format());
   a2.SetReal(PipeField::kStartInvert, invert);
   a2.SetText(PipeField::kStartNodeLabel, core::ReferenceEntry(node_label));
   a2.SetText(PipeField::kStartNodeOID, core::ReferenceEntry(k_id));
@@ -191,7 +193,7 @@ void Editing::AssignSplitXdata(host::Document& document,
     k.SetText(NodeField::kElementType, General::GetNodeTypeFromPipeType(type));
   }
   k.SetText(NodeField::kCombinedLabel,
-            std::string(core::kNodeKind) + ";" + network + ";" + node_label);
+            core::CombinedLabel{core::kNodeKind, network, node_label}.Format());
   k.SetText(NodeField::kPipesAtStartLabels,
             core::ReferenceEntry(new_pipe_label));
   k.SetText(NodeField::kPipesAtEndLabels, core::ReferenceEntry(label));

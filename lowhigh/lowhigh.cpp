@@ -12,6 +12,7 @@
 #include "core/project_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "host/host.h"
 
 namespace kestrana::lowhigh {
@@ -99,8 +100,9 @@ host::BlockReference* ReplaceMarker(host::Document& document,
             .Name());
     core::Record record = core::Record::WithCodes(kLowHighRecordCodes);
     record.SetText(LowHighField::kCombinedLabel,
-                   std::string(kLowHighKind) + ";" + std::string(network_name) +
-                       ";" + marker_label);
+                   core::CombinedLabel{kLowHighKind, std::string(network_name),
+                                       marker_label}
+                       .Format());
     record.SetText(LowHighField::kElementType, kLowHighPoint);
     record.SetText(LowHighField::kNodeLabelRef,
                    core::ReferenceEntry(node_label));

@@ -18,6 +18,7 @@
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/crossing_record.h"
 #include "host/host.h"
 #include "library/library_record.h"
@@ -177,10 +178,9 @@ class RecordRewrite {
 // The network and label pieces of field 1 ("Kind;network;label"); markers
 // carry names of other forms, which give what pieces they have.
 std::pair<std::string, std::string> NetworkAndLabel(const Record& record) {
-  std::vector<std::string> pieces =
-      core::Split(record.Text(PipeField::kCombinedLabel));
-  pieces.resize(std::max<size_t>(pieces.size(), 3));
-  return {pieces[1], pieces[2]};
+  core::CombinedLabel combined =
+      core::CombinedLabel::ParsePadded(record.Text(PipeField::kCombinedLabel));
+  return {std::move(combined.network), std::move(combined.label)};
 }
 
 std::vector<ProjectObject> CollectProjectObjects(host::Document& document) {

@@ -10,6 +10,7 @@
 #include "core/project_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "host/host.h"
 #include "profile/profile.h"
 #include "profile/profile_record.h"
@@ -42,7 +43,8 @@ std::string Flipped(std::string_view direction) {
 // The style marker whose record names the style, or nullptr.
 host::Object* FindStyleMarker(host::Document& document,
                               std::string_view style_name) {
-  const std::string wanted = ";;" + std::string(style_name);
+  const std::string wanted =
+      core::CombinedLabel{"", "", std::string(style_name)}.Format();
   core::Record project = core::ReadProjectRecord(document);
   for (const std::string& id :
        core::ListEntries(project.Text(core::ProjectField::kProfileStyles))) {
@@ -123,9 +125,10 @@ void Profile::BuildProfileBlockXData(host::Document& document,
 
   using F = ProfileField;
   core::Record record = core::Record::WithCodes(kProfileRecordCodes);
-  record.SetText(F::kCombinedLabel, std::string(kProfileKind) + ";" +
-                                        inputs.network_name + ";" +
-                                        inputs.profile_name);
+  record.SetText(F::kCombinedLabel,
+                 core::CombinedLabel{kProfileKind, inputs.network_name,
+                                     inputs.profile_name}
+                     .Format());
   record.SetText(F::kElementType, kProfileKind);
   record.SetText(F::kNetworkType, inputs.network_type);
   record.SetText(F::kPipeLabels, inputs.pipes.labels);
@@ -173,10 +176,11 @@ void Profile::BuildProfilePlanAnnoBlockXData(
     host::BlockReference& profile_block, host::BlockReference& plan_block) {
   using F = PlanAnnoField;
   core::Record record = core::Record::WithCodes(kPlanAnnoRecordCodes);
-  record.SetText(F::kCombinedLabel, std::string(kPlanAnnoKind) + ";" +
-                                        std::string(profile_network_name) +
-                                        ";" + std::string(profile_name) +
-                                        kPlanAnnoSuffix);
+  record.SetText(
+      F::kCombinedLabel,
+      core::CombinedLabel{kPlanAnnoKind, std::string(profile_network_name),
+                          std::string(profile_name) + kPlanAnnoSuffix}
+          .Format());
   record.SetText(F::kElementType, kPlanAnnoKind);
   record.SetText(F::kProfileNameRef, core::ReferenceEntry(profile_name));
   record.SetText(F::kProfileOIDRef,

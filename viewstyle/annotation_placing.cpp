@@ -13,6 +13,7 @@
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "host/host.h"
 #include "viewstyle/annotation_layout.h"
 #include "viewstyle/annotation_record.h"
@@ -85,8 +86,10 @@ void WriteOwnRecord(host::Entity& reference, const char* type,
                     std::string_view network, const std::string& label,
                     host::ObjectId element_id) {
   core::Record record = core::Record::WithCodes(kAnnotationRecordCodes);
-  record.SetText(AnnotationField::kCombinedLabel,
-                 ";" + std::string(network) + ";" + label + type);
+  // Annotations carry no kind; the type follows the element's label.
+  record.SetText(
+      AnnotationField::kCombinedLabel,
+      core::CombinedLabel{"", std::string(network), label + type}.Format());
   record.SetText(AnnotationField::kElementType, type);
   record.SetText(AnnotationField::kElementLabelRef,
                  core::ReferenceEntry(label));

@@ -43,7 +43,8 @@ std::string StyleField::Format() const {
 
 ViewStyleSettings SettingsOfRecord(const core::Record& record) {
   ViewStyleSettings settings;
-  for (int i = 0; i < record.Size(); ++i) settings.push_back(record.Text(i));
+  for (int i = 0; i < record.Size(); ++i)
+    settings.push_back(record.Text(core::Field::At(i)));
   return settings;
 }
 

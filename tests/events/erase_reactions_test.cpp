@@ -76,7 +76,9 @@ class Erasing : public ::testing::Test {
     int n = 0;
     for (host::Entity* e : doc_->ModelSpace().Entities())
       if (auto r = Record::Read(*e))
-        n += r->Has(2) && r->Value(2).IsText() && r->Text(2) == type;
+        n += r->Has(core::PipeField::kElementType) &&
+             r->Value(core::PipeField::kElementType).IsText() &&
+             r->Text(core::PipeField::kElementType) == type;
     return n;
   }
 

@@ -153,8 +153,9 @@ TEST_F(StoredStyles, CreateUpdateAndActivateKeepField1InStep) {
     EXPECT_FALSE(point.Visible());
     EXPECT_EQ(point.Layer(), "0");
     core::Record record = core::Record::ReadRequired(point);
-    EXPECT_EQ(record.Code(0), 1001);
-    for (int i = 1; i < record.Size(); ++i) EXPECT_EQ(record.Code(i), 1000);
+    EXPECT_EQ(record.Code(core::Field::At(0)), 1001);
+    for (int i = 1; i < record.Size(); ++i)
+      EXPECT_EQ(record.Code(core::Field::At(i)), 1000);
   }
 
   // Only the count given is stored.
