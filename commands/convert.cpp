@@ -6,6 +6,7 @@
 #include "core/filters.h"
 #include "core/general.h"
 #include "core/names.h"
+#include "core/record.h"
 #include "core/text.h"
 #include "crossing/crossing.h"
 #include "editing/editing.h"
@@ -19,8 +20,6 @@ using core::General;
 using editing::Editing;
 
 namespace {
-
-constexpr int16_t kLayerCode = 8;
 
 std::string Describe(const std::array<double, 4>& w) {
   return core::GeneralText(w[0]) + "," + core::GeneralText(w[1]) + "," +
@@ -59,7 +58,7 @@ memhost::Input SelectionInput(memhost::MemDocument& document,
       throw NotFoundError("the drawing has no layer \"" + *selection.layer +
                           "\"");
     return memhost::Input::All(
-        {{kLayerCode, core::EscapeWildcards(*selection.layer)}});
+        {{core::code::kLayer, core::EscapeWildcards(*selection.layer)}});
   }
   if (!selection.handles.empty()) {
     std::vector<host::ObjectId> ids;
@@ -84,8 +83,10 @@ struct Counts {
 
 Counts CountsOf(host::Document& document, const std::string& network) {
   return {
-      General::GetNetworkSet(document, network, kPipes).Count(),
-      General::GetNetworkSet(document, network, kNodes).Count(),
+      General::GetNetworkSet(document, network, core::network_set::kPipes)
+          .Count(),
+      General::GetNetworkSet(document, network, core::network_set::kNodes)
+          .Count(),
       crossing::Crossing::GetExistingCrossingPointsSet(document, "").Count()};
 }
 

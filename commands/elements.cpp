@@ -29,11 +29,25 @@ void RequireNetwork(host::Document& document, const std::string& network) {
     throw NotFoundError("the project has no network named \"" + network + "\"");
 }
 
+std::string QuotedNames(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names)
+    text += (text.empty() ? "\"" : ", \"") + name + "\"";
+  return text.empty() ? "none" : text;
+}
+
 std::string NetworkType(host::Document& document, const std::string& network) {
-  core::TextTable networks = General::GetNetworkDefinitions(document);
-  for (int row = 0; row < networks.Rows(); ++row)
-    if (networks(row, 0) == network) return networks(row, 1);
-  throw NotFoundError("the project has no network named \"" + network + "\"");
+  using namespace core::network_column;
+  const core::TextTable networks = General::GetNetworkDefinitions(document);
+  std::vector<std::string> names;
+  for (int row = 0; row < networks.Rows(); ++row) {
+    // A project without networks answers one empty row, which names none.
+    if (networks(row, kName).empty()) continue;
+    if (networks(row, kName) == network) return networks(row, kType);
+    names.push_back(networks(row, kName));
+  }
+  throw NotFoundError("the project has no network named \"" + network +
+                      "\" (it has " + QuotedNames(names) + ")");
 }
 
 const char* const kMatchingRules[4] = {
@@ -56,7 +70,9 @@ host::Entity& FindElement(host::Document& document, const std::string& network,
   std::vector<host::Entity*> found;
   for (host::Entity* element :
        General::GetNetworkSet(document, network,
-                              kind == ElementKind::kPipe ? kPipes : kNodes)
+                              kind == ElementKind::kPipe
+                                  ? core::network_set::kPipes
+                                  : core::network_set::kNodes)
            .Entities())
     if (ElementLabel(*element) == label) found.push_back(element);
   if (found.empty())
@@ -71,7 +87,8 @@ host::Entity& FindElement(host::Document& document, const std::string& network,
 }
 
 void CheckName(const std::string& what, const std::string& name) {
-  if (General::CheckTextForBannedCharacters(name, 1))
+  if (General::CheckTextForBannedCharacters(name,
+                                            core::banned_characters::kAll))
     throw InvalidInputError(what + " \"" + name +
                             "\" contains a character that names cannot hold "
                             "(: ; \" / \\ > < * | ? , =)");

@@ -18,17 +18,15 @@ class SelectionSet;
 
 namespace kestrana::commands {
 
-// What General::GetNetworkSet gathers of a network.
-inline constexpr int kElementsAndBlocks = 0;
-inline constexpr int kPipes = 1;
-inline constexpr int kNodes = 2;
-
 enum class ElementKind { kPipe, kNode };
 
 // NotFoundError for a network the project does not define.
 void RequireNetwork(host::Document& document, const std::string& network);
-// The network's type, "Gravity" or "Pressure"; NotFoundError as above.
+// The network's type, "Gravity" or "Pressure"; NotFoundError naming the
+// networks there are when the project has no such network.
 std::string NetworkType(host::Document& document, const std::string& network);
+// "\"A\", \"B\"", or "none" for no names.
+std::string QuotedNames(const std::vector<std::string>& names);
 
 // The one pipe or node of the network with that label. NotFoundError when
 // there is none, RefusedError when there are several, since an edit must

@@ -77,7 +77,8 @@ PipeState SetPipe(host::Document& document, const PipeSetOptions& options) {
                       std::to_string(kMaxCells));
   if (options.material &&
       (options.material->empty() ||
-       General::CheckTextForBannedCharacters(*options.material, 0)))
+       General::CheckTextForBannedCharacters(
+           *options.material, core::banned_characters::kSeparatorOnly)))
     throw OptionError("--material takes a name without \";\"");
   host::Entity& pipe =
       FindElement(document, options.network, ElementKind::kPipe, options.label);

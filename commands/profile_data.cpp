@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "commands/elements.h"
 #include "commands/profile_support.h"
 #include "core/filters.h"
 #include "core/general.h"
@@ -28,7 +29,6 @@ namespace {
 using core::General;
 using memhost::Input;
 
-constexpr int kPipesOption = 1;
 constexpr char kNotOneLine[] =
     "The selected pipes don't represent a single continuous line!";
 
@@ -66,9 +66,9 @@ std::vector<std::string> OtherNetworksWithPipe(host::Document& document,
 std::vector<host::ObjectId> PipesByLabel(host::Document& document,
                                          const ProfileDataOptions& options) {
   std::map<std::string, std::vector<host::ObjectId>> by_label;
-  for (host::Entity* pipe :
-       General::GetNetworkSet(document, options.network, kPipesOption)
-           .Entities())
+  for (host::Entity* pipe : General::GetNetworkSet(document, options.network,
+                                                   core::network_set::kPipes)
+                                .Entities())
     by_label[PipeLabel(*pipe)].push_back(pipe->ObjectID());
   std::vector<host::ObjectId> ids;
   std::set<std::string> named;
@@ -192,7 +192,7 @@ std::vector<std::string> SeriesValues(const std::string& series) {
 
 ProfileDataResult ProfileData(memhost::MemDocument& document,
                               const ProfileDataOptions& options) {
-  const std::string type = RequireProfileNetwork(document, options.network);
+  const std::string type = NetworkType(document, options.network);
   if (options.pipes.empty() == !options.line)
     throw InvalidInputError(
         options.line ? "name the pipes of the profile or its line, not both"

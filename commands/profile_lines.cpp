@@ -1,5 +1,6 @@
 #include "commands/profile_lines.h"
 
+#include "commands/elements.h"
 #include "commands/profile_support.h"
 #include "core/general.h"
 #include "core/lists.h"
@@ -15,7 +16,7 @@ namespace kestrana::commands {
 
 ProfileLinesResult ProfileLines(host::Document& document,
                                 const ProfileLinesOptions& options) {
-  if (RequireProfileNetwork(document, options.network) != core::kGravity)
+  if (NetworkType(document, options.network) != core::kGravity)
     throw InvalidInputError("\"" + options.network +
                             "\" is a pressure network; lines are named "
                             "after the manholes of gravity networks");

@@ -17,9 +17,6 @@ namespace {
 
 using profile::ProfileStyleItem;
 
-// Names must not hold the characters the system bans from names.
-constexpr int kAllBannedCharacters = 1;
-
 std::vector<std::string> ItemsOf(const core::Record& record) {
   std::vector<std::string> items;
   for (int k = 0; k < profile::kProfileStyleRecordLength; ++k)
@@ -78,7 +75,8 @@ ProfileStyleImportResult ProfileStyleImport(
         "the style file names no style (its second line is \"" +
         items[static_cast<int>(ProfileStyleItem::kCombinedLabel)] +
         "\"); give the name with --name");
-  if (core::General::CheckTextForBannedCharacters(name, kAllBannedCharacters))
+  if (core::General::CheckTextForBannedCharacters(
+          name, core::banned_characters::kAll))
     throw InvalidInputError("The style name \"" + name +
                             "\" contains a character that names cannot hold "
                             "(: ; \" / \\ > < * | ? , =)");

@@ -33,7 +33,7 @@ void CreateStyle(host::Document& document, const StyleCreateOptions& options) {
 void ActivateStyle(host::Document& document, const StyleOptions& options) {
   FindStyle(document, options.name);
   viewstyle::ViewStyle::UpdateMoSpaceXdataForViewStyle(
-      document, options.name, viewstyle::StyleField::Read(document).visibility);
+      document, options.name, viewstyle::ReadStyleField(document).visibility);
 }
 
 }  // namespace kestrana::commands

@@ -9,7 +9,7 @@ StyleShowResult ShowStyle(host::Document& document,
                           const StyleOptions& options) {
   StyleShowResult result{options.name, false,
                          FindStyle(document, options.name)};
-  result.active = viewstyle::StyleField::Read(document).active == options.name;
+  result.active = viewstyle::ReadStyleField(document).active == options.name;
   return result;
 }
 

@@ -76,7 +76,9 @@ std::string General::ExcludeID(std::string_view object_id,
 std::string General::DeleteReferenceInReferenceString(
     std::string_view reference_string, std::string_view reference_to_be_deleted,
     int format_index) {
-  if (format_index != 0 && format_index != 1) return "";
+  if (format_index != reference_form::kReferenceList &&
+      format_index != reference_form::kIdList)
+    return "";
   std::vector<std::string> pieces = Split(reference_string);
   auto removed = [&](const std::string& piece) {
     return piece.size() >= reference_to_be_deleted.size() &&
@@ -85,7 +87,7 @@ std::string General::DeleteReferenceInReferenceString(
                reference_to_be_deleted;
   };
   std::string result;
-  if (format_index == 0) {
+  if (format_index == reference_form::kReferenceList) {
     for (size_t i = 1; i < pieces.size(); ++i)
       if (!removed(pieces[i])) result += ";" + pieces[i];
   } else {

@@ -112,8 +112,7 @@ void Crossing::AddCorssingPointXdata(host::Document& document,
   anno.SetText(F::kPipe2OIDRef, core::ReferenceEntry(p.Pipe2OID));
   anno.SetText(F::kLineLabelRef, core::ReferenceEntry(line_label));
   anno.SetText(F::kLineOIDRef, core::ReferenceEntry(line_id));
-  anno.SetText(F::kPoint, core::GeneralText(p.Easting) + ";" +
-                              core::GeneralText(p.Northing));
+  anno.SetText(F::kPoint, core::CrossingPoint{p.Easting, p.Northing}.Format());
   anno.Write(cross_point_anno);
 
   using L = CrossingLineField;

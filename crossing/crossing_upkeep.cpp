@@ -43,10 +43,8 @@ types::CrossPoint PipesOf(const core::Record& annotation) {
 }
 
 host::Point3 CrossingPointOf(const core::Record& annotation) {
-  std::vector<std::string> point =
-      core::Split(annotation.Text(CrossingAnnoField::kPoint));
-  point.resize(2);
-  return {core::NumericValue(point[0]), core::NumericValue(point[1]), 0};
+  return core::CrossingPoint::Parse(annotation.Text(CrossingAnnoField::kPoint))
+      .ToPoint();
 }
 
 }  // namespace
@@ -72,11 +70,13 @@ void Crossing::DeleteNetworkCrossings(host::Document& document,
     pipe.SetText(
         PipeField::kCrossingRefs,
         General::DeleteReferenceInReferenceString(
-            pipe.Text(PipeField::kCrossingRefs), core::RelatedTo(label), 0));
+            pipe.Text(PipeField::kCrossingRefs), core::RelatedTo(label),
+            core::reference_form::kReferenceList));
     pipe.SetText(PipeField::kCrossingOIDRefs,
                  General::DeleteReferenceInReferenceString(
                      pipe.Text(PipeField::kCrossingOIDRefs),
-                     core::RelatedTo(core::IdText(annotation->ObjectID())), 0));
+                     core::RelatedTo(core::IdText(annotation->ObjectID())),
+                     core::reference_form::kReferenceList));
     pipe.Write(survivor);
     touched.push_back(PipesOf(record));
   }

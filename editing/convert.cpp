@@ -318,8 +318,9 @@ void ConvertEntities(host::Document& document,
   core::UnlockedLayers unlocked(document);
   std::vector<host::Entity*> existing_nodes;
   if (is_existing_network)
-    existing_nodes =
-        General::GetNetworkSet(document, network_name, 2).Entities();
+    existing_nodes = General::GetNetworkSet(document, network_name,
+                                            core::network_set::kNodes)
+                         .Entities();
   for (const char* layer : {"Network", "Annotation", "Arrow"})
     General::CreateStandardLayer(document, network_name, layer);
   viewstyle::ViewStyle::DefineAttributeBlocks(

@@ -46,7 +46,8 @@ GroundLevelUpdate GroundLevelsFromSurface(
   std::string changed_pipes, changed_nodes;
   for (const std::string& network : network_names) {
     for (host::Entity* node :
-         General::GetNetworkSet(document, network, 2).Entities()) {
+         General::GetNetworkSet(document, network, core::network_set::kNodes)
+             .Entities()) {
       const host::Point3 at =
           host::As<host::BlockReference>(*node).InsertionPoint();
       double elevation = 0;

@@ -296,12 +296,13 @@ void Editing::AssignMergedXdata(
       if (!record.Text(field).empty())
         record.SetText(field,
                        General::DeleteReferenceInReferenceString(
-                           record.Text(field), core::RelatedTo(old_label), 0));
+                           record.Text(field), core::RelatedTo(old_label),
+                           core::reference_form::kReferenceList));
     for (auto field : {NodeField::kPipesAtStartOID, NodeField::kPipesAtEndOID})
       if (!record.Text(field).empty())
-        record.SetText(field,
-                       General::DeleteReferenceInReferenceString(
-                           record.Text(field), core::RelatedTo(old_id), 0));
+        record.SetText(field, General::DeleteReferenceInReferenceString(
+                                  record.Text(field), core::RelatedTo(old_id),
+                                  core::reference_form::kReferenceList));
     const core::Field labels = at_start ? NodeField::kPipesAtStartLabels
                                         : NodeField::kPipesAtEndLabels;
     const core::Field ids =

@@ -70,9 +70,11 @@ void Editing::ReversePipeReferenceInNode(host::Document& document,
   const std::string label_entry = core::RelatedTo(pipe_label);
   const std::string id_entry = core::RelatedTo(pipe_oid);
   record.SetText(from_labels, General::DeleteReferenceInReferenceString(
-                                  record.Text(from_labels), label_entry, 0));
+                                  record.Text(from_labels), label_entry,
+                                  core::reference_form::kReferenceList));
   record.SetText(from_ids, General::DeleteReferenceInReferenceString(
-                               record.Text(from_ids), id_entry, 0));
+                               record.Text(from_ids), id_entry,
+                               core::reference_form::kReferenceList));
   record.SetText(to_labels, record.Text(to_labels) + ";" + label_entry);
   record.SetText(to_ids, record.Text(to_ids) + ";" + id_entry);
   record.Write(node);

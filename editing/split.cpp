@@ -237,10 +237,8 @@ void Editing::UpdateCrossingsAfterSplitting(host::Document& document,
     Record record = Record::ReadRequired(annotation);
     const std::string label =
         General::EntityLabelFromCombined(record.Text(F::kCombinedLabel));
-    std::vector<std::string> location = core::Split(record.Text(F::kPoint));
-    location.resize(2);
-    const host::Point3 point{core::NumericValue(location[0]),
-                             core::NumericValue(location[1]), 0};
+    const host::Point3 point =
+        core::CrossingPoint::Parse(record.Text(F::kPoint)).ToPoint();
     host::Entity& owner =
         General::CheckPointOnPolyline(
             point, host::As<host::LwPolyline>(new_pipe_entity1))

@@ -247,8 +247,8 @@ core::TextTable LowHigh::GetLowHighSettings(host::Document& document) {
   const core::TextTable networks = General::GetNetworkDefinitions(document);
   std::vector<std::string> pressure;
   for (int row = 0; row < networks.Rows(); ++row)
-    if (networks(row, 1) == core::kPressure)
-      pressure.push_back(networks(row, 0));
+    if (networks(row, core::network_column::kType) == core::kPressure)
+      pressure.push_back(networks(row, core::network_column::kName));
   core::TextTable table(static_cast<int>(pressure.size()), 2);
   for (int row = 0; row < table.Rows(); ++row) {
     table(row, kNetworkColumn) = pressure[row];

@@ -338,15 +338,14 @@ bool RewriteProjectRecord(host::Document& document,
   const IdentityTable none;
   RecordRewrite rewrite(project, none);
   if (project.Has(ProjectField::kViewStyles)) {
-    std::vector<std::string> pieces =
-        core::Split(project.Text(ProjectField::kViewStyles));
-    pieces.resize(std::max<size_t>(pieces.size(), 2));
-    std::string stored_ids;
-    for (size_t i = 2; i < pieces.size(); ++i)
-      if (!pieces[i].empty()) stored_ids += pieces[i] + ";";
-    rewrite.Set(ProjectField::kViewStyles,
-                pieces[0] + ";" + pieces[1] + ";" +
-                    MarkerList(view_styles, stored_ids));
+    core::ViewStylesField field =
+        core::ViewStylesField::Parse(project.Text(ProjectField::kViewStyles));
+    std::vector<std::string> stored;
+    for (const std::string& id : field.markers)
+      if (!id.empty()) stored.push_back(id);
+    field.markers =
+        core::ListEntries(MarkerList(view_styles, core::JoinEntries(stored)));
+    rewrite.Set(ProjectField::kViewStyles, field.Format());
   }
   if (materials && project.Has(ProjectField::kMaterialsLibrary))
     rewrite.Set(ProjectField::kMaterialsLibrary, *materials);

@@ -280,14 +280,16 @@ void Profile::DeleteProfileReferenceFromPipe(
     return;
   host::Entity& pipe = core::EntityFromIdText(document, pipe_oid);
   core::Record record = ReadPipeRecord(pipe);
-  record.SetText(PipeField::kProfileRefs,
-                 General::DeleteReferenceInReferenceString(
-                     record.Text(PipeField::kProfileRefs),
-                     core::RelatedTo(profile_name), 0));
-  record.SetText(PipeField::kProfileOIDRefs,
-                 General::DeleteReferenceInReferenceString(
-                     record.Text(PipeField::kProfileOIDRefs),
-                     core::RelatedTo(profile_oid), 0));
+  record.SetText(
+      PipeField::kProfileRefs,
+      General::DeleteReferenceInReferenceString(
+          record.Text(PipeField::kProfileRefs), core::RelatedTo(profile_name),
+          core::reference_form::kReferenceList));
+  record.SetText(
+      PipeField::kProfileOIDRefs,
+      General::DeleteReferenceInReferenceString(
+          record.Text(PipeField::kProfileOIDRefs), core::RelatedTo(profile_oid),
+          core::reference_form::kReferenceList));
   record.Write(pipe);
 }
 

@@ -218,7 +218,9 @@ void ViewStyle::ApplyAnnotationsToNetwork(host::Document& document,
                                           double correction_angle_for_cs) {
   // Taken before drawing, so the new references are not visited.
   std::vector<host::Entity*> objects =
-      General::GetNetworkSet(document, net_name, 0).Entities();
+      General::GetNetworkSet(document, net_name,
+                             core::network_set::kElementsAndBlocks)
+          .Entities();
   core::SavedActiveLayer previous(document);
   General::CreateStandardLayer(document, net_name, "Annotation");
   General::CreateStandardLayer(document, net_name, "Arrow");
@@ -310,7 +312,9 @@ void ViewStyle::ChangeNetworkVisibility(host::Document& document,
                                         std::string_view net_name, int action) {
   if (action != kHide && action != kShow) return;
   for (host::Entity* entity :
-       General::GetNetworkSet(document, net_name, 0).Entities())
+       General::GetNetworkSet(document, net_name,
+                              core::network_set::kElementsAndBlocks)
+           .Entities())
     entity->SetVisible(action == kShow);
 }
 
