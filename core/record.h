@@ -47,6 +47,13 @@ struct Field {
   explicit constexpr Field(int i) : index(i) {}
 };
 
+// A link to another object, kept in two reference-list fields in step: the
+// object's label (or name) and its object ID.
+struct LinkFields {
+  Field labels;
+  Field ids;
+};
+
 // An object that should carry a record has none.
 class MissingRecordError : public NotFoundError {
  public:

@@ -25,12 +25,8 @@ void AppendLink(host::Document& document, const std::string& pipe_oid,
                 const std::string& anno_label, host::ObjectId anno_id) {
   host::Entity& pipe = core::EntityFromIdText(document, pipe_oid);
   core::Record record = ReadPipeRecord(pipe);
-  record.SetText(
-      PipeField::kCrossingRefs,
-      record.Text(PipeField::kCrossingRefs) + core::ReferenceEntry(anno_label));
-  record.SetText(PipeField::kCrossingOIDRefs,
-                 record.Text(PipeField::kCrossingOIDRefs) +
-                     core::ReferenceEntry(core::IdText(anno_id)));
+  core::AddLink(record, core::kCrossingLinks, anno_label,
+                core::IdText(anno_id));
   record.Write(pipe);
 }
 

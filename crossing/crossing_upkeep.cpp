@@ -67,16 +67,8 @@ void Crossing::DeleteNetworkCrossings(host::Document& document,
         record.Text(first_is_deleted ? CrossingAnnoField::kPipe2OIDRef
                                      : CrossingAnnoField::kPipe1OIDRef));
     core::Record pipe = ReadPipeRecord(survivor);
-    pipe.SetText(
-        PipeField::kCrossingRefs,
-        General::DeleteReferenceInReferenceString(
-            pipe.Text(PipeField::kCrossingRefs), core::RelatedTo(label),
-            core::reference_form::kReferenceList));
-    pipe.SetText(PipeField::kCrossingOIDRefs,
-                 General::DeleteReferenceInReferenceString(
-                     pipe.Text(PipeField::kCrossingOIDRefs),
-                     core::RelatedTo(core::IdText(annotation->ObjectID())),
-                     core::reference_form::kReferenceList));
+    core::DeleteLink(pipe, core::kCrossingLinks, label,
+                     core::IdText(annotation->ObjectID()));
     pipe.Write(survivor);
     touched.push_back(PipesOf(record));
   }

@@ -11,6 +11,7 @@
 #include "core/node_record.h"
 #include "core/pipe_record.h"
 #include "core/record.h"
+#include "core/references.h"
 #include "core/text.h"
 #include "core/values.h"
 #include "crossing/crossing.h"
@@ -139,13 +140,10 @@ void LinkPipe(host::Document& document, host::LwPolyline& pipe,
   record.Write(pipe);
   pipe.SetLayer(NetworkLayer(network_name));
 
-  const std::string label_entry = core::ReferenceEntry(label);
-  const std::string id_entry =
-      core::ReferenceEntry(core::IdText(pipe.ObjectID()));
+  const std::string id = core::IdText(pipe.ObjectID());
   auto link = [&](host::Entity& node, core::Record& node_record,
                   NodeField labels, NodeField ids) {
-    node_record.SetText(labels, node_record.Text(labels) + label_entry);
-    node_record.SetText(ids, node_record.Text(ids) + id_entry);
+    core::AddLink(node_record, {labels, ids}, label, id);
     node_record.Write(node);
   };
   link(start, start_node, NodeField::kPipesAtStartLabels,

@@ -291,24 +291,13 @@ void Editing::AssignMergedXdata(
     const std::string old_label = General::EntityLabelFromCombined(
         old_record.Text(PipeField::kCombinedLabel));
     const std::string old_id = core::IdText(old_pipe.ObjectID());
-    for (auto field :
-         {NodeField::kPipesAtStartLabels, NodeField::kPipesAtEndLabels})
-      if (!record.Text(field).empty())
-        record.SetText(field,
-                       General::DeleteReferenceInReferenceString(
-                           record.Text(field), core::RelatedTo(old_label),
-                           core::reference_form::kReferenceList));
-    for (auto field : {NodeField::kPipesAtStartOID, NodeField::kPipesAtEndOID})
-      if (!record.Text(field).empty())
-        record.SetText(field, General::DeleteReferenceInReferenceString(
-                                  record.Text(field), core::RelatedTo(old_id),
-                                  core::reference_form::kReferenceList));
-    const core::Field labels = at_start ? NodeField::kPipesAtStartLabels
-                                        : NodeField::kPipesAtEndLabels;
-    const core::Field ids =
-        at_start ? NodeField::kPipesAtStartOID : NodeField::kPipesAtEndOID;
-    record.SetText(labels, record.Text(labels) + ";" + core::RelatedTo(label));
-    record.SetText(ids, record.Text(ids) + ";" + core::RelatedTo(merged_id));
+    const core::LinkFields start_links{NodeField::kPipesAtStartLabels,
+                                       NodeField::kPipesAtStartOID};
+    const core::LinkFields end_links{NodeField::kPipesAtEndLabels,
+                                     NodeField::kPipesAtEndOID};
+    core::DeleteLink(record, start_links, old_label, old_id);
+    core::DeleteLink(record, end_links, old_label, old_id);
+    core::AddLink(record, at_start ? start_links : end_links, label, merged_id);
     record.Write(node);
     UpdateConnectedPipesAtNode(document, node,
                                General::EntityLabelFromCombined(

@@ -245,11 +245,7 @@ void Editing::UpdateCrossingsAfterSplitting(host::Document& document,
             ? new_pipe_entity1
             : new_pipe_entity2;
     Record pipe = Record::ReadRequired(owner);
-    pipe.SetText(PipeField::kCrossingRefs, pipe.Text(PipeField::kCrossingRefs) +
-                                               core::ReferenceEntry(label));
-    pipe.SetText(
-        PipeField::kCrossingOIDRefs,
-        pipe.Text(PipeField::kCrossingOIDRefs) + core::ReferenceEntry(id));
+    core::AddLink(pipe, core::kCrossingLinks, label, id);
     pipe.Write(owner);
     const std::string owner_ref =
         core::ReferenceEntry(core::IdText(owner.ObjectID()));

@@ -156,18 +156,13 @@ void Events::VerifyCopiedElements(host::Document& document,
             PipeField::kCrossingRefs, PipeField::kCrossingOIDRefs,
             PipeField::kProfileRefs, PipeField::kProfileOIDRefs})
         r.SetText(field, "");
-      Record& s = start->second->record;
-      s.SetText(NodeField::kPipesAtStartLabels,
-                s.Text(NodeField::kPipesAtStartLabels) +
-                    core::ReferenceEntry(pipe.final_label));
-      s.SetText(NodeField::kPipesAtStartOID,
-                s.Text(NodeField::kPipesAtStartOID) + core::ReferenceEntry(id));
-      Record& e = end->second->record;
-      e.SetText(NodeField::kPipesAtEndLabels,
-                e.Text(NodeField::kPipesAtEndLabels) +
-                    core::ReferenceEntry(pipe.final_label));
-      e.SetText(NodeField::kPipesAtEndOID,
-                e.Text(NodeField::kPipesAtEndOID) + core::ReferenceEntry(id));
+      core::AddLink(
+          start->second->record,
+          {NodeField::kPipesAtStartLabels, NodeField::kPipesAtStartOID},
+          pipe.final_label, id);
+      core::AddLink(end->second->record,
+                    {NodeField::kPipesAtEndLabels, NodeField::kPipesAtEndOID},
+                    pipe.final_label, id);
       kept.push_back(&pipe);
     }
     for (Copy* pipe : kept) pipe->record.Write(*pipe->entity);

@@ -170,16 +170,7 @@ void Events::CrossingAnnoWillBeErased(host::Document& document,
     }
     host::Entity& pipe = core::EntityFromIdText(document, *pipe_id);
     Record pipe_record = Record::ReadRequired(pipe);
-    pipe_record.SetText(
-        PipeField::kCrossingRefs,
-        General::DeleteReferenceInReferenceString(
-            pipe_record.Text(PipeField::kCrossingRefs), core::RelatedTo(label),
-            core::reference_form::kReferenceList));
-    pipe_record.SetText(
-        PipeField::kCrossingOIDRefs,
-        General::DeleteReferenceInReferenceString(
-            pipe_record.Text(PipeField::kCrossingOIDRefs), core::RelatedTo(id),
-            core::reference_form::kReferenceList));
+    core::DeleteLink(pipe_record, core::kCrossingLinks, label, id);
     pipe_record.Write(pipe);
   }
   Queue(core::SingleReference(record, F::kLineOIDRef), erased, to_be_erased);

@@ -280,16 +280,7 @@ void Profile::DeleteProfileReferenceFromPipe(
     return;
   host::Entity& pipe = core::EntityFromIdText(document, pipe_oid);
   core::Record record = ReadPipeRecord(pipe);
-  record.SetText(
-      PipeField::kProfileRefs,
-      General::DeleteReferenceInReferenceString(
-          record.Text(PipeField::kProfileRefs), core::RelatedTo(profile_name),
-          core::reference_form::kReferenceList));
-  record.SetText(
-      PipeField::kProfileOIDRefs,
-      General::DeleteReferenceInReferenceString(
-          record.Text(PipeField::kProfileOIDRefs), core::RelatedTo(profile_oid),
-          core::reference_form::kReferenceList));
+  core::DeleteLink(record, core::kProfileLinks, profile_name, profile_oid);
   record.Write(pipe);
 }
 

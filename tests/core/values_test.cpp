@@ -4,6 +4,10 @@
 
 #include <stdexcept>
 
+#include "core/pipe_record.h"
+#include "core/record.h"
+#include "core/references.h"
+
 namespace kestrana::core {
 namespace {
 
@@ -91,6 +95,27 @@ TEST(CrossingSettingsField, ThresholdThenPairsOfNetworks) {
   // A name without its partner is dropped.
   EXPECT_EQ(CrossingSettingsField::Parse("2;Water;Sewer;Gas").Format(),
             "2;Water;Sewer");
+}
+
+TEST(Links, LabelAndIdListsChangeInStep) {
+  Record pipe = Record::WithCodes(kPipeRecordCodes);
+  AddLink(pipe, kCrossingLinks, "X-1", "2130567256");
+  AddLink(pipe, kCrossingLinks, "X-12", "2130567312");
+  EXPECT_EQ(pipe.Text(PipeField::kCrossingRefs),
+            ";RelatedToX-1;RelatedToX-12");
+  EXPECT_EQ(pipe.Text(PipeField::kCrossingOIDRefs),
+            ";RelatedTo2130567256;RelatedTo2130567312");
+  // The profile fields are not touched.
+  EXPECT_EQ(pipe.Text(PipeField::kProfileRefs), "");
+
+  // An entry goes when it ends with the value, so "X-1" leaves "X-12".
+  DeleteLink(pipe, kCrossingLinks, "X-1", "2130567256");
+  EXPECT_EQ(pipe.Text(PipeField::kCrossingRefs), ";RelatedToX-12");
+  EXPECT_EQ(pipe.Text(PipeField::kCrossingOIDRefs), ";RelatedTo2130567312");
+  DeleteLink(pipe, kCrossingLinks, "X-12", "2130567312");
+  EXPECT_EQ(pipe.Text(PipeField::kCrossingRefs), "");
+  DeleteLink(pipe, kCrossingLinks, "X-12", "2130567312");  // nothing left
+  EXPECT_EQ(pipe.Text(PipeField::kCrossingOIDRefs), "");
 }
 
 }  // namespace
