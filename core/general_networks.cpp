@@ -27,12 +27,12 @@ struct LayerKind {
 };
 
 constexpr LayerKind kLayerKinds[] = {
-    {"Network", " - Network", nullptr, host::color::kCyan},
-    {"Annotation", " - Annotation", nullptr, host::color::kGreen},
-    {"Arrow", " - Arrow", nullptr, host::color::kCyan},
+    {"Network", kNetworkLayerSuffix, nullptr, host::color::kCyan},
+    {"Annotation", kAnnotationLayerSuffix, nullptr, host::color::kGreen},
+    {"Arrow", kArrowLayerSuffix, nullptr, host::color::kCyan},
     {"CrossingPointLine", nullptr, kCrossingLinesLayer, host::color::kYellow},
     {"CrossingPointText", nullptr, kCrossingTextLayer, host::color::kGreen},
-    {"LowHighPoint", " - Low&High Points", nullptr, host::color::kWhite},
+    {"LowHighPoint", kLowHighLayerSuffix, nullptr, host::color::kWhite},
 };
 
 const LayerKind& FindLayerKind(std::string_view layer_type) {
@@ -174,7 +174,7 @@ void General::CreateNetworkDefintion(host::Document& document,
 
   CreateStandardLayer(document, name, "Network");
   if (network_type == kGravity)
-    SetLayerColor(document, name + " - Network", "6");
+    SetLayerColor(document, name + kNetworkLayerSuffix, "6");
   CreateStandardLayer(document, name, "Annotation");
   CreateStandardLayer(document, name, "Arrow");
 }
@@ -306,8 +306,8 @@ void General::DeleteNetworkDefintion(host::Document& document,
 
 void General::DeleteNetworkLayers(host::Document& document,
                                   std::string_view net_name) {
-  for (const char* suffix :
-       {" - Network", " - Annotation", " - Arrow", " - Low&High Points"}) {
+  for (const char* suffix : {kNetworkLayerSuffix, kAnnotationLayerSuffix,
+                             kArrowLayerSuffix, kLowHighLayerSuffix}) {
     try {
       document.GetLayers().Item(std::string(net_name) + suffix).Delete();
     } catch (const host::HostError&) {

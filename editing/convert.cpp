@@ -33,9 +33,7 @@ using core::PipeField;
 
 namespace {
 
-constexpr char kEscape[] = "\x1b";
 constexpr char kLineClass[] = "AcDbLine";
-constexpr char kNetworkLayerSuffix[] = " - Network";
 // Initial section of a new pipe: millimetres in a metric project, inches
 // otherwise.
 constexpr double kNewPipeSizeMetric = 200;
@@ -49,7 +47,7 @@ std::string NodeType(std::string_view network_type) {
   return std::string(network_type) + core::kNodeKind;
 }
 std::string NetworkLayer(std::string_view network_name) {
-  return std::string(network_name) + kNetworkLayerSuffix;
+  return std::string(network_name) + core::kNetworkLayerSuffix;
 }
 
 std::string LabelOf(const core::Record& element) {
@@ -284,7 +282,7 @@ void CountNewPipes(host::Document& document,
 host::SelectionSet& Editing::GetEntitiesToConvert(host::Document& document) {
   host::SelectionSet& set =
       General::InitializeSelectionSet(document, "SetEntitiesToConvert");
-  document.SendCommand(kEscape);
+  document.SendCommand(core::kEscape);
   document.GetUtility().Prompt(kConvertPrompt);
   set.SelectOnScreen(core::EntitiesToConvertFilter());
   if (set.Count() == 0) return set;

@@ -5,6 +5,7 @@
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/messages.h"
+#include "core/names.h"
 #include "core/node_record.h"
 #include "core/pipe_record.h"
 #include "core/record.h"
@@ -27,8 +28,6 @@ using core::General;
 using core::NodeField;
 using core::PipeField;
 using core::Record;
-
-constexpr char kEscape[] = "\x1b";
 
 constexpr char kOtherNetworks[] =
     "The selected pipes are from different networks!";
@@ -76,7 +75,7 @@ std::vector<Record> Records(host::SelectionSet& set) {
 host::SelectionSet& Editing::GetPipesToMerge(host::Document& document) {
   host::SelectionSet& set =
       General::InitializeSelectionSet(document, "TempSetPipesToMerge");
-  document.SendCommand(kEscape);
+  document.SendCommand(core::kEscape);
   document.GetUtility().Prompt(kMergePrompt);
   set.SelectOnScreen(core::ElementsOfKindFilter(true));
   if (set.Count() < 2) return set;

@@ -4,6 +4,7 @@
 #include "core/filters.h"
 #include "core/general.h"
 #include "core/lists.h"
+#include "core/names.h"
 #include "core/node_record.h"
 #include "core/pipe_record.h"
 #include "core/record.h"
@@ -21,13 +22,11 @@ using core::General;
 using core::NodeField;
 using core::PipeField;
 
-constexpr char kEscape[] = "\x1b";
-
 host::SelectionSet& AskOnScreen(host::Document& document,
                                 std::string_view set_name, const char* prompt,
                                 const host::Filter& filter) {
   host::SelectionSet& set = General::InitializeSelectionSet(document, set_name);
-  document.SendCommand(kEscape);
+  document.SendCommand(core::kEscape);
   document.GetUtility().Prompt(prompt);
   set.SelectOnScreen(filter);
   return set;

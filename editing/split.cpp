@@ -29,8 +29,6 @@ using core::NodeField;
 using core::PipeField;
 using core::Record;
 
-constexpr char kEscape[] = "\x1b";
-
 bool IsPipe(const host::Entity& entity) {
   const std::string type = General::GetElementType(entity);
   return type == core::kGravityPipe || type == core::kPressurePipe;
@@ -52,14 +50,14 @@ bool Editing::GetSplitPipeAndPoint(host::Document& document,
                                    host::Entity*& split_pipe_entity,
                                    host::Point3& split_point) {
   try {
-    document.SendCommand(kEscape);
+    document.SendCommand(core::kEscape);
     host::EntityPick pick = document.GetUtility().GetEntity(kSplitPipePrompt);
     while (pick.entity == nullptr || !IsPipe(*pick.entity)) {
       core::ShowMessage(document, kNotAPipeMessage, host::msgbox::kCritical);
       pick = document.GetUtility().GetEntity(kSplitPipePrompt);
     }
     const auto& pipe = host::As<host::LwPolyline>(*pick.entity);
-    document.SendCommand(kEscape);
+    document.SendCommand(core::kEscape);
     while (true) {
       const host::Point3 point =
           document.GetUtility().GetPoint(std::nullopt, kSplitPointPrompt);

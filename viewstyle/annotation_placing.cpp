@@ -28,9 +28,6 @@ using core::General;
 using core::NodeField;
 using core::PipeField;
 
-constexpr char kAnnotationLayerSuffix[] = " - Annotation";
-constexpr char kArrowLayerSuffix[] = " - Arrow";
-
 // The link fields an element keeps for its annotation and arrow.
 struct LinkFields {
   core::Field annotation_label;
@@ -172,7 +169,7 @@ void Insert(host::Document& document, host::Entity& entity,
     host::BlockReference& arrow =
         model.InsertBlock({anchor.x, anchor.y, 0}, kDirectionArrowBlock, 1, 1,
                           1, anchor.arrow_rotation);
-    arrow.SetLayer(std::string(net_name) + kArrowLayerSuffix);
+    arrow.SetLayer(std::string(net_name) + core::kArrowLayerSuffix);
     WriteOwnRecord(arrow, kArrow, net_name, element.label, entity.ObjectID());
     element.record.SetText(*links.arrow_label,
                            core::ReferenceEntry(element.label + kArrow));
@@ -209,7 +206,7 @@ void ViewStyle::InsertAnnotationsForNewEntity(host::Document& document,
   std::string network = General::EntityNetworkFromCombined(
       core::Record::ReadRequired(entity).Text(PipeField::kCombinedLabel));
   Insert(document, entity, texts, network, correction_angle_for_cs, format,
-         network + kAnnotationLayerSuffix);
+         network + core::kAnnotationLayerSuffix);
 }
 
 void ViewStyle::ApplyAnnotationsToNetwork(host::Document& document,
@@ -225,7 +222,7 @@ void ViewStyle::ApplyAnnotationsToNetwork(host::Document& document,
   General::CreateStandardLayer(document, net_name, "Annotation");
   General::CreateStandardLayer(document, net_name, "Arrow");
   const std::string annotation_layer =
-      std::string(net_name) + kAnnotationLayerSuffix;
+      std::string(net_name) + core::kAnnotationLayerSuffix;
   std::vector<core::LayerStatus> status =
       General::OpenLayerForWrite(document, annotation_layer);
   document.SetActiveLayer(document.GetLayers().Item(annotation_layer));
