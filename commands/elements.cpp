@@ -1,5 +1,7 @@
 #include "commands/elements.h"
 
+#include <unordered_map>
+
 #include "commands/command.h"
 #include "core/general.h"
 #include "core/lists.h"
@@ -64,26 +66,54 @@ std::string ElementLabel(const host::Entity& element) {
           core::PipeField::kCombinedLabel));
 }
 
-host::Entity& FindElement(host::Document& document, const std::string& network,
-                          ElementKind kind, const std::string& label) {
+std::vector<host::Entity*> FindElements(
+    host::Document& document, const std::string& network, ElementKind kind,
+    const std::vector<std::string>& labels) {
   RequireNetwork(document, network);
-  std::vector<host::Entity*> found;
+  std::unordered_map<std::string, std::vector<host::Entity*>> by_label;
+  for (const std::string& label : labels) by_label[label];
   for (host::Entity* element :
        General::GetNetworkSet(document, network,
                               kind == ElementKind::kPipe
                                   ? core::network_set::kPipes
                                   : core::network_set::kNodes)
-           .Entities())
-    if (ElementLabel(*element) == label) found.push_back(element);
-  if (found.empty())
-    throw NotFoundError("the network \"" + network + "\" has no " +
-                        KindName(kind) + " labelled \"" + label + "\"");
-  if (found.size() > 1)
-    throw RefusedError("the label \"" + label + "\" names " +
-                       std::to_string(found.size()) + " " + KindName(kind) +
-                       "s of the network \"" + network +
-                       "\"; give one of them another label first");
-  return *found.front();
+           .Entities()) {
+    auto it = by_label.find(ElementLabel(*element));
+    if (it != by_label.end()) it->second.push_back(element);
+  }
+  std::vector<host::Entity*> elements;
+  for (const std::string& label : labels) {
+    const std::vector<host::Entity*>& found = by_label[label];
+    if (found.empty())
+      throw NotFoundError("the network \"" + network + "\" has no " +
+                          KindName(kind) + " labelled \"" + label + "\"");
+    if (found.size() > 1)
+      throw RefusedError("the label \"" + label + "\" names " +
+                         std::to_string(found.size()) + " " + KindName(kind) +
+                         "s of the network \"" + network +
+                         "\"; give one of them another label first");
+    elements.push_back(found.front());
+  }
+  return elements;
+}
+
+host::Entity& FindElement(host::Document& document, const std::string& network,
+                          ElementKind kind, const std::string& label) {
+  return *FindElements(document, network, kind, {label}).front();
+}
+
+host::Entity& EntityOfHandle(host::Document& document,
+                             const std::string& handle) {
+  host::Entity* entity = nullptr;
+  try {
+    entity = dynamic_cast<host::Entity*>(&document.HandleToObject(handle));
+  } catch (const host::HostError&) {
+    // No object has it.
+  }
+  if (entity == nullptr)
+    throw NotFoundError("no entity of the drawing has the handle \"" + handle +
+                        "\"");
+  return *entity;
 }
 
 void CheckName(const std::string& what, const std::string& name) {

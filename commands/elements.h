@@ -33,6 +33,16 @@ std::string QuotedNames(const std::vector<std::string>& names);
 // not guess.
 host::Entity& FindElement(host::Document& document, const std::string& network,
                           ElementKind kind, const std::string& label);
+// The same for several labels, in their order, looked up in one pass.
+std::vector<host::Entity*> FindElements(host::Document& document,
+                                        const std::string& network,
+                                        ElementKind kind,
+                                        const std::vector<std::string>& labels);
+
+// The entity of the drawing with that DXF handle; NotFoundError when no
+// entity has it.
+host::Entity& EntityOfHandle(host::Document& document,
+                             const std::string& handle);
 
 // InvalidInputError for a name with a character names cannot hold; `what`
 // begins the message ("The label").

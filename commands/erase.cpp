@@ -11,20 +11,6 @@ namespace kestrana::commands {
 
 namespace {
 
-host::Entity& EntityOfHandle(host::Document& document,
-                             const std::string& handle) {
-  host::Entity* entity = nullptr;
-  try {
-    entity = dynamic_cast<host::Entity*>(&document.HandleToObject(handle));
-  } catch (const host::HostError&) {
-    // No object has it.
-  }
-  if (entity == nullptr)
-    throw NotFoundError("no entity of the drawing has the handle \"" + handle +
-                        "\"");
-  return *entity;
-}
-
 std::vector<host::Entity*> Chosen(host::Document& document,
                                   const EraseOptions& options) {
   std::vector<host::Entity*> chosen;

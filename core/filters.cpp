@@ -33,9 +33,9 @@ host::Filter PipesOfNetworkFilter(std::string_view network) {
 host::Filter PipeByLabelFilter(std::string_view network,
                                std::string_view label) {
   return {Item(code::kAppName, kAppName),
-          Item(code::kText, std::string(kPipeKind) + ";" +
-                                EscapeWildcards(network) + ";" +
-                                EscapeWildcards(label))};
+          Item(code::kText, CombinedLabel{kPipeKind, EscapeWildcards(network),
+                                          EscapeWildcards(label)}
+                                .Format())};
 }
 
 host::Filter ProjectObjectsFilter() { return {Item(code::kAppName, kAppName)}; }
