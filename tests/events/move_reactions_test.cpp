@@ -75,7 +75,9 @@ class Moving : public ::testing::Test {
     int n = 0;
     for (host::Entity* e : doc_->ModelSpace().Entities())
       if (auto r = Record::Read(*e))
-        n += r->Has(2) && r->Value(2).IsText() && r->Text(2) == type;
+        n += r->Has(PipeField::kElementType) &&
+             r->Value(PipeField::kElementType).IsText() &&
+             r->Text(PipeField::kElementType) == type;
     return n;
   }
   // What the editor and then the add-on do.
