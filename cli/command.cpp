@@ -7,6 +7,7 @@
 
 #include "cli/session.h"
 #include "commands/command.h"
+#include "core/text.h"
 #include "host/types.h"
 
 namespace kestrana::cli {
@@ -274,8 +275,13 @@ double ParseReal(const std::string& text, const std::string& what) {
   const char* first = text.data();
   const char* last = text.data() + text.size();
   auto [ptr, ec] = std::from_chars(first, last, value);
-  if (text.empty() || ec != std::errc() || ptr != last)
+  // from_chars takes "nan" and "inf", and a value too large sets ec.
+  if (text.empty() || ptr != last ||
+      (ec != std::errc() && ec != std::errc::result_out_of_range))
     throw UsageError(what + ": '" + text + "' is not a number");
+  if (ec != std::errc() || !core::InNumberRange(value))
+    throw UsageError(what + ": '" + text + "' is out of range; numbers go " +
+                     core::NumberRangeText());
   return value;
 }
 

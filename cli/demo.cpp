@@ -4,6 +4,8 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <ostream>
 #include <sstream>
@@ -124,10 +126,11 @@ std::string FindExampleDir() {
       "is neither beside the program nor in " KESTRANA_SOURCE_DIR);
 }
 
-DemoResult RunDemo(const DemoOptions& options) {
-  const fs::path examples = options.example_dir.value_or(FindExampleDir());
-  const fs::path out = options.out_dir;
-  fs::create_directories(out);
+namespace {
+
+// The demo's steps, writing into the folder `out`, which exists.
+DemoResult Demo(const DemoOptions& options, const fs::path& examples,
+                const fs::path& out) {
   DemoResult result{(out / kDrawingOut).string(), (out / kPictureOut).string(),
                     (out / kReportOut).string(), ""};
 
@@ -161,6 +164,45 @@ DemoResult RunDemo(const DemoOptions& options) {
   result.report = Report(*document, surface);
   dxf::WriteFileAtomically(result.report_file, result.report);
   return result;
+}
+
+// A folder the demo can write into; `made` receives the outermost folder
+// made for it, which a failed demo removes again.
+void MakeOutputFolder(const fs::path& out, fs::path& made) {
+  std::error_code error;
+  for (fs::path p = out;
+       !p.empty() && !fs::exists(p, error) && p != p.parent_path();
+       p = p.parent_path())
+    made = p;
+  fs::create_directories(out, error);
+  if (error)
+    throw RefusedError("cannot make the folder '" + out.string() +
+                       "': " + error.message());
+  if (!fs::is_directory(out, error))
+    throw RefusedError("'" + out.string() + "' is not a folder");
+  if (access(out.c_str(), W_OK) != 0) {
+    const std::string why = std::strerror(errno);
+    if (!made.empty()) fs::remove_all(made, error);
+    throw RefusedError("cannot write into the folder '" + out.string() +
+                       "': " + why);
+  }
+}
+
+}  // namespace
+
+DemoResult RunDemo(const DemoOptions& options) {
+  const fs::path examples = options.example_dir.value_or(FindExampleDir());
+  const fs::path out = options.out_dir;
+  fs::path made;
+  MakeOutputFolder(out, made);
+  try {
+    return Demo(options, examples, out);
+  } catch (...) {
+    // Nothing half-made stays behind; the failure goes on as it was.
+    std::error_code error;
+    if (!made.empty()) fs::remove_all(made, error);
+    throw;
+  }
 }
 
 namespace {

@@ -94,8 +94,8 @@ int RunNetworkDelete(const std::vector<std::string>& args, Io& io) {
   a.Drawing();
   const commands::DeleteNetworkOptions options{
       a.Positional(1, "the network name")};
-  EditProject(a, commands::DeleteNetwork, options);
-  io.out << "deleted network \"" << options.name << "\" from " << a.Written()
+  const std::string deleted = EditProject(a, commands::DeleteNetwork, options);
+  io.out << "deleted network \"" << deleted << "\" from " << a.Written()
          << "\n";
   return 0;
 }
@@ -138,8 +138,10 @@ Registrar network_add_command(
      "\"NAME - Network\", \"NAME - Annotation\" and \"NAME - Arrow\", shows "
      "it\n"
      "in the active view style and enables its crossings with every\n"
-     "network before it. Names are unique and cannot hold : ; \" / \\ > < *\n"
-     "| ? , =\n\n"
+     "network before it. Names are unique regardless of letter case (as\n"
+     "layer names are: \"sewer\" is the network \"Sewer\"), at most 100\n"
+     "characters long, without blanks at either end or control characters,\n"
+     "and cannot hold : ; \" / \\ > < * | ? , =\n\n"
      "  --type Gravity|Pressure   sewers and storm drains, or water mains\n"
      "  -o, --output OUT          write to OUT instead of DRAWING\n",
      RunNetworkAdd});

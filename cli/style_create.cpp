@@ -1,4 +1,5 @@
 // kestrana style create: a new view style from a style file.
+#include <filesystem>
 #include <fstream>
 #include <ostream>
 #include <sstream>
@@ -13,6 +14,10 @@ namespace kestrana::cli {
 namespace {
 
 std::string ReadTextFile(const std::string& path) {
+  // A folder opens as a stream that reads nothing: say what it is.
+  std::error_code error;
+  if (std::filesystem::is_directory(path, error))
+    throw NotFoundError("'" + path + "' is a folder, not a style file");
   std::ifstream in(path, std::ios::binary);
   if (!in) throw NotFoundError("cannot read the style file '" + path + "'");
   std::ostringstream text;

@@ -10,6 +10,7 @@
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "core/values.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
@@ -35,9 +36,12 @@ std::pair<std::string, std::string> ParsePair(const std::string& text) {
   return {text.substr(0, at), text.substr(at + 1)};
 }
 
-void RequirePairNetwork(host::Document& document, const std::string& name) {
-  if (!General::CheckNetworkExists(document, name))
-    throw NotFoundError("The project has no network named \"" + name + "\"");
+// The network as the project spells it.
+std::string RequirePairNetwork(host::Document& document,
+                               const std::string& name) {
+  if (std::optional<std::string> stored = core::FindNetworkName(document, name))
+    return *stored;
+  throw NotFoundError("The project has no network named \"" + name + "\"");
 }
 
 // The settings row of a pair, in either order; the pair's networks exist.
@@ -79,16 +83,16 @@ void ChangeCrossingSettings(host::Document& document,
                             const std::vector<std::string>& disable) {
   core::TextTable settings = Crossing::GetCrossingSettings(document);
   if (threshold) {
-    std::optional<double> value = core::ParseNumber(*threshold);
+    std::optional<double> value = core::ParseNumberInRange(*threshold);
     if (!value)
-      throw OptionError("--threshold: '" + *threshold + "' is not a number");
+      throw OptionError("--threshold: '" + *threshold + "' is not a number " +
+                        core::NumberRangeText());
     settings(kThresholdRow, 0) = core::GeneralText(*value);
   }
   auto row_of = [&](const std::string& text) {
     auto [a, b] = ParsePair(text);
-    RequirePairNetwork(document, a);
-    RequirePairNetwork(document, b);
-    return PairRow(settings, a, b);
+    return PairRow(settings, RequirePairNetwork(document, a),
+                   RequirePairNetwork(document, b));
   };
   SwitchRows(
       settings,

@@ -9,6 +9,7 @@
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "editing/editing.h"
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
@@ -26,30 +27,21 @@ const char* KindName(ElementKind kind) {
 
 }  // namespace
 
-void RequireNetwork(host::Document& document, const std::string& network) {
-  if (!General::CheckNetworkExists(document, network))
-    throw NotFoundError("the project has no network named \"" + network + "\"");
+std::string RequireNetwork(host::Document& document,
+                           const std::string& network) {
+  if (std::optional<std::string> stored =
+          core::FindNetworkName(document, network))
+    return *stored;
+  throw NotFoundError("the project has no network named \"" + network + "\"");
 }
 
-std::string QuotedNames(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names)
-    text += (text.empty() ? "\"" : ", \"") + name + "\"";
-  return text.empty() ? "none" : text;
-}
-
-std::string NetworkType(host::Document& document, const std::string& network) {
-  using namespace core::network_column;
-  const core::TextTable networks = General::GetNetworkDefinitions(document);
-  std::vector<std::string> names;
-  for (int row = 0; row < networks.Rows(); ++row) {
-    // A project without networks answers one empty row, which names none.
-    if (networks(row, kName).empty()) continue;
-    if (networks(row, kName) == network) return networks(row, kType);
-    names.push_back(networks(row, kName));
-  }
-  throw NotFoundError("the project has no network named \"" + network +
-                      "\" (it has " + QuotedNames(names) + ")");
+std::string NetworkType(host::Document& document, const std::string& typed) {
+  const std::string network = RequireNetwork(document, typed);
+  core::TextTable networks = General::GetNetworkDefinitions(document);
+  for (int row = 0; row < networks.Rows(); ++row)
+    if (networks(row, core::network_column::kName) == network)
+      return networks(row, core::network_column::kType);
+  throw NotFoundError("the project has no network named \"" + network + "\"");
 }
 
 const char* const kMatchingRules[4] = {
@@ -67,9 +59,9 @@ std::string ElementLabel(const host::Entity& element) {
 }
 
 std::vector<host::Entity*> FindElements(
-    host::Document& document, const std::string& network, ElementKind kind,
+    host::Document& document, const std::string& typed, ElementKind kind,
     const std::vector<std::string>& labels) {
-  RequireNetwork(document, network);
+  const std::string network = RequireNetwork(document, typed);
   std::unordered_map<std::string, std::vector<host::Entity*>> by_label;
   for (const std::string& label : labels) by_label[label];
   for (host::Entity* element :
@@ -116,19 +108,11 @@ host::Entity& EntityOfHandle(host::Document& document,
   return *entity;
 }
 
-void CheckName(const std::string& what, const std::string& name) {
-  if (General::CheckTextForBannedCharacters(name,
-                                            core::banned_characters::kAll))
-    throw InvalidInputError(what + " \"" + name +
-                            "\" contains a character that names cannot hold "
-                            "(: ; \" / \\ > < * | ? , =)");
-}
-
-void CheckNewLabel(host::Document& document, const std::string& network,
+void CheckNewLabel(host::Document& document, const std::string& typed,
                    ElementKind kind, const std::string& label,
                    const host::Entity& element) {
-  if (label.empty()) throw OptionError("the new label is empty");
-  CheckName("The label", label);
+  const std::string network = RequireNetwork(document, typed);
+  core::CheckUserName("The label", label);
   const std::string type =
       NetworkType(document, network) +
       (kind == ElementKind::kPipe ? core::kPipeKind : core::kNodeKind);
@@ -151,12 +135,16 @@ void AnalyseLowHighAfterEdit(host::Document& document,
 }
 
 void AnswerWithPipes(memhost::MemDocument& document, const PipeLabels& pipes) {
-  RequireNetwork(document, pipes.network);
+  const std::string network = RequireNetwork(document, pipes.network);
   std::vector<host::ObjectId> ids;
+  for (size_t i = 0; i < pipes.labels.size(); ++i)
+    for (size_t j = 0; j < i; ++j)
+      if (pipes.labels[i] == pipes.labels[j])
+        throw OptionError("the pipe \"" + pipes.labels[i] +
+                          "\" is named twice; name each pipe once");
   for (const std::string& label : pipes.labels)
     ids.push_back(
-        FindElement(document, pipes.network, ElementKind::kPipe, label)
-            .ObjectID());
+        FindElement(document, network, ElementKind::kPipe, label).ObjectID());
   document.GetSession().Push(memhost::Input::Objects(std::move(ids)));
 }
 

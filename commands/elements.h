@@ -20,13 +20,21 @@ namespace kestrana::commands {
 
 enum class ElementKind { kPipe, kNode };
 
-// NotFoundError for a network the project does not define.
-void RequireNetwork(host::Document& document, const std::string& network);
-// The network's type, "Gravity" or "Pressure"; NotFoundError naming the
-// networks there are when the project has no such network.
+// The network a user names, spelt as the project holds it (letter case
+// ignored, core::FindNetworkName); NotFoundError for a network the project
+// does not define.
+std::string RequireNetwork(host::Document& document,
+                           const std::string& network);
+// Options with their `network` spelt as the project holds it, so that every
+// step below, which compares names exactly, finds the same network as the
+// layers and filters do.
+template <class Options>
+Options WithStoredNetwork(host::Document& document, Options options) {
+  options.network = RequireNetwork(document, options.network);
+  return options;
+}
+// The network's type, "Gravity" or "Pressure"; NotFoundError as above.
 std::string NetworkType(host::Document& document, const std::string& network);
-// "\"A\", \"B\"", or "none" for no names.
-std::string QuotedNames(const std::vector<std::string>& names);
 
 // The one pipe or node of the network with that label. NotFoundError when
 // there is none, RefusedError when there are several, since an edit must
@@ -44,13 +52,9 @@ std::vector<host::Entity*> FindElements(host::Document& document,
 host::Entity& EntityOfHandle(host::Document& document,
                              const std::string& handle);
 
-// InvalidInputError for a name with a character names cannot hold; `what`
-// begins the message ("The label").
-void CheckName(const std::string& what, const std::string& name);
-
-// OptionError for an empty label, InvalidInputError for a banned character,
-// RefusedError for a label another element of the same kind in the network
-// already has (letter case ignored).
+// InvalidInputError for a label that cannot be a name
+// (core::CheckUserName), RefusedError for a label another element of the same
+// kind in the network already has (letter case ignored).
 void CheckNewLabel(host::Document& document, const std::string& network,
                    ElementKind kind, const std::string& label,
                    const host::Entity& element);

@@ -44,8 +44,8 @@ std::string ChooseSurface(const GroundOptions& options) {
 GroundResult Ground(memhost::MemDocument& document, GroundOptions options) {
   if (options.networks.empty())
     throw OptionError("--networks names no network");
-  for (const std::string& network : options.networks)
-    RequireNetwork(document, network);
+  for (std::string& network : options.networks)
+    network = RequireNetwork(document, network);
   GroundResult result;
   result.surface = ChooseSurface(options);
   // The civil document holds the surfaces this command brings, no others.

@@ -8,6 +8,8 @@
 #include "core/node_record.h"
 #include "core/pipe_record.h"
 #include "core/record.h"
+#include "core/text.h"
+#include "core/user_names.h"
 #include "editing/flow_graph.h"
 #include "host/host.h"
 #include "viewstyle/project_styles.h"
@@ -23,18 +25,26 @@ void AddNetwork(host::Document& document, const AddNetworkOptions& options) {
   if (options.type != core::kGravity && options.type != core::kPressure)
     throw OptionError("--type must be Gravity or Pressure, not '" +
                       options.type + "'");
-  if (name.empty()) throw OptionError("the network name is empty");
-  CheckName("The network name", name);
-  if (General::CheckNetworkExists(document, name))
-    throw RefusedError("A network named \"" + name + "\" already exists");
+  core::CheckUserName("The network name", name);
+  if (std::optional<std::string> taken = core::FindNetworkName(document, name))
+    throw RefusedError("A network named \"" + *taken + "\" already exists" +
+                       core::CaseNote(name, *taken));
   General::CreateNetworkDefintion(document, name, options.type);
 }
 
-void DeleteNetwork(host::Document& document,
-                   const DeleteNetworkOptions& options) {
-  if (!General::CheckNetworkExists(document, options.name))
-    throw NotFoundError("There is no network named \"" + options.name + "\"");
-  General::DeleteNetwork(document, options.name);
+std::string DeleteNetwork(host::Document& document,
+                          const DeleteNetworkOptions& options) {
+  const std::string network = RequireNetwork(document, options.name);
+  // Drawings of older versions may hold two such names; their layers and
+  // filters are the same, so deleting one would take the other's elements.
+  for (const std::string& other : General::GetNetworkNames(document))
+    if (other != network && core::SameIgnoringCase(other, network))
+      throw RefusedError("the networks \"" + network + "\" and \"" + other +
+                         "\" share their layers (names that differ only in "
+                         "letter case are the same name); deleting one would "
+                         "delete the elements of both");
+  General::DeleteNetwork(document, network);
+  return network;
 }
 
 std::vector<NetworkInfo> ListNetworks(host::Document& document) {
@@ -57,9 +67,8 @@ std::vector<NetworkInfo> ListNetworks(host::Document& document) {
 
 NetworkElements ListElements(host::Document& document,
                              const ListElementsOptions& options) {
-  RequireNetwork(document, options.network);
-  const editing::FlowGraph graph =
-      editing::ReadFlowGraph(document, options.network);
+  const editing::FlowGraph graph = editing::ReadFlowGraph(
+      document, RequireNetwork(document, options.network));
   NetworkElements elements;
   for (const editing::FlowGraph::Pipe& pipe : graph.pipes) {
     core::Record r = core::Record::ReadRequired(*pipe.entity);
@@ -80,10 +89,9 @@ NetworkElements ListElements(host::Document& document,
 
 void SetNetworkShown(host::Document& document,
                      const NetworkShownOptions& options) {
-  if (!General::CheckNetworkExists(document, options.name))
-    throw NotFoundError("There is no network named \"" + options.name + "\"");
+  const std::string network = RequireNetwork(document, options.name);
   core::UnlockedLayers unlocked(document);
-  viewstyle::SetNetworkVisibility(document, options.name, options.shown);
+  viewstyle::SetNetworkVisibility(document, network, options.shown);
 }
 
 }  // namespace kestrana::commands

@@ -26,8 +26,9 @@ struct DeleteNetworkOptions {
 };
 // The network and everything that belongs to it; NotFoundError for a
 // network that is not there.
-void DeleteNetwork(host::Document& document,
-                   const DeleteNetworkOptions& options);
+// Returns the name as the project spelt it.
+std::string DeleteNetwork(host::Document& document,
+                          const DeleteNetworkOptions& options);
 
 struct NetworkInfo {
   std::string name;

@@ -10,7 +10,8 @@ namespace kestrana::commands {
 using editing::Editing;
 
 SplitResult SplitPipe(memhost::MemDocument& document,
-                      const SplitOptions& options) {
+                      const SplitOptions& typed) {
+  const SplitOptions options = WithStoredNetwork(document, typed);
   RequireNetwork(document, options.network);
   host::Entity& chosen =
       FindElement(document, options.network, ElementKind::kPipe, options.label);

@@ -1,6 +1,5 @@
 #include "commands/profile_lines.h"
 
-#include "commands/elements.h"
 #include "commands/profile_support.h"
 #include "core/general.h"
 #include "core/lists.h"
@@ -8,6 +7,7 @@
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/references.h"
+#include "core/user_names.h"
 #include "host/errors.h"
 #include "host/host.h"
 #include "profile/profile.h"
@@ -15,8 +15,11 @@
 namespace kestrana::commands {
 
 ProfileLinesResult ProfileLines(host::Document& document,
-                                const ProfileLinesOptions& options) {
-  if (NetworkType(document, options.network) != core::kGravity)
+                                const ProfileLinesOptions& typed) {
+  ProfileLinesOptions options = typed;
+  options.network =
+      core::FindNetworkName(document, typed.network).value_or(typed.network);
+  if (RequireProfileNetwork(document, options.network) != core::kGravity)
     throw InvalidInputError("\"" + options.network +
                             "\" is a pressure network; lines are named "
                             "after the manholes of gravity networks");

@@ -1,6 +1,7 @@
 // kestrana convert, node set, pipe set, ground and demo on drawing files.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -125,6 +126,69 @@ TEST_F(EditingCommands, ConvertTurnsTheChosenLinesIntoANetwork) {
   core::Record p3 = Element(*doc, "Sewer", "Pipe", "P-3");
   EXPECT_EQ(p3.Text(PipeField::kStartNodeLabel), ";RelatedToN-4");
   EXPECT_EQ(p3.Text(PipeField::kEndNodeLabel), ";RelatedToN-1");
+}
+
+TEST_F(EditingCommands, ConvertLabelsPolylinesInTheOrderOfTheFile) {
+  // Three polylines and a line, written so that the file's order is not
+  // the order of their handles: the last polyline made stands first.
+  {
+    memhost::MemDocument doc;
+    commands::NewProject(doc, {"Metric"});
+    doc.ModelSpace().AddLine({-20, 0, 0}, {0, 0, 0});
+    for (double x : {0.0, 20.0, 40.0})
+      doc.ModelSpace().AddLightWeightPolyline({x, 0, x + 20, 0});
+    dxf::SaveDrawing(doc, path_);
+  }
+  std::istringstream in(Bytes(path_));
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  auto trimmed = [](std::string t) {
+    while (!t.empty() && (t.back() == '\r' || t.front() == ' '))
+      t.erase(t.back() == '\r' ? t.size() - 1 : 0, 1);
+    return t;
+  };
+  const size_t section =
+      std::find(lines.begin(), lines.end(), "ENTITIES\r") != lines.end()
+          ? std::find(lines.begin(), lines.end(), "ENTITIES\r") - lines.begin()
+          : std::find(lines.begin(), lines.end(), "ENTITIES") - lines.begin();
+  ASSERT_LT(section, lines.size());
+  // The entities as groups of lines, each starting at its "0" tag.
+  std::vector<std::vector<std::string>> entities;
+  size_t at = section + 1;
+  for (; trimmed(lines[at + 1]) != "ENDSEC"; at += 2) {
+    if (trimmed(lines[at]) == "0") entities.emplace_back();
+    entities.back().push_back(lines[at]);
+    entities.back().push_back(lines[at + 1]);
+  }
+  std::vector<size_t> polylines;
+  for (size_t i = 0; i < entities.size(); ++i)
+    if (trimmed(entities[i][1]) == "LWPOLYLINE") polylines.push_back(i);
+  ASSERT_EQ(polylines.size(), 3u);
+  std::swap(entities[polylines[0]], entities[polylines[2]]);  // 40, 20, 0
+  std::swap(entities[polylines[1]], entities[polylines[2]]);  // 40, 0, 20
+  std::string text;
+  for (size_t i = 0; i <= section; ++i) text += lines[i] + "\n";
+  for (const auto& entity : entities)
+    for (const std::string& line : entity) text += line + "\n";
+  for (size_t i = at; i < lines.size(); ++i)
+    text += lines[i] + (i + 1 < lines.size() ? "\n" : "");
+  std::ofstream(path_, std::ios::binary) << text;
+
+  ASSERT_EQ(Run({"convert", path_, "--network", "Sewer", "--type", "Gravity",
+                 "--all"}),
+            0)
+      << err_.str();
+  auto doc = Load();
+  auto start_x = [&](const char* label) {
+    return host::As<host::LwPolyline>(
+               test::ElementLabelled(*doc, "Sewer", "Pipe", label))
+        .Coordinates()[0];
+  };
+  // Polylines in the file's order, then the line drawn before them all.
+  EXPECT_EQ(start_x("P-1"), 40);
+  EXPECT_EQ(start_x("P-2"), 0);
+  EXPECT_EQ(start_x("P-3"), 20);
+  EXPECT_EQ(start_x("P-4"), -20);
 }
 
 TEST_F(EditingCommands, ConvertPicksByHandlesOrWindowIntoAnExistingNetwork) {

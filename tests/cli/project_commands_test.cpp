@@ -113,8 +113,9 @@ TEST_F(ProjectCommands, NetworksAreDeletedByName) {
   ASSERT_EQ(Run({"network", "add", site, "Water", "--type", "Pressure"}), 0);
   const std::string before = Bytes(site);
   EXPECT_EQ(Run({"network", "delete", site, "Gas"}), 1);
-  EXPECT_EQ(err_.str(),
-            "kestrana network delete: There is no network named \"Gas\"\n");
+  EXPECT_EQ(
+      err_.str(),
+      "kestrana network delete: the project has no network named \"Gas\"\n");
   EXPECT_EQ(Bytes(site), before);
 
   ASSERT_EQ(Run({"network", "delete", site, "Sewer"}), 0) << err_.str();

@@ -137,8 +137,9 @@ TEST_F(StyleCommands, ApplyDrawsOneAnnotationPerElementAndKeepsLocks) {
               ";RelatedTo" + core::IdText(pipe->ObjectID()));
   }
 
-  EXPECT_EQ(Refused({"style", "apply", site_, "--network", "Storm"}),
-            "kestrana style apply: There is no network named \"Storm\"\n");
+  EXPECT_EQ(
+      Refused({"style", "apply", site_, "--network", "Storm"}),
+      "kestrana style apply: the project has no network named \"Storm\"\n");
 }
 
 TEST_F(StyleCommands, ExportThenCreateGivesTheSameRecord) {
@@ -213,7 +214,7 @@ TEST_F(StyleCommands, BadStyleFilesAndNamesLeaveTheDrawingAlone) {
   EXPECT_EQ(Refused({"style", "create", site_, "Standard", "--from", file}),
             "kestrana style create: A view style named \"Standard\" already "
             "exists\n");
-  Refused({"style", "create", site_, "", "--from", file}, 2);
+  Refused({"style", "create", site_, "", "--from", file}, 1);
   Refused({"style", "create", site_, "X"}, 2);  // no --from
 
   std::string text = good;
@@ -291,8 +292,9 @@ TEST_F(StyleCommands, HiddenNetworksStayHiddenWhenRedrawn) {
             "01");
   ASSERT_EQ(Run({"network", "show", site_, "Sewer"}), 0);
   EXPECT_FALSE(hidden("Sewer"));
-  EXPECT_EQ(Refused({"network", "hide", site_, "Storm"}),
-            "kestrana network hide: There is no network named \"Storm\"\n");
+  EXPECT_EQ(
+      Refused({"network", "hide", site_, "Storm"}),
+      "kestrana network hide: the project has no network named \"Storm\"\n");
 }
 
 TEST_F(StyleCommands, EveryCommandExplainsItself) {
