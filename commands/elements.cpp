@@ -35,13 +35,27 @@ std::string RequireNetwork(host::Document& document,
   throw NotFoundError("the project has no network named \"" + network + "\"");
 }
 
+std::string QuotedNames(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names)
+    text += (text.empty() ? "\"" : ", \"") + name + "\"";
+  return text.empty() ? "none" : text;
+}
+
 std::string NetworkType(host::Document& document, const std::string& typed) {
-  const std::string network = RequireNetwork(document, typed);
-  core::TextTable networks = General::GetNetworkDefinitions(document);
-  for (int row = 0; row < networks.Rows(); ++row)
-    if (networks(row, core::network_column::kName) == network)
-      return networks(row, core::network_column::kType);
-  throw NotFoundError("the project has no network named \"" + network + "\"");
+  using namespace core::network_column;
+  const std::string network =
+      core::FindNetworkName(document, typed).value_or(typed);
+  const core::TextTable networks = General::GetNetworkDefinitions(document);
+  std::vector<std::string> names;
+  for (int row = 0; row < networks.Rows(); ++row) {
+    // A project without networks answers one empty row, which names none.
+    if (networks(row, kName).empty()) continue;
+    if (networks(row, kName) == network) return networks(row, kType);
+    names.push_back(networks(row, kName));
+  }
+  throw NotFoundError("the project has no network named \"" + network +
+                      "\" (it has " + QuotedNames(names) + ")");
 }
 
 const char* const kMatchingRules[4] = {

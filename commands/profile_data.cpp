@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "commands/elements.h"
 #include "commands/profile_support.h"
 #include "core/filters.h"
 #include "core/general.h"
@@ -31,13 +32,6 @@ using memhost::Input;
 
 constexpr char kNotOneLine[] =
     "The selected pipes don't represent a single continuous line!";
-
-std::string Quoted(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names)
-    text += (text.empty() ? "\"" : ", \"") + name + "\"";
-  return text.empty() ? "none" : text;
-}
 
 std::string PipeLabel(const host::Entity& pipe) {
   return General::EntityLabelFromCombined(
@@ -79,12 +73,13 @@ std::vector<host::ObjectId> PipesByLabel(host::Document& document,
     if (found == by_label.end()) {
       const std::vector<std::string> others =
           OtherNetworksWithPipe(document, options.network, label);
-      throw NotFoundError(
-          "the network \"" + options.network + "\" has no pipe labelled \"" +
-          label + "\"" +
-          (others.empty() ? ""
-                          : " (a profile shows one network; \"" + label +
-                                "\" is a pipe of " + Quoted(others) + ")"));
+      throw NotFoundError("the network \"" + options.network +
+                          "\" has no pipe labelled \"" + label + "\"" +
+                          (others.empty()
+                               ? ""
+                               : " (a profile shows one network; \"" + label +
+                                     "\" is a pipe of " + QuotedNames(others) +
+                                     ")"));
     }
     if (found->second.size() > 1)
       throw InvalidInputError("the label \"" + label + "\" names " +
@@ -111,7 +106,7 @@ std::vector<host::ObjectId> PipesOfLine(host::Document& document,
   }
   throw NotFoundError("the network \"" + options.network +
                       "\" has no continuous line named \"" + *options.line +
-                      "\" (its lines: " + Quoted(names) + ")");
+                      "\" (its lines: " + QuotedNames(names) + ")");
 }
 
 // Puts the surfaces of the LandXML text in the civil document and answers
@@ -140,13 +135,13 @@ std::string UseSurface(memhost::MemDocument& document,
     if (chosen.empty())
       throw NotFoundError(options.surface_file + " has no surface named \"" +
                           *options.surface_name + "\" (it has " +
-                          Quoted(names) + ")");
+                          QuotedNames(names) + ")");
   } else if (names.size() == 1) {
     chosen = names.front();
   } else {
     throw InvalidInputError(options.surface_file + " holds " +
                             std::to_string(names.size()) + " surfaces (" +
-                            Quoted(names) + "); choose one by its name");
+                            QuotedNames(names) + "); choose one by its name");
   }
   // The civil document holds the surfaces this command brings, no others.
   memhost::MemSurfaces& civil = document.App().Civil().Document().Surfaces();
@@ -195,7 +190,7 @@ ProfileDataResult ProfileData(memhost::MemDocument& document,
   ProfileDataOptions options = typed;
   options.network =
       core::FindNetworkName(document, typed.network).value_or(typed.network);
-  const std::string type = RequireProfileNetwork(document, options.network);
+  const std::string type = NetworkType(document, options.network);
   if (options.pipes.empty() == !options.line)
     throw InvalidInputError(
         options.line ? "name the pipes of the profile or its line, not both"
