@@ -21,17 +21,8 @@ class Object;
 
 namespace kestrana::core {
 
-// The host's group codes: of record fields, and of selection filters.
-namespace code {
-inline constexpr int16_t kAppName = 1001;
-inline constexpr int16_t kText = 1000;
-inline constexpr int16_t kReal = 1040;
-inline constexpr int16_t kInt16 = 1070;
-inline constexpr int16_t kEntityType = 0;
-inline constexpr int16_t kBlockName = 2;
-inline constexpr int16_t kLayer = 8;
-inline constexpr int16_t kGrouping = -4;  // "<AND", "OR>", ...
-}  // namespace code
+// Group codes by name, as the host defines them.
+namespace code = host::code;
 
 // A field position: an enumerator of a record header, or Field::At(i) for
 // a position counted at run time (walking a whole record). A bare number
