@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "cli/command.h"
+#include "cli/progress.h"
 #include "cli/session.h"
 #include "core/names.h"
 #include "memhost/document.h"
@@ -38,7 +39,10 @@ int Run(const std::vector<std::string>& args, Io& io) {
     for (int i = 0; i < 4; ++i) w[i] = ParseReal(corners[i], "--window");
     options.selection.window = w;
   }
+  ProgressLine progress(io.err, IsTerminal(io.err));
+  options.progress = progress.Callback();
   const commands::ConvertResult r = EditProject(a, commands::Convert, options);
+  progress.Finish();
   io.out << "converted " << r.pipes << " pipe" << (r.pipes == 1 ? "" : "s")
          << " and " << r.nodes << " new node" << (r.nodes == 1 ? "" : "s")
          << " into the " << r.type << " network \"" << r.network << "\""
@@ -47,6 +51,13 @@ int Run(const std::vector<std::string>& args, Io& io) {
   if (r.type == core::kPressure)
     io.out << "; " << r.low_high_points << " low/high points";
   io.out << "\nwrote " << a.Written() << "\n";
+  if (r.classic_polylines_left_out > 0)
+    io.err << "kestrana convert: note: left out "
+           << r.classic_polylines_left_out << " classic polyline"
+           << (r.classic_polylines_left_out == 1 ? "" : "s")
+           << " (POLYLINE); only lines and lightweight polylines become "
+              "pipes: turn them into lightweight polylines in the CAD "
+              "program (CONVERTPOLY, Light) and convert again\n";
   return 0;
 }
 

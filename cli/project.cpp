@@ -5,6 +5,7 @@
 
 #include "cli/command.h"
 #include "cli/info.h"
+#include "cli/json.h"
 #include "cli/session.h"
 #include "commands/networks.h"
 #include "commands/project.h"
@@ -16,16 +17,18 @@ namespace kestrana::cli {
 using commands::NetworkInfo;
 
 std::string NetworksJson(const std::vector<NetworkInfo>& networks) {
-  std::ostringstream out;
-  out << "[";
-  for (size_t i = 0; i < networks.size(); ++i) {
-    const NetworkInfo& n = networks[i];
-    out << (i ? ",\n " : "") << "{\"name\": " << JsonString(n.name)
-        << ", \"type\": " << JsonString(n.type) << ", \"pipes\": " << n.pipes
-        << ", \"nodes\": " << n.nodes << "}";
+  JsonWriter json;
+  json.BeginArray();
+  for (const NetworkInfo& n : networks) {
+    json.BeginObject();
+    json.Key("name").String(n.name);
+    json.Key("type").String(n.type);
+    json.Key("pipes").Int(n.pipes);
+    json.Key("nodes").Int(n.nodes);
+    json.EndObject();
   }
-  out << "]\n";
-  return out.str();
+  json.EndArray();
+  return json.Text();
 }
 
 std::string NetworksTable(const std::vector<NetworkInfo>& networks) {
@@ -54,13 +57,16 @@ int RunNew(const std::vector<std::string>& args, Io& io) {
   std::error_code error;
   const bool exists = std::filesystem::exists(drawing, error);
   if (exists) {
-    dxf::EditDrawing(drawing, a.Output(), [&](memhost::MemDocument& document) {
-      commands::NewProject(document, options);
-    });
+    EditDrawingFile(
+        drawing, a.Output(),
+        [&](memhost::MemDocument& document) {
+          commands::NewProject(document, options);
+        },
+        CommandLoadOptions());
   } else {
     memhost::MemDocument document;
     commands::NewProject(document, options);
-    dxf::SaveDrawing(document, a.Written());
+    SaveDrawingFile(document, a.Written());
   }
   io.out << (exists ? "started a project in " : "created ") << a.Written()
          << " (" << options.units << ")\n";
@@ -104,7 +110,7 @@ int RunRenewIds(const std::vector<std::string>& args, Io& io) {
   Args a(args, {}, {"output"});
   a.ExpectPositionals(1);
   commands::RenewIdsResult r;
-  dxf::EditDrawing(
+  EditDrawingFile(
       a.Drawing(), a.Output(),
       [&](memhost::MemDocument& document) { r = commands::RenewIds(document); },
       CommandLoadOptions());

@@ -77,6 +77,67 @@ memhost::Input SelectionInput(memhost::MemDocument& document,
   return memhost::Input::All();
 }
 
+// What the selection covers before the conversion's own filter: what the
+// user pointed at.
+std::vector<memhost::MemEntity*> Covered(memhost::MemDocument& document,
+                                         const ConvertSelection& selection) {
+  if (selection.layer)
+    return document.SelectAll(
+        {{core::code::kLayer, core::EscapeWildcards(*selection.layer)}});
+  if (!selection.handles.empty()) {
+    std::vector<memhost::MemEntity*> entities;
+    for (const std::string& handle : selection.handles)
+      if (auto* object = document.FindById(EntityOfHandle(document, handle)))
+        if (memhost::MemEntity* entity = object->AsMemEntity())
+          entities.push_back(entity);
+    return entities;
+  }
+  if (selection.window) {
+    const auto& w = *selection.window;
+    return document.SelectWindow({w[0], w[1], 0}, {w[2], w[3], 0}, false, {});
+  }
+  return document.SelectAll({});
+}
+
+// A line or polyline of no length has no direction, slope or crossing
+// station: the selection is refused, naming every such entity by the
+// handle it has in the file.
+void CheckLengths(const std::vector<memhost::MemEntity*>& covered) {
+  std::vector<std::string> empty;
+  for (memhost::MemEntity* e : covered) {
+    host::Entity& entity = e->AsHostEntity();
+    if (entity.GetXData(core::kAppName)) continue;  // an element stays
+    double length = -1;
+    if (auto* line = dynamic_cast<host::Line*>(&entity))
+      length = line->Length();
+    else if (auto* polyline = dynamic_cast<host::LwPolyline*>(&entity))
+      length = polyline->Length();
+    if (length == 0)
+      empty.push_back(entity.EntityName() + " " + entity.Handle());
+  }
+  if (empty.size() == 1)
+    throw RefusedError("the " + empty[0].substr(0, empty[0].find(' ')) +
+                       " with the handle " +
+                       empty[0].substr(empty[0].find(' ') + 1) +
+                       " has no length and cannot become a pipe; leave it "
+                       "out of the selection");
+  if (!empty.empty()) {
+    std::string list;
+    for (const std::string& e : empty) list += (list.empty() ? "" : ", ") + e;
+    throw RefusedError(std::to_string(empty.size()) +
+                       " entities have no length and cannot become pipes: " +
+                       list + "; leave them out of the selection");
+  }
+}
+
+// Classic POLYLINE entities the conversion passes over.
+int ClassicPolylines(const std::vector<memhost::MemEntity*>& covered) {
+  int n = 0;
+  for (memhost::MemEntity* e : covered)
+    n += e->AsHostEntity().EntityName() == "POLYLINE";
+  return n;
+}
+
 // What the conversion is counted by.
 struct Counts {
   int pipes, nodes, crossings;
@@ -99,6 +160,7 @@ ConvertResult Convert(memhost::MemDocument& document,
   // An existing network however it is typed; else a new one as typed.
   options.network =
       core::FindNetworkName(document, typed.network).value_or(typed.network);
+  core::ProgressScope progress(options.progress);
   ConvertResult result;
   result.network = options.network;
   if (options.type && *options.type != core::kGravity &&
@@ -118,6 +180,10 @@ ConvertResult Convert(memhost::MemDocument& document,
     result.type = *options.type;
   }
   memhost::Input answer = SelectionInput(document, options.selection);
+  const std::vector<memhost::MemEntity*> covered =
+      Covered(document, options.selection);
+  CheckLengths(covered);
+  result.classic_polylines_left_out = ClassicPolylines(covered);
   if (!existing) AddNetwork(document, {options.network, result.type});
   result.new_network = !existing;
 
@@ -128,12 +194,6 @@ ConvertResult Convert(memhost::MemDocument& document,
     throw RefusedError(
         "nothing to convert: the selection holds no line or polyline that is "
         "not already part of a network");
-  // A pipe of no length has no direction, slope or crossing station.
-  for (host::Entity* entity : selected.Entities())
-    if (host::As<host::LwPolyline>(*entity).Length() == 0)
-      throw RefusedError("the polyline with the handle " + entity->Handle() +
-                         " has no length and cannot become a pipe; leave it "
-                         "out of the selection");
   Editing::CreateElementsInNetwork(document, selected, existing,
                                    options.network, result.type);
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "core/progress.h"
+
 namespace kestrana::memhost {
 class MemDocument;
 }
@@ -25,6 +27,7 @@ struct ConvertOptions {
   std::string network{};
   std::optional<std::string> type{};  // needed when the network is new
   ConvertSelection selection{};
+  core::ProgressFn progress{};  // the pipes converted, and crossings found
 };
 
 struct ConvertResult {
@@ -35,12 +38,16 @@ struct ConvertResult {
   int nodes = 0;
   int crossings = 0;
   int low_high_points = 0;  // markers of the network afterwards
+  // Classic POLYLINE entities in the selection, which the conversion does
+  // not take (it takes lines and lightweight polylines).
+  int classic_polylines_left_out = 0;
 };
 
 // OptionError for a selection that is not exactly one way, a type other
 // than "Gravity" or "Pressure", or a new network without one; NotFoundError
 // for a layer, handle or window that names nothing; RefusedError for a
-// network of the other type and a selection with nothing to convert.
+// network of the other type, a selection with nothing to convert and one
+// holding lines or polylines of no length (all of them named).
 ConvertResult Convert(memhost::MemDocument& document,
                       const ConvertOptions& options);
 

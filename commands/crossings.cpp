@@ -145,6 +145,8 @@ std::vector<CrossingListing> ListCrossings(host::Document& document) {
     c.label2 = first_value(CrossingAnnoField::kPipe2LabelRef);
     c.size1 = record.Text(CrossingAnnoField::kPipe1SizeString);
     c.size2 = record.Text(CrossingAnnoField::kPipe2SizeString);
+    c.section1 = core::SectionSize::Parse(c.size1);
+    c.section2 = core::SectionSize::Parse(c.size2);
     c.clearance = record.Number(CrossingAnnoField::kClearance);
     const core::CrossingPoint point =
         core::CrossingPoint::Parse(record.Text(CrossingAnnoField::kPoint));
@@ -167,6 +169,7 @@ std::vector<CrossingListing> ListCrossings(host::Document& document) {
 
 CrossingsResult Crossings(host::Document& document,
                           const CrossingsOptions& options) {
+  core::ProgressScope progress(options.progress);
   CrossingsResult result;
   if (options.Changes()) {
     ChangeCrossingSettings(document, options.threshold, options.enable,

@@ -1,7 +1,10 @@
 #include "commands/networks.h"
 
+#include <map>
+
 #include "commands/command.h"
 #include "commands/elements.h"
+#include "commands/lowhigh.h"
 #include "core/general.h"
 #include "core/guards.h"
 #include "core/names.h"
@@ -72,17 +75,43 @@ NetworkElements ListElements(host::Document& document,
   NetworkElements elements;
   for (const editing::FlowGraph::Pipe& pipe : graph.pipes) {
     core::Record r = core::Record::ReadRequired(*pipe.entity);
-    elements.pipes.push_back(
-        {pipe.label, graph.nodes[pipe.from].label, graph.nodes[pipe.to].label,
-         General::BuildSectionSizeString(r), r.Text(PipeField::kMaterial),
-         pipe.length, r.Number(PipeField::kStartInvert),
-         r.Number(PipeField::kEndInvert)});
+    PipeListing p;
+    p.label = pipe.label;
+    p.handle = pipe.entity->Handle();
+    p.from = graph.nodes[pipe.from].label;
+    p.to = graph.nodes[pipe.to].label;
+    p.size = General::BuildSectionSizeString(r);
+    p.section = core::SectionSize::Of(r);
+    p.material = r.Text(PipeField::kMaterial);
+    p.length = pipe.length;
+    p.start_invert = r.Number(PipeField::kStartInvert);
+    p.end_invert = r.Number(PipeField::kEndInvert);
+    if (p.length > 0) p.slope = (p.start_invert - p.end_invert) / p.length;
+    const std::vector<double> xy =
+        host::As<host::LwPolyline>(*pipe.entity).Coordinates();
+    for (size_t i = 0; i + 1 < xy.size(); i += 2)
+      p.vertices.push_back({xy[i], xy[i + 1]});
+    elements.pipes.push_back(std::move(p));
   }
+  // Marked nodes by label; a node carries one marker at most.
+  std::map<std::string, std::string> marks;
+  for (const LowHighListing& point : ListLowHighPoints(document))
+    if (point.network == options.network) marks[point.node] = point.kind;
   for (const editing::FlowGraph::Node& node : graph.nodes) {
     core::Record r = core::Record::ReadRequired(*node.entity);
-    elements.nodes.push_back({node.label, node.ground,
-                              r.Number(NodeField::kSumpLevel),
-                              MatchingRuleText(r.Int16(NodeField::kMatching))});
+    NodeListing n;
+    n.label = node.label;
+    n.handle = node.entity->Handle();
+    const host::Point3 at =
+        host::As<host::BlockReference>(*node.entity).InsertionPoint();
+    n.position = {at.x, at.y};
+    n.ground = node.ground;
+    n.sump = r.Number(NodeField::kSumpLevel);
+    n.depth = n.ground - n.sump;
+    n.matching = MatchingRuleText(r.Int16(NodeField::kMatching));
+    if (auto mark = marks.find(node.label); mark != marks.end())
+      n.low_high = mark->second;
+    elements.nodes.push_back(std::move(n));
   }
   return elements;
 }

@@ -7,10 +7,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "dxf/binary.h"
 #include "dxf/text_codec.h"
 #include "memhost/document.h"
 
@@ -66,6 +68,15 @@ struct TableImage {
   Span tail;                     // "0 ENDTAB"
   std::vector<TableItem> items;  // in file order, then new ones
   size_t count_read = 0;
+  // The head is written anew (R12's have no handle) in place of `head`.
+  bool head_anew = false;
+};
+
+// An object of a section the model does not hold (OBJECTS), as read.
+struct RawObject {
+  Span span;
+  uint64_t handle = 0;
+  uint64_t owner = 0;  // 330 (0: none)
 };
 
 struct SectionImage {
@@ -78,11 +89,20 @@ struct SectionImage {
   std::vector<HeaderVar> vars;     // kHeader
   std::vector<TableImage> tables;  // kTables
   std::vector<uint64_t> blocks;    // kBlocks: block record handles in order
+  std::vector<RawObject> objects;  // kRaw: its objects in file order
 };
 
 struct FileImage {
+  // The text of the file's tags (of a binary file: as ASCII DXF).
   std::string buffer;
+  // Set for a binary file: written back in the same form.
+  std::optional<BinaryForm> binary;
   std::string version;  // $ACADVER
+  // The version read when a change made the drawing R2000 ("" otherwise).
+  std::string upgraded_from;
+  // False for an R12 drawing without handles ($HANDLING 0): its objects
+  // are written back without them.
+  bool handles = true;
   std::string codepage;
   std::string eol = "\n";
   TextCodec codec;

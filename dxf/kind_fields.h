@@ -93,6 +93,7 @@ struct FieldSpec {
     kDegrees,    // radians in the state, degrees in the file
     kDegreesOr,  // the same, left out while zero
     kText,
+    kIntOr,  // left out while it is `fallback`
   };
   How how;
   int code;
@@ -100,6 +101,7 @@ struct FieldSpec {
   double E::*real = nullptr;
   std::string E::*text = nullptr;
   double fallback = 0;
+  int E::*integer = nullptr;
 };
 
 template <class E>
@@ -135,6 +137,14 @@ FieldSpec<E> TextF(int code, std::string E::*m) {
   return {FieldSpec<E>::How::kText, code, nullptr, nullptr, m};
 }
 
+template <class E>
+FieldSpec<E> IntOrF(int code, int E::*m, int fallback) {
+  FieldSpec<E> f{FieldSpec<E>::How::kIntOr, code};
+  f.integer = m;
+  f.fallback = fallback;
+  return f;
+}
+
 // The fields of one subclass group, in the order they are written.
 template <class E>
 struct GroupSpec {
@@ -144,37 +154,47 @@ struct GroupSpec {
 template <class E>
 using FieldTable = std::vector<GroupSpec<E>>;
 
+// Reads the fields of `group` from the subclass group `marker`.
+template <class E>
+void ReadFields(const GroupSpec<E>& group, std::string_view marker,
+                const Shape& s, const TextCodec& codec, E& e) {
+  using How = typename FieldSpec<E>::How;
+  ForBody(s, {marker}, [&](std::string_view, const Tag& t) {
+    for (const FieldSpec<E>& f : group.fields) {
+      switch (f.how) {
+        case How::kPoint:
+        case How::kNormal:
+          if (!IsCoord(t.code, f.code)) continue;
+          SetCoord(e.*f.point, t, f.code);
+          return;
+        case How::kText:
+          if (t.code != f.code) continue;
+          e.*f.text = codec.Decode(t.value);
+          return;
+        case How::kDegrees:
+        case How::kDegreesOr:
+          if (t.code != f.code) continue;
+          e.*f.real = RealValue(t) * kDegree;
+          return;
+        case How::kIntOr:
+          if (t.code != f.code) continue;
+          e.*f.integer = static_cast<int>(IntValue(t));
+          return;
+        default:
+          if (t.code != f.code) continue;
+          e.*f.real = RealValue(t);
+          return;
+      }
+    }
+  });
+}
+
 // Reads the fields of `table` from the groups they belong to.
 template <class E>
 void ReadFields(const FieldTable<E>& table, const Shape& s,
                 const TextCodec& codec, E& e) {
-  using How = typename FieldSpec<E>::How;
-  for (const GroupSpec<E>& group : table) {
-    ForBody(s, {group.marker}, [&](std::string_view, const Tag& t) {
-      for (const FieldSpec<E>& f : group.fields) {
-        switch (f.how) {
-          case How::kPoint:
-          case How::kNormal:
-            if (!IsCoord(t.code, f.code)) continue;
-            SetCoord(e.*f.point, t, f.code);
-            return;
-          case How::kText:
-            if (t.code != f.code) continue;
-            e.*f.text = codec.Decode(t.value);
-            return;
-          case How::kDegrees:
-          case How::kDegreesOr:
-            if (t.code != f.code) continue;
-            e.*f.real = RealValue(t) * kDegree;
-            return;
-          default:
-            if (t.code != f.code) continue;
-            e.*f.real = RealValue(t);
-            return;
-        }
-      }
-    });
-  }
+  for (const GroupSpec<E>& group : table)
+    ReadFields(group, group.marker, s, codec, e);
 }
 
 // Writes the fields of one group of `table` into `g`.
@@ -207,6 +227,9 @@ void WriteFields(const GroupSpec<E>& group, const E& e, FieldGroup& g) {
       case How::kText:
         g.Text(f.code, e.*f.text);
         break;
+      case How::kIntOr:
+        g.IntOr(f.code, e.*f.integer, static_cast<int64_t>(f.fallback));
+        break;
     }
   }
 }
@@ -227,6 +250,8 @@ void HashFields(const FieldTable<E>& table, const E& e, Hasher& h) {
         h.Add(e.*f.point);
       else if (f.how == How::kText)
         h.Add(std::string_view(e.*f.text));
+      else if (f.how == How::kIntOr)
+        h.Add(static_cast<int64_t>(e.*f.integer));
       else
         h.Add(e.*f.real);
     }

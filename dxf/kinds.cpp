@@ -36,7 +36,7 @@ using kinds::ForBody;
 
 // ---------------------------------------------------------- the others
 
-std::unique_ptr<MemEntity> ReadOther(const Shape& s) {
+std::unique_ptr<MemEntity> ReadOther(const Shape& s, const TextCodec& codec) {
   std::string object_name = "AcDb" + std::string(s.Type());
   if (s.has_markers && !s.groups.empty() && !s.groups.back().marker.empty())
     object_name = std::string(s.groups.back().marker);
@@ -56,6 +56,7 @@ std::unique_ptr<MemEntity> ReadOther(const Shape& s) {
       x = nullptr;
     }
   });
+  ReadOutline(s, codec, *e);
   return e;
 }
 
@@ -100,7 +101,8 @@ void AlignmentToCodes(host::TextAlignment a, int& h, int& v) {
 std::unique_ptr<MemEntity> ReadEntityOfShape(const Shape& s, ReadContext& ctx,
                                              bool& paper_space, bool raw_only) {
   const EntityCodec* codec = raw_only ? nullptr : FindEntityCodec(s.Type());
-  std::unique_ptr<MemEntity> e = codec ? codec->read(s, ctx) : ReadOther(s);
+  std::unique_ptr<MemEntity> e =
+      codec ? codec->read(s, ctx) : ReadOther(s, ctx.codec);
   paper_space = false;
   std::string layer = "0";
   if (const Shape::Group* g = s.EntityGroup()) {

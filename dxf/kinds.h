@@ -72,6 +72,30 @@ class FileXData final : public memhost::XDataSource,
   memhost::XDataApps last_apps_;
 };
 
+// Fills the picture of an entity of a kind the model keeps as read.
+void ReadOutline(const Shape& shape, const TextCodec& codec,
+                 memhost::MemOtherEntity& e);
+
+// The picture of a classic POLYLINE from its vertices, read after it.
+class PolylineOutline {
+ public:
+  explicit PolylineOutline(const Shape& polyline);
+  void AddVertex(const Shape& vertex);
+  void Finish(memhost::MemOtherEntity& e) const;
+
+ private:
+  struct Vertex {
+    host::Point3 at;
+    double bulge = 0;
+    int64_t flags = 0;
+    int64_t face[4] = {0, 0, 0, 0};
+  };
+  int64_t flags_ = 0;
+  double elevation_ = 0;
+  host::Point3 normal_{0, 0, 1};
+  std::vector<Vertex> vertices_;
+};
+
 // Fingerprint of an entity's state (common fields and kind); its extended
 // data is followed by MemObject::XDataVersion().
 uint64_t EntityHash(const memhost::MemEntity& e);

@@ -148,12 +148,15 @@ class HatchParser {
       edge.control_points.push_back(XY(10));
       if (rational && i_ < end_ && Code() == 42) ++i_;
     }
-    // Fit data: "97 count" followed by fit points, or by the tangents.
+    // Fit data: "97 count" followed by fit points, or by the tangents. A
+    // count of none may be followed by the next edge or by the path's own
+    // "97" count of source objects.
     if (i_ + 1 < end_ && Code() == 97) {
       int next = s_.tags[i_ + 1].code;
       int64_t fits = 0;
       ParseInt(s_.tags[i_].value, fits);
-      if ((fits > 0 && next == 11) || next == 12 || next == 72) {
+      if ((fits > 0 && next == 11) || next == 12 || next == 13 || next == 72 ||
+          (fits == 0 && next == 97)) {
         ++i_;
         for (int64_t k = 0; k < fits; ++k) XY(11);
         if (i_ < end_ && Code() == 12) XY(12);

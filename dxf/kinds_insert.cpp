@@ -19,8 +19,19 @@ const FieldTable<MemBlockReference> kInsertFields = {
       RealOrF(42, &MemBlockReference::sy_, 1),
       RealOrF(43, &MemBlockReference::sz_, 1),
       DegreesOrF(50, &MemBlockReference::rotation_),
+      IntOrF(70, &MemBlockReference::columns_, 1),
+      IntOrF(71, &MemBlockReference::rows_, 1),
+      RealOrF(44, &MemBlockReference::column_spacing_, 0),
+      RealOrF(45, &MemBlockReference::row_spacing_, 0),
       NormalF(&MemBlockReference::normal_)}},
 };
+
+// Arrayed inserts (MINSERT) name their group AcDbMInsertBlock.
+constexpr std::string_view kArrayMarker = "AcDbMInsertBlock";
+
+bool IsArray(const Shape& s) {
+  return s.has_markers && s.Find(kArrayMarker) != nullptr;
+}
 
 // Seen from above, an insert in a plane facing down is mirrored in X.
 void InsertToPlane(MemBlockReference& e) {
@@ -28,19 +39,25 @@ void InsertToPlane(MemBlockReference& e) {
   e.rotation_ = -e.rotation_;
   e.sx_ = -e.sx_;
   e.sz_ = -e.sz_;
+  e.column_spacing_ = -e.column_spacing_;
 }
 
 std::unique_ptr<MemEntity> ReadInsert(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<MemBlockReference>();
-  ReadFields(kInsertFields, s, ctx.codec, *e);
+  ReadFields(kInsertFields[0],
+             IsArray(s) ? kArrayMarker : kInsertFields[0].marker, s, ctx.codec,
+             *e);
   if (e->block_name_.empty())
     throw DxfError(s.Line(), "the INSERT has no block name (group code 2)");
   if (FacesDown(e->normal_)) InsertToPlane(*e);
   return e;
 }
-void InsertFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
+void InsertFields(MemEntity& me, const WriteContext& ctx, WritePlan& plan) {
   auto& e = static_cast<MemBlockReference&>(me);
-  FieldGroup& g = plan.groups.emplace_back(kInsertFields[0].marker);
+  bool array = ctx.original != nullptr ? IsArray(*ctx.original)
+                                       : e.columns_ > 1 || e.rows_ > 1;
+  FieldGroup& g =
+      plan.groups.emplace_back(array ? kArrayMarker : kInsertFields[0].marker);
   bool attributes = false;
   for (auto* a : e.Attributes()) attributes = attributes || !a->IsErased();
   g.IntOr(66, attributes ? 1 : 0, 0);

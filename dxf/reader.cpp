@@ -37,6 +37,23 @@ std::string Quoted(std::string_view s) {
   return out + (s.size() > 60 ? "...\"" : "\"");
 }
 
+// Versions are "AC" and a four-digit number; releases before R12 wrote
+// others ("AC2.10") or numbers below 1009.
+void CheckVersion(const std::string& version, uint32_t line) {
+  int number = VersionNumber(version);
+  if (number < 0)
+    throw DxfError(line,
+                   "$ACADVER should name a DXF version such as AC1015, found " +
+                       Quoted(version) +
+                       (version.substr(0, 2) == "AC"
+                            ? "; drawings from before R12 are not read"
+                            : ""));
+  if (number < kVersionR12)
+    throw DxfError(line, "the drawing is DXF version " + version +
+                             ", from before R12; kestrana reads R12 (AC1009) "
+                             "and later");
+}
+
 class Reader {
  public:
   Reader(MemDocument& doc, std::shared_ptr<FileImage> image)
@@ -174,8 +191,6 @@ void Reader::Run() {
   std::string_view text = img_.buffer;
   if (text.empty())
     throw DxfError(1, "the file is empty; expected a DXF drawing");
-  if (text.substr(0, 18) == "AutoCAD Binary DXF")
-    throw DxfError(1, "this is a binary DXF file; only ASCII DXF can be read");
   size_t nl = text.find('\n');
   img_.eol = nl != std::string_view::npos && nl > 0 && text[nl - 1] == '\r'
                  ? "\r\n"
@@ -301,15 +316,12 @@ void Reader::ReadHeader(SectionImage& section) {
     };
     if (var.name == "$ACADVER") {
       img_.version = std::string(first().value);
-      if (img_.version.size() != 6 || img_.version.substr(0, 2) != "AC")
-        throw DxfError(
-            first().line + 1,
-            "$ACADVER should name a DXF version such as AC1015, found " +
-                Quoted(img_.version));
-      if (img_.version < "AC1015")
-        throw DxfError(first().line + 1,
-                       "the drawing is DXF version " + img_.version +
-                           "; kestrana reads R2000 (AC1015) and later");
+      CheckVersion(img_.version, first().line + 1);
+    } else if (var.name == "$HANDLING") {
+      int64_t handling = 1;
+      ParseInt(first().value, handling);
+      img_.handles =
+          handling != 0 || VersionNumber(img_.version) >= kVersionR13;
     } else if (var.name == "$DWGCODEPAGE") {
       img_.codepage = std::string(first().value);
     } else if (var.name == "$HANDSEED") {
@@ -345,8 +357,11 @@ void Reader::ReadRawSection(SectionImage& section) {
     if (tag_.value == "SECTION" || tag_.value == "EOF")
       Unexpected(
           ("0 ENDSEC to close the " + section.name + " section").c_str());
+    size_t begin = tag_.offset;
     ReadShape();
     ReserveRaw(shape_.handle, shape_.Line());
+    section.objects.push_back(
+        {{begin, shape_.end_offset}, shape_.handle, shape_.owner});
   }
 }
 
@@ -495,6 +510,11 @@ void Reader::ReadBlocks(SectionImage& section) {
     if (shape_.owner != 0)
       block = dynamic_cast<MemBlock*>(doc_.FindByHandle(shape_.owner));
     if (block == nullptr) block = doc_.FindBlock(name);
+    // R12 names the layouts' blocks $MODEL_SPACE and $PAPER_SPACE.
+    if (block == nullptr && StartsWithNoCase(name, "$MODEL_SPACE"))
+      block = &doc_.ModelSpaceBlock();
+    if (block == nullptr && StartsWithNoCase(name, "$PAPER_SPACE"))
+      block = &doc_.PaperSpaceBlock();
     if (block == nullptr) block = &doc_.AddBlock(name, origin);
     ObjectRecord* record = RecordOf(*block);
     if (record == nullptr) {
@@ -503,7 +523,12 @@ void Reader::ReadBlocks(SectionImage& section) {
     }
     if (!record->begin_span.Empty())
       throw DxfError(line, "the block " + Quoted(name) + " is defined twice");
-    ReserveRaw(begin_handle, line);
+    // Before R13 a block has no record of its own: it takes the handle of
+    // its BLOCK entity.
+    if (VersionNumber(img_.version) < kVersionR13 && !FromFile(*block))
+      Claim(*block, begin_handle, line);
+    else
+      ReserveRaw(begin_handle, line);
     block->origin_ = origin;
     block->is_xref_ = (flags & 4) != 0;
     if (StartsWithNoCase(name, "*Paper_Space") ||
@@ -607,6 +632,7 @@ void Reader::ReadEntity(MemBlock* owner) {
     }
   } else if (type == "POLYLINE") {
     // Vertices and the SEQEND stay with the polyline, as read.
+    PolylineOutline outline(shape_);
     size_t follow_begin = tag_.offset;
     while (tag_.code == 0 &&
            (tag_.value == "VERTEX" || tag_.value == "SEQEND")) {
@@ -614,7 +640,10 @@ void Reader::ReadEntity(MemBlock* owner) {
       ReadShape();
       reserve_shape_handle();
       if (seqend) break;
+      outline.AddVertex(shape_);
     }
+    if (auto* other = dynamic_cast<memhost::MemOtherEntity*>(&e))
+      outline.Finish(*other);
     if (follow_begin < tag_.offset)
       RecordOf(e)->end_span = {follow_begin, tag_.offset};
   }
@@ -640,8 +669,11 @@ void Reader::Finish() {
     seed = std::max(seed, obj->HandleValue() + 1);
   for (MemObject* obj : doc_.TextStyleList())
     seed = std::max(seed, obj->HandleValue() + 1);
-  for (MemObject* obj : doc_.BlockList())
-    seed = std::max(seed, obj->HandleValue() + 1);
+  // Block records came with R13; before, a block's own handle is written
+  // nowhere.
+  if (VersionNumber(img_.version) >= kVersionR13)
+    for (MemObject* obj : doc_.BlockList())
+      seed = std::max(seed, obj->HandleValue() + 1);
   doc_.SetHandleSeed(seed);
 
   for (auto& pending : ctx_.pending_sources) {
@@ -688,7 +720,13 @@ void Reader::Finish() {
 
 void ReadDxf(MemDocument& doc, std::string text) {
   auto image = std::make_shared<FileImage>();
-  image->buffer = std::move(text);
+  if (IsBinaryDxf(text)) {
+    BinaryForm form;
+    image->buffer = BinaryToText(text, form);
+    image->binary = std::move(form);
+  } else {
+    image->buffer = std::move(text);
+  }
   {
     MemDocument::LoadScope scope(doc);
     Reader reader(doc, image);

@@ -226,8 +226,8 @@ bool ParseInt(std::string_view text, int64_t& out) {
 
 bool ParseHandle(std::string_view text, uint64_t& out) {
   text = Trim(text);
-  // Handles stay below 2^60 so that new ones can always follow.
-  if (text.empty() || text.size() > 15) return false;
+  // 64-bit handles, as AutoCAD writes them: up to 16 hexadecimal digits.
+  if (text.empty() || text.size() > 16) return false;
   auto [ptr, ec] =
       std::from_chars(text.data(), text.data() + text.size(), out, 16);
   return ec == std::errc() && ptr == text.data() + text.size();
@@ -275,6 +275,16 @@ std::string FormatReal(double value) {
   std::string s(buf, ptr);
   if (s.find_first_of(".en") == std::string::npos) s += ".0";
   return s;
+}
+
+int VersionNumber(std::string_view version) {
+  if (version.size() != 6 || version.substr(0, 2) != "AC") return -1;
+  int number = 0;
+  for (char c : version.substr(2)) {
+    if (c < '0' || c > '9') return -1;
+    number = number * 10 + (c - '0');
+  }
+  return number;
 }
 
 std::string FormatHandle(uint64_t handle) {

@@ -79,6 +79,16 @@ bool ParseHandle(std::string_view text, uint64_t& out);
 // Shortest text that reads back as the same double, with a decimal point.
 // InvalidInputError for NaN and infinities, which no reader takes.
 std::string FormatReal(double value);
+
+// DXF versions by the number in $ACADVER ("AC1015" is 1015).
+constexpr int kVersionR12 = 1009;
+constexpr int kVersionR13 = 1012;
+constexpr int kVersionR14 = 1014;
+constexpr int kVersionR2000 = 1015;
+constexpr int kVersionR2007 = 1021;
+// The number of a version text "AC" + four digits, or -1 for any other
+// text (releases before R12 wrote "AC2.10" and the like).
+int VersionNumber(std::string_view version);
 std::string FormatHandle(uint64_t handle);
 
 // Appends tags in the usual layout: group code right-aligned in three

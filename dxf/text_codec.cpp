@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <unordered_map>
 
+#include "dxf/tags.h"
 #include "memhost/utf8.h"
 
 namespace kestrana::dxf {
@@ -144,8 +145,7 @@ struct TextCodec::Page {
 };
 
 bool IsUtf8Version(std::string_view version) {
-  return version.size() == 6 && version.substr(0, 2) == "AC" &&
-         version >= "AC1021";
+  return VersionNumber(version) >= kVersionR2007;
 }
 
 TextCodec TextCodec::For(std::string_view version, std::string_view codepage) {

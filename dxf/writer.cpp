@@ -1,6 +1,7 @@
 #include "dxf/writer.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "dxf/image.h"
@@ -9,6 +10,7 @@
 #include "dxf/records.h"
 #include "dxf/shape.h"
 #include "dxf/template.h"
+#include "dxf/upgrade.h"
 
 namespace kestrana::dxf {
 
@@ -47,6 +49,7 @@ class Writer {
   void Header(const SectionImage& s);
   void Tables(const SectionImage& s);
   void Table(const TableImage& t);
+  void NewTableHead(const TableImage& t, size_t count);
   void Blocks(const SectionImage& s);
   void Entities();
   void WriteEntity(MemEntity& e, uint64_t owner, bool paper);
@@ -57,6 +60,12 @@ class Writer {
                      uint64_t owner, Fill fill, bool moved = false);
   bool LoadOriginal(const Span& span, Shape& shape, int handle_code = 5) const;
   void Raw(const Span& s) { w_.Raw(img_.Bytes(s)); }
+  // An object of an R12 file without handles is written without one.
+  bool KeepsNoHandle(const ObjectRecord& r) const {
+    return r.handle == 0 && !img_.handles;
+  }
+  // A section kept as read, less the objects whose owner was erased.
+  void RawSection(const SectionImage& s);
 
   MemDocument& doc_;
   FileImage& img_;
@@ -91,15 +100,19 @@ void Writer::Prepare() {
       r.begin_handle = NewHandle();
     if (r.end_handle == 0 && r.end_span.Empty()) r.end_handle = NewHandle();
     for (MemEntity* e : b->MemEntities()) {
-      auto own_handle = [](MemEntity& part) {
+      auto own_handle = [&](MemEntity& part) {
         ObjectRecord* pr = RecordOf(part);
-        if (pr != nullptr && pr->read && pr->handle != part.HandleValue()) {
+        if (pr != nullptr && pr->read && pr->handle != part.HandleValue() &&
+            !KeepsNoHandle(*pr)) {
           // A copy (or an entity the file gave no handle): its own handle,
-          // its own SEQEND.
+          // and an insert its own SEQEND. A classic polyline keeps the
+          // vertices it was read with.
           pr->copied = true;
           pr->hash = 0;
-          pr->end_span = {};
-          pr->end_handle = 0;
+          if (part.AsBlockReference() != nullptr) {
+            pr->end_span = {};
+            pr->end_handle = 0;
+          }
           pr->handle = part.HandleValue();
         }
       };
@@ -122,6 +135,10 @@ void Writer::Prepare() {
     if (s.kind == SectionImage::Kind::kTables) tables = &s;
   if (tables == nullptr) return;
   for (const char* name : {"LAYER", "STYLE", "APPID", "BLOCK_RECORD"}) {
+    // Block records came with R13.
+    if (std::string_view(name) == "BLOCK_RECORD" &&
+        VersionNumber(img_.version) < kVersionR13)
+      continue;
     bool found = false;
     for (const auto& t : tables->tables) found = found || t.name == name;
     if (!found) {
@@ -152,7 +169,7 @@ std::string Writer::Run() {
   for (const SectionImage& s : img_.sections) {
     switch (s.kind) {
       case SectionImage::Kind::kRaw:
-        Raw(s.span);
+        RawSection(s);
         break;
       case SectionImage::Kind::kHeader:
         Header(s);
@@ -177,6 +194,52 @@ std::string Writer::Run() {
   return std::move(out_);
 }
 
+// ----------------------------------------------------------- raw sections
+
+void Writer::RawSection(const SectionImage& s) {
+  if (s.objects.empty()) {
+    Raw(s.span);
+    return;
+  }
+  // An object goes with its owner, as in the CAD program: an erased
+  // entity's extension dictionary, the records in that dictionary, ...
+  std::unordered_map<uint64_t, const RawObject*> by_handle;
+  for (const RawObject& o : s.objects)
+    if (o.handle != 0) by_handle.emplace(o.handle, &o);
+  std::unordered_map<uint64_t, bool> dead;
+  auto is_dead = [&](uint64_t handle) {
+    std::vector<uint64_t> chain;
+    bool result = false;
+    // Up the owners until one is known, erased, live or outside.
+    while (true) {
+      if (auto it = dead.find(handle); it != dead.end()) {
+        result = it->second;
+        break;
+      }
+      auto raw = by_handle.find(handle);
+      if (raw == by_handle.end()) {
+        MemObject* obj = doc_.FindByHandle(handle);
+        result = obj != nullptr && obj->IsErased();
+        break;
+      }
+      chain.push_back(handle);
+      handle = raw->second->owner;
+      if (handle == 0 || chain.size() > by_handle.size()) break;  // a loop
+    }
+    for (uint64_t h : chain) dead[h] = result;
+    return result;
+  };
+  size_t at = s.span.begin;
+  for (const RawObject& o : s.objects) {
+    bool drop = o.owner != 0 && is_dead(o.owner);
+    if (o.handle != 0) dead[o.handle] = drop;
+    if (!drop) continue;
+    Raw({at, o.span.begin});
+    at = o.span.end;
+  }
+  Raw({at, s.span.end});
+}
+
 // ----------------------------------------------------------------- header
 
 void Writer::Header(const SectionImage& s) {
@@ -198,7 +261,10 @@ void Writer::Header(const SectionImage& s) {
     w_.Point(10, p.x, p.y, p.z);
   };
   for (const HeaderVar& var : s.vars) {
-    if (var.name == "$HANDSEED") {
+    if (var.name == "$ACADVER" && !img_.upgraded_from.empty()) {
+      w_.Text(9, "$ACADVER");
+      w_.Text(1, img_.version);
+    } else if (var.name == "$HANDSEED") {
       wrote_seed = true;
       Shape shape;
       uint64_t old = 0;
@@ -240,7 +306,7 @@ void Writer::Header(const SectionImage& s) {
       Raw(var.span);
     }
   }
-  if (!wrote_seed) w_.Text(9, "$HANDSEED"), w_.Handle(5, seed);
+  if (!wrote_seed && img_.handles) w_.Text(9, "$HANDSEED"), w_.Handle(5, seed);
   if (!wrote_layer && clayer != "0")
     w_.Text(9, "$CLAYER"), w_.Text(8, codec.Encode(clayer));
   if (!wrote_style && style != "Standard")
@@ -261,7 +327,9 @@ bool Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
   // A copy, an object the file gave no handle, or an entity that now lives
   // in another block than its file said gets a head of its own.
   bool fresh =
-      r != nullptr && (r->copied || r->handle != obj.HandleValue() || moved);
+      r != nullptr &&
+      (r->copied || (r->handle != obj.HandleValue() && !KeepsNoHandle(*r)) ||
+       moved);
   bool xdata_as_read = r != nullptr && r->xdata_version == obj.XDataVersion();
   if (r != nullptr && r->read && !fresh && r->hash == hash && xdata_as_read) {
     Raw(r->span);
@@ -287,11 +355,25 @@ void Writer::Tables(const SectionImage& s) {
   Raw(s.tail);
 }
 
+void Writer::NewTableHead(const TableImage& t, size_t count) {
+  w_.Text(0, "TABLE");
+  w_.Text(2, t.name);
+  w_.Handle(5, t.handle);
+  w_.Text(330, "0");
+  w_.Text(100, "AcDbSymbolTable");
+  w_.Int(70, static_cast<int64_t>(count));
+}
+
 void Writer::Table(const TableImage& t) {
   bool modelled = t.name == "LAYER" || t.name == "STYLE" || t.name == "APPID" ||
                   t.name == "BLOCK_RECORD";
   if (!modelled) {
-    Raw({t.head.begin, t.tail.end});
+    if (t.head_anew) {
+      NewTableHead(t, t.count_read);
+      Raw({t.head.end, t.tail.end});
+    } else {
+      Raw({t.head.begin, t.tail.end});
+    }
     return;
   }
   std::string body;
@@ -365,13 +447,8 @@ void Writer::Table(const TableImage& t) {
   }
   std::swap(body, out_);
 
-  if (t.head.Empty()) {
-    w_.Text(0, "TABLE");
-    w_.Text(2, t.name);
-    w_.Handle(5, t.handle);
-    w_.Text(330, "0");
-    w_.Text(100, "AcDbSymbolTable");
-    w_.Int(70, static_cast<int64_t>(count));
+  if (t.head.Empty() || t.head_anew) {
+    NewTableHead(t, count);
   } else if (count == t.count_read) {
     Raw(t.head);
   } else {
@@ -517,7 +594,16 @@ std::string WriteDxf(MemDocument& doc) {
     for (auto* l : doc.LayerList()) from_state(*l);
     for (auto* s : doc.TextStyleList()) from_state(*s);
   }
-  return Writer(doc, *ImageOf(doc)).Run();
+  FileImage& image = *ImageOf(doc);
+  std::string text = Writer(doc, image).Run();
+  // An old drawing the logic changed: its own version cannot hold what
+  // was added.
+  if (VersionNumber(image.version) < kVersionR2000 && text != image.buffer) {
+    UpgradeToR2000(doc, image);
+    text = Writer(doc, image).Run();
+  }
+  if (image.binary) return TextToBinary(text, *image.binary);
+  return text;
 }
 
 }  // namespace kestrana::dxf

@@ -105,6 +105,24 @@ Affine MemBlockReference::BlockTransform() const {
   return Affine::Insert(origin, insertion_, sx_, sy_, sz_, rotation_);
 }
 
+std::vector<Affine> MemBlockReference::CellTransforms() const {
+  Affine base = BlockTransform();
+  // A corrupt count must not make millions of copies.
+  constexpr int kMaxCells = 10000;
+  int columns = std::max(1, columns_), rows = std::max(1, rows_);
+  if (static_cast<int64_t>(columns) * rows > kMaxCells) columns = rows = 1;
+  std::vector<Affine> cells;
+  cells.reserve(static_cast<size_t>(columns) * rows);
+  double c = std::cos(rotation_), s = std::sin(rotation_);
+  for (int r = 0; r < rows; ++r)
+    for (int k = 0; k < columns; ++k) {
+      double dx = k * column_spacing_, dy = r * row_spacing_;
+      cells.push_back(
+          base.Then(Affine::Translation(c * dx - s * dy, s * dx + c * dy)));
+    }
+  return cells;
+}
+
 void MemBlockReference::AttachAttribute(MemAttributeReference& attribute) {
   attribute.insert_ = this;
   attribute.owner_ = owner_;
@@ -138,8 +156,11 @@ void MemBlockReference::AddExtents(const Affine& m, Box2& box) const {
   MemBlock* block = doc_->FindBlock(block_name_);
   if (block != nullptr && g_extent_depth < 16) {
     ++g_extent_depth;
-    Affine t = BlockTransform().Then(PlaneThen(normal_, insertion_.z, m));
-    for (MemEntity* e : block->MemEntities()) e->AddExtents(t, box);
+    Affine plane = PlaneThen(normal_, insertion_.z, m);
+    for (const Affine& cell : CellTransforms()) {
+      Affine t = cell.Then(plane);
+      for (MemEntity* e : block->MemEntities()) e->AddExtents(t, box);
+    }
     --g_extent_depth;
   }
   for (const MemAttributeReference* a : attributes_)
@@ -160,6 +181,9 @@ void MemOtherEntity::Transform(const Affine& m) {
 
 void MemOtherEntity::AddExtents(const Affine& m, Box2& box) const {
   for (const Point3& p : extent_points_) AddPoint(m, p, box);
+  for (const Outline& o : outlines_)
+    for (const Point3& p : o.points) AddPoint(m, p, box);
+  for (const Label& l : labels_) AddPoint(m, l.at, box);
 }
 
 std::unique_ptr<MemEntity> MemOtherEntity::CloneState() const {

@@ -28,6 +28,9 @@ class MemBlockReference final : public EntityImpl<host::BlockReference> {
 
   // The transform from block coordinates to the owner's coordinates.
   Affine BlockTransform() const;
+  // One transform per copy of an arrayed insert (MINSERT), row by row;
+  // BlockTransform alone for a plain one.
+  std::vector<Affine> CellTransforms() const;
   const std::vector<MemAttributeReference*>& Attributes() const {
     return attributes_;
   }
@@ -41,6 +44,10 @@ class MemBlockReference final : public EntityImpl<host::BlockReference> {
   Point3 insertion_;
   double rotation_ = 0;
   double sx_ = 1, sy_ = 1, sz_ = 1;
+  // An arrayed insert repeats the block in a grid turned with the insert;
+  // spacings are in the owner's units.
+  int columns_ = 1, rows_ = 1;
+  double column_spacing_ = 0, row_spacing_ = 0;
   // A reference facing down is held as the mirrored insert it shows (X and
   // Z scales turned over); a tilted one keeps its plane's values.
   Point3 normal_{0, 0, 1};
@@ -78,6 +85,26 @@ class MemOtherEntity final : public EntityImpl<host::OtherEntity> {
   std::string object_name_;
   // Points that stand for the entity's extent, when the reader knows them.
   std::vector<Point3> extent_points_;
+
+  // What a picture shows of the entity, when the reader knows it, in world
+  // coordinates: lines through points, texts, and a block drawn in place
+  // (a dimension's).
+  struct Outline {
+    std::vector<Point3> points;
+    bool closed = false;
+  };
+  struct Label {
+    std::string text;  // lines split at "\n"
+    Point3 at;         // top left of the first line
+    double height = 1;
+    double rotation = 0;  // radians
+  };
+  std::vector<Outline> outlines_;
+  std::vector<Label> labels_;
+  std::string picture_block_;
+  bool HasPicture() const {
+    return !outlines_.empty() || !labels_.empty() || !picture_block_.empty();
+  }
 };
 
 }  // namespace kestrana::memhost

@@ -558,13 +558,15 @@ MemObject& MemDocument::RegisterObject(std::unique_ptr<MemObject> object,
 }
 
 uint64_t MemDocument::NextHandle() {
-  while (by_handle_.contains(next_handle_)) ++next_handle_;
+  // Past the largest 64-bit handle the count starts again at 1, skipping
+  // the handles in use.
+  while (next_handle_ == 0 || by_handle_.contains(next_handle_)) ++next_handle_;
   return next_handle_++;
 }
 
 uint64_t MemDocument::HandleSeed() const {
   uint64_t h = next_handle_;
-  while (by_handle_.contains(h)) ++h;
+  while (h == 0 || by_handle_.contains(h)) ++h;
   return h;
 }
 

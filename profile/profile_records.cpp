@@ -31,6 +31,15 @@ core::Record ReadPipeRecord(const host::Object& pipe) {
   return core::ReadRecordWithFields(pipe, core::kPipeRecordLength, "pipe");
 }
 
+// The stamp's field 1: its kind, then the profile's network and name.
+std::string StampLabel(const core::Record& profile) {
+  const std::string combined = profile.Text(ProfileField::kCombinedLabel);
+  return core::CombinedLabel{kStampKind,
+                             General::EntityNetworkFromCombined(combined),
+                             General::EntityLabelFromCombined(combined)}
+      .Format();
+}
+
 // "1" for a switch that is on, as the record stores it.
 std::string SwitchText(bool on) { return on ? "1" : "0"; }
 
@@ -72,7 +81,8 @@ void AppendToPipe(host::Document& document, const std::string& pipe_oid,
 
 // The stamp stands in the middle of the profile, a quarter of its height
 // tall and never wider than the profile.
-void AddStamp(host::Document& document, const host::Entity& profile_block) {
+void AddStamp(host::Document& document, const host::Entity& profile_block,
+              const core::Record& profile) {
   host::Layer* layer = document.GetLayers().Find(kStampLayer);
   if (layer == nullptr) {
     layer = &document.GetLayers().Add(kStampLayer);
@@ -90,6 +100,13 @@ void AddStamp(host::Document& document, const host::Entity& profile_block) {
   stamp.SetLayer(kStampLayer);
   stamp.SetAlignment(host::TextAlignment::kMiddleCenter);
   stamp.SetTextAlignmentPoint(middle);
+  // The stamp names its profile, so that it goes when the profile does.
+  core::Record link = core::Record::WithCodes(kStampRecordCodes);
+  link.SetText(StampField::kCombinedLabel, StampLabel(profile));
+  link.SetText(StampField::kElementType, kStampKind);
+  link.SetText(StampField::kProfileOIDRef,
+               core::ReferenceEntry(core::IdText(profile_block.ObjectID())));
+  link.Write(stamp);
 }
 
 }  // namespace
@@ -195,7 +212,7 @@ void Profile::FlagProfileForUpdate(host::Document& document,
   if (record.Int16(ProfileField::kUpdateFlag) == kNeedsUpdate) return;
   record.SetInt16(ProfileField::kUpdateFlag, kNeedsUpdate);
   record.Write(block);
-  AddStamp(document, block);
+  AddStamp(document, block, record);
 }
 
 void Profile::FlagProfilesRelatedToCrossingPoints(
@@ -210,6 +227,31 @@ void Profile::FlagProfilesRelatedToCrossingPoints(
         FlagProfileForUpdate(document, profile_oid);
     }
   }
+}
+
+void Profile::DeleteProfileStamps(host::Document& document,
+                                  const host::Entity& profile_block) {
+  const core::Record profile = ReadProfileRecord(profile_block);
+  // Only a flagged profile has a stamp.
+  if (profile.Int16(ProfileField::kUpdateFlag) != kNeedsUpdate) return;
+  const std::string label = StampLabel(profile);
+  const std::string id_ref =
+      core::ReferenceEntry(core::IdText(profile_block.ObjectID()));
+  host::SelectionSet& set =
+      General::InitializeSelectionSet(document, "SetProfileStamps");
+  set.Select(host::SelectMode::kAll, {}, {},
+             {{core::code::kAppName, host::XValue(std::string(core::kAppName))},
+              {core::code::kLayer, host::XValue(std::string(kStampLayer))}});
+  for (host::Entity* stamp : set.Entities()) {
+    const std::optional<core::Record> link = core::Record::Read(*stamp);
+    if (!link || !link->Has(StampField::kProfileOIDRef) ||
+        link->Text(StampField::kElementType) != kStampKind)
+      continue;
+    if (link->Text(StampField::kCombinedLabel) == label ||
+        link->Text(StampField::kProfileOIDRef) == id_ref)
+      if (!stamp->Erased()) stamp->Delete();
+  }
+  set.Delete();
 }
 
 host::SelectionSet& Profile::GetExistingProfileSet(host::Document& document,

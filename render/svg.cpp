@@ -117,12 +117,19 @@ double EdgeSweep(double start, double end, bool counter_clockwise) {
 
 class Collector {
  public:
-  Collector(MemDocument& doc, const Options& options) : doc_(doc) {
+  Collector(MemDocument& doc, const Options& options)
+      : doc_(doc), progress_(options.progress) {
     for (const std::string& name : options.layers) filter_.insert(Upper(name));
   }
 
   void Walk(const MemBlock& block, const Context& ctx, bool root) {
-    for (MemEntity* e : block.MemEntities()) Draw(*e, ctx, root);
+    const auto entities = block.MemEntities();
+    size_t done = 0;
+    for (MemEntity* e : entities) {
+      Draw(*e, ctx, root);
+      // Only the drawn block's own entities count, not those of inserts.
+      if (root && progress_) progress_(++done, entities.size());
+    }
   }
 
   std::vector<Prim>& Prims() { return prims_; }
@@ -281,9 +288,64 @@ class Collector {
         return Text(LookOf(shown, shown.text_),
                     Tilted(shown.normal_, shown.insertion_.z, m), color, tags);
       }
-      default:
-        ++skipped_[e.AsHostEntity().EntityName()];
+      default: {
+        auto* other = dynamic_cast<memhost::MemOtherEntity*>(&e);
+        if (other == nullptr || !other->HasPicture()) {
+          ++skipped_[e.AsHostEntity().EntityName()];
+          return;
+        }
+        return Picture(*other, ctx, layer, color, tags);
+      }
+    }
+  }
+
+  // What the reader made of a kind the model keeps as read.
+  void Picture(memhost::MemOtherEntity& e, const Context& ctx,
+               const std::string& layer, const std::string& color,
+               const std::string& tags) {
+    for (const auto& outline : e.outlines_) {
+      PathBuilder path(ctx.m);
+      path.MoveTo(outline.points.front());
+      for (size_t i = 1; i < outline.points.size(); ++i)
+        path.LineTo(outline.points[i]);
+      if (outline.closed) path.Close();
+      Element("<path" + Attr("d", path.Data()) + Attr("stroke", color) + tags +
+                  "/>",
+              path.Extent());
+    }
+    for (const auto& label : e.labels_) {
+      double c = std::cos(label.rotation), sn = std::sin(label.rotation);
+      double line_step = 1.667 * label.height;
+      size_t start = 0;
+      for (int n = 0; start <= label.text.size(); ++n) {
+        size_t end = label.text.find('\n', start);
+        if (end == std::string::npos) end = label.text.size();
+        memhost::MemText line;
+        line.text_ = label.text.substr(start, end - start);
+        line.height_ = label.height;
+        line.rotation_ = label.rotation;
+        line.alignment_ = host::TextAlignment::kTopLeft;
+        line.alignment_point_ = {label.at.x + sn * line_step * n,
+                                 label.at.y - c * line_step * n, label.at.z};
+        line.insertion_ = line.alignment_point_;
+        if (!line.text_.empty())
+          Text(LookOf(line, line.text_), ctx.m, color, tags);
+        start = end + 1;
+      }
+    }
+    if (!e.picture_block_.empty()) {
+      MemBlock* block = doc_.FindBlock(e.picture_block_);
+      if (block == nullptr ||
+          std::count(stack_.begin(), stack_.end(), block) > 0 ||
+          static_cast<int>(stack_.size()) >= kMaxDepth) {
+        ++skipped_[e.EntityName() + " without its block"];
         return;
+      }
+      // A dimension's block holds world values: drawn where it stands.
+      stack_.push_back(block);
+      Walk(*block, Context{ctx.m, layer, IndexColor(e, Layer(layer), ctx)},
+           false);
+      stack_.pop_back();
     }
   }
 
@@ -308,9 +370,9 @@ class Collector {
       ++skipped_["INSERT of a block inside itself"];
     } else {
       stack_.push_back(block);
-      Affine to_owner = ref.BlockTransform().Then(
-          Tilted(ref.normal_, ref.insertion_.z, ctx.m));
-      Walk(*block, Context{to_owner, layer, color}, false);
+      Affine plane = Tilted(ref.normal_, ref.insertion_.z, ctx.m);
+      for (const Affine& cell : ref.CellTransforms())
+        Walk(*block, Context{cell.Then(plane), layer, color}, false);
       stack_.pop_back();
     }
     // Attributes live in the insert's own space and take its colour ByBlock.
@@ -552,6 +614,7 @@ class Collector {
   }
 
   MemDocument& doc_;
+  const std::function<void(size_t, size_t)>& progress_;
   std::set<std::string> filter_;
   std::unordered_map<std::string, LayerState> layers_;
   std::vector<const MemBlock*> stack_;
@@ -657,8 +720,13 @@ Result RenderSvg(MemDocument& doc, const Options& options) {
                                   Num(options.window->y2)
                             : std::string();
     std::string on = layers_note.empty() ? "" : " on layers " + layers_note;
+    // Say what the drawing holds that cannot be drawn.
+    std::string skipped;
+    for (const auto& [kind, count] : result.skipped)
+      skipped += (skipped.empty() ? "; not drawn: " : ", ") +
+                 std::to_string(count) + " " + kind;
     throw std::runtime_error("no entities to draw" + where + " (" + what + on +
-                             ")");
+                             ")" + skipped);
   }
   if (!options.window) {
     double size =

@@ -50,6 +50,15 @@ class BadInput : public test::CommandTest {
             "--label", "P-1", option, value};
   }
 
+  // The Standard style as a style file, so style names are judged on a
+  // file that would otherwise be taken.
+  std::string StyleFile() {
+    const std::string file = (dir_ / "standard.style").string();
+    EXPECT_EQ(Run({"style", "export", path_, "Standard", "-o", file}), 0)
+        << err_.str();
+    return file;
+  }
+
   std::string path_;
 };
 
@@ -77,13 +86,14 @@ TEST_F(BadInput, NumbersADrawingCannotHoldAreRefusedWithTheirRange) {
 
 TEST_F(BadInput, NamesThatWouldBreakLayersOrFilesAreRefused) {
   const std::string tab_in = "N\t1";
+  const std::string style_file = StyleFile();
   for (const std::string& bad :
        {std::string("A\nB"), std::string("A\rB"), std::string(""),
         std::string(" Storm"), std::string("Storm "),
         std::string(core::kLongestName + 1, 'x'), std::string("A;B")}) {
     Refused({"network", "add", path_, bad, "--type", "Gravity"},
             "The network name", 1);
-    Refused({"style", "create", path_, bad, "--from", path_},
+    Refused({"style", "create", path_, bad, "--from", style_file},
             "The view style name", 1);
     Refused({"node", "set", path_, "--network", "Sewer", "--label", "N-1",
              "--new-label", bad},
@@ -107,7 +117,7 @@ TEST_F(BadInput, NetworkAndStyleNamesAreOneNameWithoutLetterCase) {
           "A network named \"Sewer\" already exists (names that differ only "
           "in letter case are the same name)",
           1);
-  Refused({"style", "create", path_, "STANDARD", "--from", path_},
+  Refused({"style", "create", path_, "STANDARD", "--from", StyleFile()},
           "A view style named \"Standard\" already exists", 1);
   // A name typed in another case finds the network: nodes too, which the
   // layer and filter would match but an exact comparison would miss.
@@ -181,9 +191,9 @@ TEST_F(BadInput, EditsThatWouldDoNothingOrLessThanAskedAreRefused) {
 TEST_F(BadInput, AFolderIsNotASurfaceOrStyleFile) {
   const std::string folder = dir_.string();
   Refused({"ground", path_, "--surface", folder, "--networks", "Sewer"},
-          "'" + folder + "' is a folder, not a LandXML file", 1);
+          "'" + folder + "' is a folder, not a LandXML surface file", 1);
   Refused({"style", "create", path_, "Mine", "--from", folder},
-          "'" + folder + "' is a folder, not a style file", 1);
+          "'" + folder + "' is a folder, not a view style file", 1);
 }
 
 TEST_F(BadInput, AFailedDemoLeavesNoFolderBehind) {

@@ -19,6 +19,8 @@
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
 #include "memhost/document.h"
+#include "profile/profile.h"
+#include "profile/profile_record.h"
 #include "support/elements.h"
 
 namespace kestrana::cli {
@@ -368,7 +370,7 @@ TEST_F(EditingCommands, GroundTakesLevelsFromTheSurfaceAndNamesNodesOutside) {
       << out_.str();
   // N-1 (100, 0) and N-2 (150, 0) of the sewer, N-3 (125, 30) of the main.
   EXPECT_NE(err_.str().find("3 nodes lie outside the surface and keep their "
-                            "ground levels: Sewer N-1; Sewer N-2; Water N-3;"),
+                            "ground levels: Sewer N-1, Sewer N-2, Water N-3\n"),
             std::string::npos)
       << err_.str();
   auto doc = Load();
@@ -384,7 +386,7 @@ TEST_F(EditingCommands, GroundRefusals) {
   Converted();
   const std::string surface = Surface();
   Refused({"ground", path_, "--surface", path_, "--networks", "Sewer"},
-          "not well-formed XML");
+          "is not a LandXML surface file");
   Refused({"ground", path_, "--surface", WriteSurface("svg.xml", "<svg/>"),
            "--networks", "Sewer"},
           "not a LandXML file");
@@ -439,6 +441,18 @@ TEST_F(EditingCommands, DemoDesignsTheExampleTown) {
   EXPECT_EQ(crossings, 3);
   EXPECT_GT(
       lowhigh::LowHigh::GetExistingLowHighPointsSet(*doc, "Water").Count(), 0);
+  // The main sewer's profile with its ground from the surface, and a water
+  // main's, each drawn once; the sewer's picture beside the plan.
+  EXPECT_EQ(Bytes(out + "/sewer-profile.png").substr(1, 3), "PNG");
+  EXPECT_EQ(profile::Profile::GetExistingProfileSet(*doc, "Sewer").Count(), 1);
+  EXPECT_EQ(profile::Profile::GetExistingProfileSet(*doc, "Water").Count(), 1);
+  const core::Record sewer = core::Record::ReadRequired(
+      profile::Profile::GetExistingProfileSet(*doc, "Sewer").Item(0));
+  EXPECT_EQ(sewer.Text(profile::ProfileField::kGround), "1;Existing Ground");
+  EXPECT_NE(report.find("Main Sewer  Sewer  1 part  pipes P-2 P-3 P-4 P-5 "
+                        "P-6 P-7"),
+            std::string::npos)
+      << report;
 }
 
 }  // namespace

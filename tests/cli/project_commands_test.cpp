@@ -73,7 +73,7 @@ TEST_F(ProjectCommands, NetworksAreAddedAndListed) {
   ASSERT_EQ(Run({"network", "list", site, "--json"}), 0);
   EXPECT_EQ(out_.str(),
             "[{\"name\": \"Sewer A\", \"type\": \"Gravity\", \"pipes\": 0, "
-            "\"nodes\": 0},\n {\"name\": \"Water 1\", \"type\": "
+            "\"nodes\": 0}, {\"name\": \"Water 1\", \"type\": "
             "\"Pressure\", \"pipes\": 0, \"nodes\": 0}]\n");
   auto doc = dxf::LoadDrawing(site);
   EXPECT_EQ(

@@ -75,8 +75,8 @@ TEST_F(StyleCommands, NewProjectsHoldTheStandardStyleAndLibraries) {
             "* Standard  Standard    2\n");
   EXPECT_EQ(Run({"style", "list", site_, "--json"}), 0);
   EXPECT_EQ(out_.str(),
-            "[{\"name\": \"Standard\", \"active\": true, \"text style\": "
-            "\"Standard\", \"text height\": \"2\"}]\n");
+            "[{\"name\": \"Standard\", \"active\": true, \"text_style\": "
+            "\"Standard\", \"text_height\": 2}]\n");
   EXPECT_EQ(Run({"info", site_}), 0);
   EXPECT_NE(
       out_.str().find("view styles:\n  active: Standard\n  count: 1\n  names: "
@@ -88,11 +88,11 @@ TEST_F(StyleCommands, NewProjectsHoldTheStandardStyleAndLibraries) {
             0u)
       << out_.str();
   EXPECT_EQ(Run({"library", "sizes", site_, "--shape", "Box", "--json"}), 0);
-  EXPECT_EQ(out_.str().rfind(
-                "[{\"shape\": \"Box\", \"size\": \"600 x 600\", \"count\": "
-                "\"0\", \"area\": \"360000\"},\n",
-                0),
-            0u)
+  EXPECT_EQ(
+      out_.str().rfind("[{\"shape\": \"box\", \"span\": 600, \"rise\": 600, "
+                       "\"pipes\": 0, \"area\": 360000}, ",
+                       0),
+      0u)
       << out_.str();
   EXPECT_EQ(Run({"library", "sizes", site_}), 0);
   std::istringstream lines(out_.str());
@@ -238,7 +238,7 @@ TEST_F(StyleCommands, BadStyleFilesAndNamesLeaveTheDrawingAlone) {
             "kestrana style create: The drawing has no text style named "
             "\"Gothic\", which the style file names\n");
   EXPECT_NE(Refused({"style", "create", site_, "X", "--from", Path("none")})
-                .find("cannot read the style file"),
+                .find("cannot open the view style file"),
             std::string::npos);
   EXPECT_EQ(Refused({"style", "show", site_, "X"}),
             "kestrana style show: There is no view style named \"X\" (the "

@@ -296,7 +296,8 @@ class Interop(unittest.TestCase):
         binary = self.path("binary.dxf")
         doc.saveas(binary, fmt="bin")
         with open(binary, "rb") as f:
-            cases["binary.dxf"] = (f.read(), "binary DXF")
+            whole = f.read()
+            cases["binary.dxf"] = (whole[: len(whole) // 2], "binary DXF, byte ")
         for name, (content, message) in cases.items():
             with self.subTest(name=name):
                 path = self.path(name)

@@ -21,7 +21,7 @@ TEST(ReaderErrors, FilesThatAreNotAsciiDxf) {
   EXPECT_EQ(ErrorOf(""), "line 1: the file is empty; expected a DXF drawing");
   EXPECT_EQ(
       ErrorOf(std::string("AutoCAD Binary DXF\r\n\x1a\0", 22) + "\x01\x02"),
-      "line 1: this is a binary DXF file; only ASCII DXF can be read");
+      "binary DXF, byte 22: the file ends inside a text; it is truncated");
   EXPECT_EQ(
       ErrorOf("PK\x03\x04 zipped\nstuff\n"),
       "line 1: expected a group code (a whole number), found 'PK?? zipped'; "
@@ -99,11 +99,10 @@ TEST(ReaderErrors, WrongOrMissingSectionMarkers) {
             "found 0 \"ENDSEC\"");
 }
 
-TEST(ReaderErrors, VersionsBeforeR2000AndFilesWithoutOne) {
-  EXPECT_EQ(ErrorOf(MinimalDxf("", "AC1009")),
-            "line 8: the drawing is DXF version AC1009; kestrana reads R2000 "
-            "(AC1015) "
-            "and later");
+TEST(ReaderErrors, VersionsBeforeR12AndFilesWithoutOne) {
+  EXPECT_EQ(ErrorOf(MinimalDxf("", "AC1006")),
+            "line 8: the drawing is DXF version AC1006, from before R12; "
+            "kestrana reads R12 (AC1009) and later");
   std::string no_version = MinimalDxf("");
   no_version.replace(no_version.find("9\n$ACADVER\n1\nAC1015\n"), 20,
                      "9\n$INSUNITS\n70\n6\n");

@@ -92,7 +92,9 @@ TEST(Values, ParseStrictlyAndNameTheValueLine) {
   EXPECT_EQ(HandleValue(t), 0x1FAu);
   t.value = "G1";
   EXPECT_THROW(HandleValue(t), DxfError);
-  t.value = "1234567890ABCDEF";  // beyond what new handles can follow
+  t.value = "D9B071D01A0CB6A8";  // 64 bits, as AutoCAD writes them
+  EXPECT_EQ(HandleValue(t), 0xD9B071D01A0CB6A8u);
+  t.value = "1D9B071D01A0CB6A8";
   EXPECT_THROW(HandleValue(t), DxfError);
 }
 
