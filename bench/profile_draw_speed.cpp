@@ -204,9 +204,9 @@ int main(int argc, char** argv) {
     for (host::Entity* pipe : edited.pipes) {
       kestrana::core::Record record =
           kestrana::core::Record::ReadRequired(*pipe);
-      record.SetReal(
-          kestrana::core::PipeField::kStartInvert,
-          record.Number(kestrana::core::PipeField::kStartInvert) + 0.05);
+      record.SetReal(kestrana::core::PipeField::kStartInvert,
+                     record.Number(kestrana::core::PipeField::kStartInvert) +
+                         0.05);
       record.Write(*pipe);
       for (const std::string& id : kestrana::core::ReferenceValues(
                record.Text(kestrana::core::PipeField::kProfileOIDRefs)))
@@ -226,10 +226,10 @@ int main(int argc, char** argv) {
     if (round == 0 || f < fresh) fresh = f;
     if (round == 0 || u < update) update = u;
   }
-  std::printf(
-      "%d profiles of %d pipes: drawn fresh %.1fms, update "
-      "--all-flagged after an edit of every pipe %.1fms (%.2fx of "
-      "fresh)\n",
-      kProfiles, kProfilePipes, fresh * 1e3, update * 1e3, update / fresh);
+  std::printf("%d profiles of %d pipes: drawn fresh %.1fms, update "
+              "--all-flagged after an edit of every pipe %.1fms (%.2fx of "
+              "fresh)\n",
+              kProfiles, kProfilePipes, fresh * 1e3, update * 1e3,
+              update / fresh);
   return 0;
 }

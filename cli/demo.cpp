@@ -69,8 +69,8 @@ render::Window PlanWindow(memhost::MemDocument& document) {
     box.Add(b.min.x, b.min.y);
     box.Add(b.max.x, b.max.y);
   }
-  const double margin =
-      0.03 * std::max(box.max_x - box.min_x, box.max_y - box.min_y);
+  const double margin = 0.03 * std::max(box.max_x - box.min_x,
+                                        box.max_y - box.min_y);
   return {box.min_x - margin, box.min_y - margin, box.max_x + margin,
           box.max_y + margin};
 }
@@ -221,10 +221,10 @@ DemoResult Demo(const DemoOptions& options, const fs::path& examples,
   render::Options profile_picture;
   profile_picture.size_px = options.picture_px;
   profile_picture.block = profiles.front().profile.block;
-  WriteOutput(
-      result.profile_picture,
-      render::PictureBytes(render::RenderSvg(*document, profile_picture).svg,
-                           render::PictureFormat::kPng));
+  WriteOutput(result.profile_picture,
+              render::PictureBytes(
+                  render::RenderSvg(*document, profile_picture).svg,
+                  render::PictureFormat::kPng));
   result.report = Report(*document, surface, profiles);
   WriteOutput(result.report_file, result.report);
   return result;

@@ -21,8 +21,7 @@ std::string PointText(const host::Point3& p) {
 
 std::string PipesText(const std::vector<std::string>& pipes) {
   std::string text;
-  for (const std::string& pipe : pipes)
-    text += (text.empty() ? "" : ",") + pipe;
+  for (const std::string& pipe : pipes) text += (text.empty() ? "" : ",") + pipe;
   return text;
 }
 
@@ -34,9 +33,9 @@ std::string Json(const ProfileSummary& p) {
   return "{\"name\": " + JsonString(p.name) +
          ", \"network\": " + JsonString(p.network) +
          ", \"style\": " + JsonString(p.style) +
-         ", \"block\": " + JsonString(p.block) + ", \"pipes\": " + pipes +
-         ", \"at\": [" + core::GeneralText(p.at.x) + ", " +
-         core::GeneralText(p.at.y) + "]" +
+         ", \"block\": " + JsonString(p.block) +
+         ", \"pipes\": " + pipes + ", \"at\": [" + core::GeneralText(p.at.x) +
+         ", " + core::GeneralText(p.at.y) + "]" +
          ", \"plan_annotation\": " + (p.plan_annotation ? "true" : "false") +
          ", \"needs_update\": " + (p.needs_update ? "true" : "false") + "}";
 }
@@ -98,10 +97,10 @@ int RunList(const std::vector<std::string>& args, Io& io) {
   std::vector<std::vector<std::string>> rows{
       {"NAME", "NETWORK", "STYLE", "PIPES", "AT", "UPDATE"}};
   for (const ProfileSummary& p : result.profiles)
-    rows.push_back(
-        {p.name, p.network, p.style,
-         std::to_string(p.pipes.size()) + " (" + PipesText(p.pipes) + ")",
-         PointText(p.at), p.needs_update ? "needed" : "-"});
+    rows.push_back({p.name, p.network, p.style,
+                    std::to_string(p.pipes.size()) + " (" +
+                        PipesText(p.pipes) + ")",
+                    PointText(p.at), p.needs_update ? "needed" : "-"});
   std::vector<size_t> widths(rows.front().size(), 0);
   for (const auto& row : rows)
     for (size_t c = 0; c < row.size(); ++c)

@@ -15,7 +15,7 @@ class Document;
 namespace kestrana::memhost {
 class MemDocument;
 class MemSurface;
-}  // namespace kestrana::memhost
+}
 
 namespace kestrana::commands {
 
@@ -24,7 +24,7 @@ struct ProfileDrawOptions {
   // The network, the run (pipes or line), the start point, the style and
   // the surface, as `profile data` takes them.
   ProfileDataOptions run = {};
-  host::Point3 at = {};              // where the profile block is inserted
+  host::Point3 at = {};  // where the profile block is inserted
   std::optional<double> datum = {};  // unset: from the lowest sump
   bool name_on_plan = false;
   bool stations_on_plan = false;
@@ -35,14 +35,13 @@ struct ProfileSummary {
   std::string name;
   std::string network;
   std::string style;
-  std::string block;               // the block definition's name
-  std::string block_id;            // the block reference's ID
+  std::string block;     // the block definition's name
+  std::string block_id;  // the block reference's ID
   std::vector<std::string> pipes;  // labels in profile order
   host::Point3 at;
   bool needs_update = false;
   bool plan_annotation = false;
-  friend bool operator==(const ProfileSummary&,
-                         const ProfileSummary&) = default;
+  friend bool operator==(const ProfileSummary&, const ProfileSummary&) = default;
 };
 
 struct ProfileDrawResult {

@@ -136,8 +136,7 @@ class BinaryReader {
         return;
       case BinType::kByte:
         Need(1, tag_at);
-        AppendInt(
-            out, static_cast<unsigned>(static_cast<unsigned char>(b_[pos_++])));
+        AppendInt(out, static_cast<unsigned>(static_cast<unsigned char>(b_[pos_++])));
         return;
       case BinType::kChunk: {
         Need(1, tag_at);
@@ -222,8 +221,8 @@ std::string TextToBinary(std::string_view text, const BinaryForm& form) {
         double v = 0;
         if (!ParseReal(t.value, v)) {
           // Not-a-number and infinities read from a binary file go back.
-          auto [ptr, ec] = std::from_chars(t.value.data(),
-                                           t.value.data() + t.value.size(), v);
+          auto [ptr, ec] = std::from_chars(
+              t.value.data(), t.value.data() + t.value.size(), v);
           if (ec != std::errc() || ptr != t.value.data() + t.value.size())
             Unfit(t, "a real number");
         }

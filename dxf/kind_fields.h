@@ -85,15 +85,15 @@ int64_t OriginalInt(const Shape* original, std::string_view marker, int code,
 template <class E>
 struct FieldSpec {
   enum class How {
-    kPoint,   // three codes: base, base + 10, base + 20
-    kNormal,  // 210, left out while it is the default
+    kPoint,      // three codes: base, base + 10, base + 20
+    kNormal,     // 210, left out while it is the default
     kReal,
     kRealOr,     // left out while it is `fallback`
     kRealNear,   // converted on reading: close enough keeps the text
     kDegrees,    // radians in the state, degrees in the file
     kDegreesOr,  // the same, left out while zero
     kText,
-    kIntOr,  // left out while it is `fallback`
+    kIntOr,      // left out while it is `fallback`
   };
   How how;
   int code;
@@ -160,32 +160,32 @@ void ReadFields(const GroupSpec<E>& group, std::string_view marker,
                 const Shape& s, const TextCodec& codec, E& e) {
   using How = typename FieldSpec<E>::How;
   ForBody(s, {marker}, [&](std::string_view, const Tag& t) {
-    for (const FieldSpec<E>& f : group.fields) {
-      switch (f.how) {
-        case How::kPoint:
-        case How::kNormal:
-          if (!IsCoord(t.code, f.code)) continue;
-          SetCoord(e.*f.point, t, f.code);
-          return;
-        case How::kText:
-          if (t.code != f.code) continue;
-          e.*f.text = codec.Decode(t.value);
-          return;
-        case How::kDegrees:
-        case How::kDegreesOr:
-          if (t.code != f.code) continue;
-          e.*f.real = RealValue(t) * kDegree;
-          return;
-        case How::kIntOr:
-          if (t.code != f.code) continue;
-          e.*f.integer = static_cast<int>(IntValue(t));
-          return;
-        default:
-          if (t.code != f.code) continue;
-          e.*f.real = RealValue(t);
-          return;
+      for (const FieldSpec<E>& f : group.fields) {
+        switch (f.how) {
+          case How::kPoint:
+          case How::kNormal:
+            if (!IsCoord(t.code, f.code)) continue;
+            SetCoord(e.*f.point, t, f.code);
+            return;
+          case How::kText:
+            if (t.code != f.code) continue;
+            e.*f.text = codec.Decode(t.value);
+            return;
+          case How::kDegrees:
+          case How::kDegreesOr:
+            if (t.code != f.code) continue;
+            e.*f.real = RealValue(t) * kDegree;
+            return;
+          case How::kIntOr:
+            if (t.code != f.code) continue;
+            e.*f.integer = static_cast<int>(IntValue(t));
+            return;
+          default:
+            if (t.code != f.code) continue;
+            e.*f.real = RealValue(t);
+            return;
+        }
       }
-    }
   });
 }
 

@@ -101,8 +101,7 @@ void AlignmentToCodes(host::TextAlignment a, int& h, int& v) {
 std::unique_ptr<MemEntity> ReadEntityOfShape(const Shape& s, ReadContext& ctx,
                                              bool& paper_space, bool raw_only) {
   const EntityCodec* codec = raw_only ? nullptr : FindEntityCodec(s.Type());
-  std::unique_ptr<MemEntity> e =
-      codec ? codec->read(s, ctx) : ReadOther(s, ctx.codec);
+  std::unique_ptr<MemEntity> e = codec ? codec->read(s, ctx) : ReadOther(s, ctx.codec);
   paper_space = false;
   std::string layer = "0";
   if (const Shape::Group* g = s.EntityGroup()) {

@@ -50,9 +50,9 @@ void PointHash(const MemEntity& me, Hasher& h) {
 
 template <class T>
 GroupSpec<T> CircleGroup() {
-  return {
-      "AcDbCircle",
-      {PointF(10, &T::center_), RealF(40, &T::radius_), NormalF(&T::normal_)}};
+  return {"AcDbCircle",
+          {PointF(10, &T::center_), RealF(40, &T::radius_),
+           NormalF(&T::normal_)}};
 }
 
 const FieldTable<memhost::MemCircle> kCircleFields = {
@@ -69,10 +69,10 @@ std::unique_ptr<MemEntity> ReadCircle(const Shape& s, ReadContext& ctx) {
 }
 void CircleFields(MemEntity& me, const WriteContext&, WritePlan& plan) {
   std::optional<memhost::MemCircle> plane;
-  WriteFields(
-      kCircleFields,
-      InPlane(static_cast<memhost::MemCircle&>(me), plane, CircleToPlane),
-      plan);
+  WriteFields(kCircleFields,
+              InPlane(static_cast<memhost::MemCircle&>(me), plane,
+                      CircleToPlane),
+              plan);
 }
 void CircleHash(const MemEntity& me, Hasher& h) {
   HashFields(kCircleFields, static_cast<const memhost::MemCircle&>(me), h);
@@ -243,19 +243,20 @@ void LwPolylineHash(const MemEntity& me, Hasher& h) {
   h.Add(e.normal_);
 }
 
+
 }  // namespace
 
 using host::EntityKind;
-const EntityCodec kLineCodec = {"LINE", EntityKind::kLine, ReadLine, LineFields,
-                                LineHash};
+const EntityCodec kLineCodec = {"LINE", EntityKind::kLine, ReadLine,
+                                LineFields, LineHash};
 const EntityCodec kPointCodec = {"POINT", EntityKind::kPoint, ReadPoint,
                                  PointFields, PointHash};
 const EntityCodec kCircleCodec = {"CIRCLE", EntityKind::kCircle, ReadCircle,
                                   CircleFields, CircleHash};
 const EntityCodec kArcCodec = {"ARC", EntityKind::kArc, ReadArc, ArcFields,
                                ArcHash};
-const EntityCodec kEllipseCodec = {"ELLIPSE", EntityKind::kEllipse, ReadEllipse,
-                                   EllipseFields, EllipseHash};
+const EntityCodec kEllipseCodec = {"ELLIPSE", EntityKind::kEllipse,
+                                   ReadEllipse, EllipseFields, EllipseHash};
 const EntityCodec kLwPolylineCodec = {"LWPOLYLINE", EntityKind::kLwPolyline,
                                       ReadLwPolyline, LwPolylineFields,
                                       LwPolylineHash};

@@ -155,8 +155,8 @@ class HatchParser {
       int next = s_.tags[i_ + 1].code;
       int64_t fits = 0;
       ParseInt(s_.tags[i_].value, fits);
-      if ((fits > 0 && next == 11) || next == 12 || next == 13 || next == 72 ||
-          (fits == 0 && next == 97)) {
+      if ((fits > 0 && next == 11) || next == 12 || next == 13 ||
+          next == 72 || (fits == 0 && next == 97)) {
         ++i_;
         for (int64_t k = 0; k < fits; ++k) XY(11);
         if (i_ < end_ && Code() == 12) XY(12);
@@ -498,6 +498,7 @@ void HatchHash(const MemEntity& me, Hasher& h) {
     for (host::ObjectId id : loop.sources) h.Add(static_cast<int64_t>(id));
   }
 }
+
 
 }  // namespace
 

@@ -45,8 +45,8 @@ void InsertToPlane(MemBlockReference& e) {
 std::unique_ptr<MemEntity> ReadInsert(const Shape& s, ReadContext& ctx) {
   auto e = std::make_unique<MemBlockReference>();
   ReadFields(kInsertFields[0],
-             IsArray(s) ? kArrayMarker : kInsertFields[0].marker, s, ctx.codec,
-             *e);
+             IsArray(s) ? kArrayMarker : kInsertFields[0].marker, s,
+             ctx.codec, *e);
   if (e->block_name_.empty())
     throw DxfError(s.Line(), "the INSERT has no block name (group code 2)");
   if (FacesDown(e->normal_)) InsertToPlane(*e);

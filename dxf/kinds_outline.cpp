@@ -79,8 +79,9 @@ std::string PlainMText(const std::string& raw) {
       }
       case 'S': {  // stacked fractions: "1^2" shown as "1/2"
         size_t end = raw.find(';', i);
-        std::string stack = raw.substr(
-            i + 1, end == std::string::npos ? std::string::npos : end - i - 1);
+        std::string stack = raw.substr(i + 1, end == std::string::npos
+                                                  ? std::string::npos
+                                                  : end - i - 1);
         std::replace(stack.begin(), stack.end(), '^', '/');
         std::replace(stack.begin(), stack.end(), '#', '/');
         out += stack;
@@ -154,8 +155,8 @@ std::vector<Point3> SplinePoints(const Shape& s) {
     if (t.code == 71) degree = static_cast<int>(IntValue(t));
   });
   size_t n = control.size();
-  if (n < 2 || degree < 1 || degree > 15 ||
-      n < static_cast<size_t>(degree) + 1 || knots.size() != n + degree + 1)
+  if (n < 2 || degree < 1 || degree > 15 || n < static_cast<size_t>(degree) + 1 ||
+      knots.size() != n + degree + 1)
     return fit.size() >= 2 ? fit : control;
   if (weights.size() != n) weights.assign(n, 1.0);
   double t0 = knots[degree], t1 = knots[n];
@@ -201,9 +202,7 @@ std::vector<Point3> ImageFrame(const Shape& s) {
                 boundary[1],
                 {boundary[0].x, boundary[1].y, 0}};
   if (boundary.size() < 3)
-    boundary = {{-0.5, -0.5, 0},
-                {w - 0.5, -0.5, 0},
-                {w - 0.5, h - 0.5, 0},
+    boundary = {{-0.5, -0.5, 0}, {w - 0.5, -0.5, 0}, {w - 0.5, h - 0.5, 0},
                 {-0.5, h - 0.5, 0}};
   Point3 o = origin[0], a = u[0], b = v[0];
   Point3 base{o.x + a.x * 0.5 - b.x * 0.5, o.y + a.y * 0.5 - b.y * 0.5,

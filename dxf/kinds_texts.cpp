@@ -169,11 +169,12 @@ void AttdefHash(const MemEntity& me, Hasher& h) {
   h.Add(static_cast<int64_t>(e.mode_));
 }
 
+
 }  // namespace
 
 using host::EntityKind;
-const EntityCodec kTextCodec = {"TEXT", EntityKind::kText, ReadText, TextFields,
-                                TextHash};
+const EntityCodec kTextCodec = {"TEXT", EntityKind::kText, ReadText,
+                                TextFields, TextHash};
 const EntityCodec kAttribCodec = {"ATTRIB", EntityKind::kAttributeReference,
                                   ReadAttrib, AttribFields, AttribHash};
 const EntityCodec kAttdefCodec = {"ATTDEF", EntityKind::kAttributeDefinition,

@@ -320,8 +320,7 @@ void Reader::ReadHeader(SectionImage& section) {
     } else if (var.name == "$HANDLING") {
       int64_t handling = 1;
       ParseInt(first().value, handling);
-      img_.handles =
-          handling != 0 || VersionNumber(img_.version) >= kVersionR13;
+      img_.handles = handling != 0 || VersionNumber(img_.version) >= kVersionR13;
     } else if (var.name == "$DWGCODEPAGE") {
       img_.codepage = std::string(first().value);
     } else if (var.name == "$HANDSEED") {

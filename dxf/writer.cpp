@@ -326,10 +326,10 @@ bool Writer::WriteRecorded(MemObject& obj, uint64_t hash, std::string_view type,
   ObjectRecord* r = RecordOf(obj);
   // A copy, an object the file gave no handle, or an entity that now lives
   // in another block than its file said gets a head of its own.
-  bool fresh =
-      r != nullptr &&
-      (r->copied || (r->handle != obj.HandleValue() && !KeepsNoHandle(*r)) ||
-       moved);
+  bool fresh = r != nullptr && (r->copied ||
+                                (r->handle != obj.HandleValue() &&
+                                 !KeepsNoHandle(*r)) ||
+                                moved);
   bool xdata_as_read = r != nullptr && r->xdata_version == obj.XDataVersion();
   if (r != nullptr && r->read && !fresh && r->hash == hash && xdata_as_read) {
     Raw(r->span);

@@ -197,9 +197,9 @@ void MemEntity::CheckModifiable() const {
 template <class HostTable, class HostItem, class Record>
 HostItem& SymbolTable<HostTable, HostItem, Record>::Item(int index) const {
   if (index < 0 || index >= Count())
-    throw HostError(
-        ErrorCode::kBadArgument,
-        std::string("no ") + what_ + " at position " + std::to_string(index));
+    throw HostError(ErrorCode::kBadArgument, std::string("no ") + what_ +
+                                                 " at position " +
+                                                 std::to_string(index));
   return *records_[index];
 }
 
@@ -222,8 +222,7 @@ Record* SymbolTable<HostTable, HostItem, Record>::FindItem(
 template <class HostTable, class HostItem, class Record>
 Record& SymbolTable<HostTable, HostItem, Record>::Insert(
     std::unique_ptr<Record> record, uint64_t handle) {
-  auto& r =
-      static_cast<Record&>(doc_.RegisterObject(std::move(record), handle));
+  auto& r = static_cast<Record&>(doc_.RegisterObject(std::move(record), handle));
   records_.push_back(&r);
   return r;
 }
@@ -244,8 +243,9 @@ template class SymbolTable<host::Layers, host::Layer, MemLayer>;
 template class SymbolTable<host::TextStyles, host::TextStyle, MemTextStyle>;
 
 host::Block& MemBlocks::Add(const Point3& origin, const std::string& name) {
-  return FindOrAdd(name,
-                   [&]() -> MemBlock& { return doc_.AddBlock(name, origin); });
+  return FindOrAdd(name, [&]() -> MemBlock& {
+    return doc_.AddBlock(name, origin);
+  });
 }
 
 host::Layer& MemLayers::Add(const std::string& name) {
@@ -560,7 +560,8 @@ MemObject& MemDocument::RegisterObject(std::unique_ptr<MemObject> object,
 uint64_t MemDocument::NextHandle() {
   // Past the largest 64-bit handle the count starts again at 1, skipping
   // the handles in use.
-  while (next_handle_ == 0 || by_handle_.contains(next_handle_)) ++next_handle_;
+  while (next_handle_ == 0 || by_handle_.contains(next_handle_))
+    ++next_handle_;
   return next_handle_++;
 }
 

@@ -114,6 +114,7 @@ host::Entity& EntityImpl<Base>::Copy() const {
   return copy.AsHostEntity();
 }
 
+
 template class EntityImpl<host::LwPolyline>;
 template class EntityImpl<host::Line>;
 template class EntityImpl<host::Point>;

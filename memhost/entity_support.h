@@ -34,9 +34,9 @@ inline void AddPoint(const Affine& m, const Point3& p, Box2& box) {
 }
 
 // Arcs under an arbitrary transform: sampled densely enough for extents.
-inline void AddConicSamples(const Affine& m, const Point3& center,
-                            const Point3& major, const Point3& minor,
-                            double start, double sweep, Box2& box) {
+inline void AddConicSamples(const Affine& m, const Point3& center, const Point3& major,
+                     const Point3& minor, double start, double sweep,
+                     Box2& box) {
   constexpr int kSamples = 64;
   for (int i = 0; i <= kSamples; ++i) {
     double t = start + sweep * i / kSamples;
@@ -47,9 +47,8 @@ inline void AddConicSamples(const Affine& m, const Point3& center,
   }
 }
 
-inline void AddArcSamples(const Affine& m, const Point3& center,
-                          const Point3& major, double ratio, double start,
-                          double sweep, Box2& box) {
+inline void AddArcSamples(const Affine& m, const Point3& center, const Point3& major,
+                   double ratio, double start, double sweep, Box2& box) {
   AddConicSamples(m, center, major, {-major.y * ratio, major.x * ratio, 0},
                   start, sweep, box);
 }
@@ -59,8 +58,8 @@ inline Affine PlaneThen(const Point3& normal, double z, const Affine& m) {
   return TiltToPlan(normal, z).Then(m);
 }
 
-inline void AddPiecesExtents(const std::vector<CurvePiece>& pieces,
-                             const Affine& m, Box2& box) {
+inline void AddPiecesExtents(const std::vector<CurvePiece>& pieces, const Affine& m,
+                      Box2& box) {
   bool identity =
       m.a == 1 && m.b == 0 && m.c == 0 && m.d == 1 && m.e == 0 && m.f == 0;
   for (const auto& piece : pieces) {

@@ -15,8 +15,8 @@
 namespace kestrana::memhost {
 
 using host::BoundingBox;
-using host::EntityKind;
 using host::ObjectId;
+using host::EntityKind;
 using host::XRecord;
 
 class MemBlock;

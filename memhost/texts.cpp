@@ -318,6 +318,7 @@ std::unique_ptr<MemEntity> MemAttributeDefinition::CloneState() const {
   return std::make_unique<MemAttributeDefinition>(*this);
 }
 
+
 template class TextImpl<host::Text>;
 template class TextImpl<host::AttributeReference>;
 template class TextImpl<host::AttributeDefinition>;

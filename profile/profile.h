@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
+#include <string_view>
 #include <vector>
 
 #include "core/text_table.h"
@@ -249,6 +249,7 @@ class Profile {
       host::Document& document, std::string_view pipe_oid,
       std::string_view node_label);
 
+
   // --- Drawing a profile -------------------------------------------------
 
   // Draws the profile block of the inputs (parts side by side), inserts it,
@@ -319,7 +320,8 @@ class Profile {
   static void DrawManholes(Sheet& sheet, const host::Point3& ref_point,
                            std::string_view length_string,
                            std::string_view ground_string,
-                           std::string_view sump_string, double datum_elevation,
+                           std::string_view sump_string,
+                           double datum_elevation,
                            double vertical_exaggeration,
                            std::string_view model_units);
   // Sections of connected and crossing pipes with their invert and size

@@ -44,9 +44,9 @@ struct LayerColor {
   int color;
 };
 constexpr LayerColor kProfileLayers[] = {
-    {kLabelLayer, 4},        {kDataLayer, 2},   {kDimensionLayer, 1},
-    {kFrameLayer, 4},        {kGroundLayer, 3}, {kPipeLayer, 6},
-    {kManholeLayer, 4},      {kGridLayer, 9},   {kPlanTitleLayer, 4},
+    {kLabelLayer, 4},        {kDataLayer, 2},       {kDimensionLayer, 1},
+    {kFrameLayer, 4},        {kGroundLayer, 3},     {kPipeLayer, 6},
+    {kManholeLayer, 4},      {kGridLayer, 9},       {kPlanTitleLayer, 4},
     {kPlanStationsLayer, 3},
 };
 
@@ -111,8 +111,8 @@ host::BlockReference& Profile::CreateProfileBlock(
   core::SavedActiveTextStyle active_style(document);
 
   host::Block& block = General::InitializeBlockDefinition(
-      document, std::string(kProfileBlockPrefix) + inputs.network_name + "_" +
-                    inputs.profile_name);
+      document,
+      std::string(kProfileBlockPrefix) + inputs.network_name + "_" + inputs.profile_name);
   CreateProfileLayers(document);
   const double labels_length = GetBandLabelsPartLength(measure, style);
   const TextSettings text = ReadTextSettings(style);
@@ -154,8 +154,8 @@ host::BlockReference& Profile::CreateProfileBlock(
   }
   active_layer.Restore();
   active_style.Restore();
-  return document.ModelSpace().InsertBlock(inputs.insertion_point, block.Name(),
-                                           1, 1, 1, 0);
+  return document.ModelSpace().InsertBlock(inputs.insertion_point,
+                                           block.Name(), 1, 1, 1, 0);
 }
 
 void Profile::CreateProfileLayers(host::Document& document) {
@@ -201,15 +201,14 @@ std::pair<double, double> Profile::DrawPlotAreaFrame(
   return {length, height};
 }
 
-void Profile::DrawProfileGrid(Sheet& sheet, const host::Point3& ref_point,
-                              std::string_view horizontal_grid_settings,
-                              std::string_view vertical_grid_settings,
-                              std::string_view stations_settings,
-                              const TextSettings& text, double plot_area_length,
-                              double plot_area_height,
-                              double vertical_exaggeration,
-                              double datum_elevation,
-                              double part_start_station) {
+void Profile::DrawProfileGrid(
+    Sheet& sheet, const host::Point3& ref_point,
+    std::string_view horizontal_grid_settings,
+    std::string_view vertical_grid_settings,
+    std::string_view stations_settings, const TextSettings& text,
+    double plot_area_length, double plot_area_height,
+    double vertical_exaggeration, double datum_elevation,
+    double part_start_station) {
   const double h = text.label_height;
   const double ve = vertical_exaggeration;
   const double x0 = ref_point.x - kFrameMargin * h;
@@ -218,8 +217,9 @@ void Profile::DrawProfileGrid(Sheet& sheet, const host::Point3& ref_point,
   const ItemFields horizontal(horizontal_grid_settings);
   const double interval = horizontal.Number(HorizontalGridSetting::kInterval);
   if (interval > 0) {
-    const int n = static_cast<int>(
-        std::floor((plot_area_height - 1.5 * h * ve) / (interval * ve)));
+    const int n =
+        static_cast<int>(std::floor((plot_area_height - 1.5 * h * ve) /
+                                    (interval * ve)));
     for (int i = 1; i <= n; ++i) {
       const double y = ref_point.y + i * interval * ve;
       if (horizontal.On(HorizontalGridSetting::kLines))
@@ -305,10 +305,11 @@ void Profile::CompleteProfileFrame(
       length > room && length > 0 ? h * room / length : h;
   sheet.Text(datum, At(left + h, top + 0.5 * h), datum_height, kLabelLayer);
 
-  sheet.Text(
-      ProfileTitle(profile_line_name, profile_part_index, count_profile_parts),
-      At(x0 + plot_area_length / 2, top + plot_area_height + text.title_height),
-      text.title_height, kLabelLayer, 0, host::TextAlignment::kCenter);
+  sheet.Text(ProfileTitle(profile_line_name, profile_part_index,
+                          count_profile_parts),
+             At(x0 + plot_area_length / 2,
+                top + plot_area_height + text.title_height),
+             text.title_height, kLabelLayer, 0, host::TextAlignment::kCenter);
 }
 
 void Profile::DrawNodeLabels(Sheet& sheet, const host::Point3& ref_point,
@@ -391,7 +392,8 @@ void Profile::DrawPipes(Sheet& sheet, const host::Point3& ref_point,
 void Profile::DrawManholes(Sheet& sheet, const host::Point3& ref_point,
                            std::string_view length_string,
                            std::string_view ground_string,
-                           std::string_view sump_string, double datum_elevation,
+                           std::string_view sump_string,
+                           double datum_elevation,
                            double vertical_exaggeration,
                            std::string_view model_units) {
   const std::vector<core::LayerStatus> status =
@@ -403,13 +405,14 @@ void Profile::DrawManholes(Sheet& sheet, const host::Point3& ref_point,
   for (size_t j = 0; j < at.size() && j < grounds.size() && j < sumps.size();
        ++j) {
     const double x = ref_point.x + at[j];
-    sheet.Polyline(Rectangle(x - w,
-                             LevelY(ref_point, sumps[j], datum_elevation,
-                                    vertical_exaggeration),
-                             x + w,
-                             LevelY(ref_point, grounds[j], datum_elevation,
-                                    vertical_exaggeration)),
-                   true, kManholeLayer);
+    sheet.Polyline(
+        Rectangle(x - w,
+                  LevelY(ref_point, sumps[j], datum_elevation,
+                         vertical_exaggeration),
+                  x + w,
+                  LevelY(ref_point, grounds[j], datum_elevation,
+                         vertical_exaggeration)),
+        true, kManholeLayer);
   }
   General::RestoreLayerStatus(sheet.document(), status);
 }

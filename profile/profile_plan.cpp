@@ -143,8 +143,8 @@ std::vector<double> Profile::GetTotalPipeCoordinates(
   const std::vector<std::string> directions = Values(pipe_directions_string);
   std::vector<double> total;
   for (size_t i = 0; i < ids.size(); ++i) {
-    const auto& pipe =
-        host::As<host::LwPolyline>(core::EntityFromIdText(document, ids[i]));
+    const auto& pipe = host::As<host::LwPolyline>(
+        core::EntityFromIdText(document, ids[i]));
     std::vector<double> xy = pipe.Coordinates();
     if (i < directions.size() && directions[i] == kAgainst)
       xy = editing::Editing::ReversePolylineCoordinates(xy);

@@ -36,8 +36,7 @@ std::vector<PipeAtDistance> PipesAtDistances(std::string_view series) {
     pipe.shape = values[i + 2];
     pipe.span = core::NumericValue(values[i + 3]);
     pipe.rise = core::NumericValue(values[i + 4]);
-    pipe.cells =
-        std::max(1, static_cast<int>(core::NumericValue(values[i + 5])));
+    pipe.cells = std::max(1, static_cast<int>(core::NumericValue(values[i + 5])));
     pipes.push_back(pipe);
   }
   return pipes;
@@ -76,10 +75,10 @@ void Profile::DrawPipeSectionOnProfile(Sheet& sheet,
                    : sheet.block().AddEllipse(centre, {rx, 0, 0}, ry / rx);
       ellipse.SetLayer(kPipeLayer);
     } else {
-      sheet.Polyline(
-          {x, pipe_ins_pnt.y, x, pipe_ins_pnt.y + rise * ve, x + span,
-           pipe_ins_pnt.y + rise * ve, x + span, pipe_ins_pnt.y},
-          true, kPipeLayer);
+      sheet.Polyline({x, pipe_ins_pnt.y, x, pipe_ins_pnt.y + rise * ve,
+                      x + span, pipe_ins_pnt.y + rise * ve, x + span,
+                      pipe_ins_pnt.y},
+                     true, kPipeLayer);
     }
   }
 }
@@ -143,8 +142,8 @@ void Profile::DrawConnectedAndCrossing(
       const host::Point3 corner = GetProfileCrossingAnnotationLocation(
           {x + half_width + 0.5 * h, y + rise * ve + 0.5 * h, 0}, taken,
           box_height, length, sheet.Linework());
-      taken.push_back(
-          {corner.x, corner.y, corner.x + length, corner.y + box_height});
+      taken.push_back({corner.x, corner.y, corner.x + length,
+                       corner.y + box_height});
       sheet.Text(invert, {corner.x, corner.y + 1.5 * h, 0}, h, kDimensionLayer);
       sheet.Text(size, {corner.x, corner.y + 0.2 * h, 0}, h, kDimensionLayer);
     }

@@ -84,8 +84,8 @@ double TextMeasure::Length(const std::string& text,
   const host::Layer* layer =
       probe_ == nullptr ? nullptr : document_.GetLayers().Find(probe_->Layer());
   if (probe_ == nullptr || (layer != nullptr && layer->Lock())) {
-    length =
-        Profile::GetTextLengthOnDrawing(document_, text, text_style, height);
+    length = Profile::GetTextLengthOnDrawing(document_, text, text_style,
+                                             height);
     if (probe_ == nullptr)
       probe_ = &document_.ModelSpace().AddText("", {0, 0, 0}, height);
   } else {
@@ -159,7 +159,8 @@ host::LwPolyline& Sheet::Polyline(const std::vector<double>& xy, bool closed,
     for (size_t i = 0; i + 3 < xy.size(); i += 2)
       linework_.push_back({xy[i], xy[i + 1], xy[i + 2], xy[i + 3]});
     if (closed && xy.size() >= 4)
-      linework_.push_back({xy[xy.size() - 2], xy.back(), xy[0], xy[1]});
+      linework_.push_back(
+          {xy[xy.size() - 2], xy.back(), xy[0], xy[1]});
   }
   host::LwPolyline& polyline = block_.AddLightWeightPolyline(xy);
   polyline.SetClosed(closed);

@@ -40,7 +40,8 @@ ProfileInputs Profile::ReadProfileInputs(host::BlockReference& profile_block) {
   const std::vector<std::string> plan =
       core::Split(record.Text(F::kPlanSwitches));
   inputs.name_on_plan = core::NumericValue(plan[0]) != 0;
-  inputs.stations_on_plan = plan.size() > 1 && core::NumericValue(plan[1]) != 0;
+  inputs.stations_on_plan =
+      plan.size() > 1 && core::NumericValue(plan[1]) != 0;
   inputs.insertion_point = profile_block.InsertionPoint();
   return inputs;
 }

@@ -161,6 +161,7 @@ TEST_F(ProfileCommandLine, DataAsATableAndAsJson) {
   EXPECT_NE(json.find("[\"MH-2\", \"MH-1\"]"), std::string::npos);
 }
 
+
 TEST_F(ProfileCommandLine, DrawListUpdateAndDelete) {
   const std::string out = Path("drawn.dxf");
   EXPECT_EQ(Run({"profile", "draw", site_, "--network", "Sewer", "--name",
@@ -189,15 +190,15 @@ TEST_F(ProfileCommandLine, DrawListUpdateAndDelete) {
   EXPECT_EQ(Run({"profile", "update", out, "--all-flagged"}), 0);
   EXPECT_NE(out_.str().find("No profile needs an update"), std::string::npos);
   EXPECT_EQ(Bytes(out), before);
-  EXPECT_EQ(
-      Run({"profile", "update", out, "--network", "Sewer", "--name", "main"}),
-      0)
+  EXPECT_EQ(Run({"profile", "update", out, "--network", "Sewer", "--name",
+                 "main"}),
+            0)
       << err_.str();
   EXPECT_NE(out_.str().find("Redrew the profile \"Main\""), std::string::npos);
 
-  EXPECT_EQ(
-      Run({"profile", "delete", out, "--network", "Sewer", "--name", "Main"}),
-      0)
+  EXPECT_EQ(Run({"profile", "delete", out, "--network", "Sewer", "--name",
+                 "Main"}),
+            0)
       << err_.str();
   EXPECT_EQ(Run({"profile", "list", out}), 0);
   EXPECT_EQ(out_.str(), "The drawing holds no profiles.\n");
@@ -210,13 +211,13 @@ TEST_F(ProfileCommandLine, UpdateTakesTheGroundSurfaceAgain) {
         "surfType=\"TIN\"><Pnts><P id=\"1\">-50 -50 101</P><P id=\"2\">"
         "300 -50 101</P><P id=\"3\">-50 300 101</P></Pnts><Faces><F>1 2 "
         "3</F></Faces></Definition></Surface></Surfaces></LandXML>");
-  ASSERT_EQ(
-      Run({"profile", "draw", site_, "--network", "Sewer", "--name", "Main",
-           "--pipes", "P-1,P-2", "--at", "0,-300", "--surface", ground}),
-      0)
+  ASSERT_EQ(Run({"profile", "draw", site_, "--network", "Sewer", "--name",
+                 "Main", "--pipes", "P-1,P-2", "--at", "0,-300", "--surface",
+                 ground}),
+            0)
       << err_.str();
-  EXPECT_NE(Refused({"profile", "update", site_, "--network", "Sewer", "--name",
-                     "Main"})
+  EXPECT_NE(Refused({"profile", "update", site_, "--network", "Sewer",
+                     "--name", "Main"})
                 .find("takes its ground from the surface \"EG\""),
             std::string::npos);
   EXPECT_EQ(Run({"profile", "update", site_, "--network", "Sewer", "--name",
@@ -227,14 +228,15 @@ TEST_F(ProfileCommandLine, UpdateTakesTheGroundSurfaceAgain) {
 
 TEST_F(ProfileCommandLine, DrawRefusesBadRequests) {
   const std::vector<std::string> main = {
-      "profile", "draw",    site_,     "--network", "Sewer", "--name",
-      "Main",    "--pipes", "P-1,P-2", "--at",      "0,-300"};
+      "profile", "draw", site_, "--network", "Sewer", "--name", "Main",
+      "--pipes", "P-1,P-2", "--at", "0,-300"};
   auto with = [&](std::vector<std::string> extra) {
     std::vector<std::string> args = main;
     args.insert(args.end(), extra.begin(), extra.end());
     return args;
   };
-  EXPECT_NE(Refused(with({"--style", "Deep"})).find("Deep"), std::string::npos);
+  EXPECT_NE(Refused(with({"--style", "Deep"})).find("Deep"),
+            std::string::npos);
   EXPECT_NE(Refused(with({"--datum", "99.5"})).find("above the lowest level"),
             std::string::npos);
   EXPECT_NE(Refused(with({"--start", "40,200"}))
@@ -252,8 +254,8 @@ TEST_F(ProfileCommandLine, DrawRefusesBadRequests) {
            "--pipes", "P-1"},
           2);  // no --at
   Refused({"profile", "update", site_}, 2);
-  EXPECT_NE(Refused({"profile", "delete", site_, "--network", "Sewer", "--name",
-                     "Main"})
+  EXPECT_NE(Refused({"profile", "delete", site_, "--network", "Sewer",
+                     "--name", "Main"})
                 .find("no profile named \"Main\""),
             std::string::npos);
   // A second profile of the same name, in another letter case.

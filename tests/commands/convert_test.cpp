@@ -1,12 +1,11 @@
 // What the conversion refuses and passes over, named so that the user can
 // act on all of it at once.
-#include "commands/convert.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
 
 #include "commands/command.h"
+#include "commands/convert.h"
 #include "core/names.h"
 #include "host/host.h"
 #include "memhost/document.h"

@@ -54,8 +54,10 @@ TEST_P(CadFiles, OpenAndSaveUnchanged) {
 INSTANTIATE_TEST_SUITE_P(
     Ezdxf, CadFiles,
     ::testing::Values("handles64.dxf", "minsert.dxf", "hatch_splines.dxf",
-                      "xdict.dxf", "r12.dxf", "r12_no_handles.dxf", "r13.dxf",
-                      "r14.dxf", "r12_binary.dxf", "r2018_binary.dxf"));
+                      "xdict.dxf",
+                      "r12.dxf", "r12_no_handles.dxf", "r13.dxf", "r14.dxf",
+                      "r12_binary.dxf",
+                      "r2018_binary.dxf"));
 
 // What a base plan holds, read from any version or form of it.
 struct PlanContents {
@@ -128,8 +130,8 @@ TEST(CadFiles, ChangedBinaryDrawingStaysBinary) {
   std::string bytes = FileText("r2018_binary.dxf");
   MemDocument doc;
   ReadDxf(doc, bytes);
-  auto& line =
-      doc.ModelSpace().AddLine(Point3{1.0 / 3, 0, 0}, Point3{-0.0, 1e300, 0});
+  auto& line = doc.ModelSpace().AddLine(Point3{1.0 / 3, 0, 0},
+                                        Point3{-0.0, 1e300, 0});
   line.SetXData({{1001, host::XValue(std::string("SURVEY"))},
                  {1070, host::XValue(int16_t{-7})},
                  {1040, host::XValue(0.1)}});
@@ -182,7 +184,8 @@ TEST(CadFiles, SixteenDigitHandlesNameObjectsAndNewOnesFollow) {
 
   // A new object takes the file's seed, not a handle in use.
   uint64_t seed = doc->HandleSeed();
-  auto& added = doc->ModelSpace().AddLine(Point3{0, 0, 0}, Point3{1, 0, 0});
+  auto& added =
+      doc->ModelSpace().AddLine(Point3{0, 0, 0}, Point3{1, 0, 0});
   uint64_t value = 0;
   ASSERT_TRUE(ParseHandle(added.Handle(), value));
   EXPECT_GE(value, seed);
@@ -310,7 +313,8 @@ TEST(CadFiles, ChangedOldDrawingsAreWrittenInR2000Form) {
     auto lws = OfType(again, "LWPOLYLINE");
     ASSERT_EQ(lws.size(), 1u);
     auto& lw = dynamic_cast<host::LwPolyline&>(lws[0]->AsHostEntity());
-    EXPECT_EQ(lw.Coordinates(), (std::vector<double>{0, 0, 3, 0, 3, 3, 6, 4}));
+    EXPECT_EQ(lw.Coordinates(),
+              (std::vector<double>{0, 0, 3, 0, 3, 3, 6, 4}));
     EXPECT_EQ(OfType(again, "LINE").size(), 3u);
     EXPECT_EQ(OfType(again, "INSERT").size(), 1u);
     // Blocks and their records are tied by handles of their own.
@@ -400,11 +404,11 @@ namespace {
 TEST(CadFiles, PolylineWithoutHandleKeepsItsVertices) {
   // A file that gives a 3D polyline no handle: written with one of its
   // own, and with every vertex it was read with.
-  auto doc = testing::Read(
-      testing::MinimalDxf("0\nPOLYLINE\n8\n0\n66\n1\n70\n8\n"
-                          "0\nVERTEX\n8\n0\n10\n1\n20\n2\n30\n3\n70\n32\n"
-                          "0\nVERTEX\n8\n0\n10\n4\n20\n5\n30\n6\n70\n32\n"
-                          "0\nSEQEND\n8\n0\n"));
+  auto doc = testing::Read(testing::MinimalDxf(
+      "0\nPOLYLINE\n8\n0\n66\n1\n70\n8\n"
+      "0\nVERTEX\n8\n0\n10\n1\n20\n2\n30\n3\n70\n32\n"
+      "0\nVERTEX\n8\n0\n10\n4\n20\n5\n30\n6\n70\n32\n"
+      "0\nSEQEND\n8\n0\n"));
   std::string written = WriteDxf(*doc);
   auto again = testing::Read(written);
   auto polylines = OfType(*again, "POLYLINE");
