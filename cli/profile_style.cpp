@@ -12,6 +12,7 @@
 #include "core/text.h"
 #include "dxf/io.h"
 #include "profile/profile_style_file.h"
+#include "profile/style_fields.h"
 
 namespace kestrana::cli {
 
@@ -102,13 +103,13 @@ int RunShow(const std::vector<std::string>& args, Io& io) {
     const int k = static_cast<int>(info.item);
     io.out << "\nitem " << k << ", " << info.name << ": \"" << result.items[k]
            << "\"\n";
-    const std::vector<std::string> values = core::Split(result.items[k]);
+    const profile::ItemFields values(result.items[k]);
     for (size_t f = 0; f < info.fields.size(); ++f)
       io.out << "  " << f << " " << info.fields[f]
              << std::string(22 - std::min<size_t>(
                                      21, std::string(info.fields[f]).size()),
                             ' ')
-             << (f < values.size() ? values[f] : "") << "\n";
+             << values.Text(core::Field::At(static_cast<int>(f))) << "\n";
   }
   return 0;
 }

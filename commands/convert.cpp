@@ -6,6 +6,7 @@
 #include "core/filters.h"
 #include "core/general.h"
 #include "core/names.h"
+#include "core/record.h"
 #include "core/text.h"
 #include "core/user_names.h"
 #include "crossing/crossing.h"
@@ -21,8 +22,6 @@ using core::General;
 using editing::Editing;
 
 namespace {
-
-constexpr int16_t kLayerCode = 8;
 
 std::string Describe(const std::array<double, 4>& w) {
   return core::GeneralText(w[0]) + "," + core::GeneralText(w[1]) + "," +
@@ -61,7 +60,7 @@ memhost::Input SelectionInput(memhost::MemDocument& document,
       throw NotFoundError("the drawing has no layer \"" + *selection.layer +
                           "\"");
     return memhost::Input::All(
-        {{kLayerCode, core::EscapeWildcards(*selection.layer)}});
+        {{core::code::kLayer, core::EscapeWildcards(*selection.layer)}});
   }
   if (!selection.handles.empty()) {
     std::vector<host::ObjectId> ids;
@@ -85,7 +84,7 @@ std::vector<memhost::MemEntity*> Covered(memhost::MemDocument& document,
                                          const ConvertSelection& selection) {
   if (selection.layer)
     return document.SelectAll(
-        {{kLayerCode, core::EscapeWildcards(*selection.layer)}});
+        {{core::code::kLayer, core::EscapeWildcards(*selection.layer)}});
   if (!selection.handles.empty()) {
     std::vector<memhost::MemEntity*> entities;
     for (const std::string& handle : selection.handles)

@@ -56,7 +56,7 @@ CopyResult Copy(host::Document& document, const CopyOptions& typed) {
     host::Entity& copy = original->Copy();
     copy.Move({0, 0, 0}, {options.dx, options.dy, 0});
     copies.push_back(&copy);
-    copied += core::IdText(copy.ObjectID()) + ";";
+    copied += core::IdListEntry(copy.ObjectID());
   }
   events::Events::VerifyCopiedElements(document, "", copied);
   CopyResult result;

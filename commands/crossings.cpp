@@ -11,6 +11,7 @@
 #include "core/references.h"
 #include "core/text.h"
 #include "core/user_names.h"
+#include "core/values.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
 #include "host/host.h"
@@ -24,7 +25,7 @@ using crossing::CrossingAnnoField;
 namespace {
 
 constexpr char kInvertCaption[] = "I.L.= ";
-constexpr int kEnabledColumn = 2;
+using namespace crossing::settings_table;
 constexpr char kPairSeparator = ':';
 
 std::pair<std::string, std::string> ParsePair(const std::string& text) {
@@ -46,10 +47,11 @@ std::string RequirePairNetwork(host::Document& document,
 // The settings row of a pair, in either order; the pair's networks exist.
 int PairRow(const core::TextTable& table, const std::string& a,
             const std::string& b) {
-  for (int row = 1; row < table.Rows(); ++row)
-    if ((table(row, 0) == a && table(row, 1) == b) ||
-        (table(row, 0) == b && table(row, 1) == a))
-      return row;
+  for (int row = kThresholdRow + 1; row < table.Rows(); ++row) {
+    const std::string& first = table(row, kFirstNetwork);
+    const std::string& second = table(row, kSecondNetwork);
+    if ((first == a && second == b) || (first == b && second == a)) return row;
+  }
   throw NotFoundError("\"" + a + "\" and \"" + b +
                       "\" are not two networks of the project");
 }
@@ -64,10 +66,11 @@ std::optional<double> ShownLevel(const std::string& text) {
 
 void Summarize(host::Document& document, CrossingsResult& result, bool list) {
   core::TextTable settings = Crossing::GetCrossingSettings(document);
-  result.threshold = settings(0, 0);
-  for (int row = 1; row < settings.Rows(); ++row)
-    result.pairs.push_back({settings(row, 0), settings(row, 1),
-                            settings(row, kEnabledColumn) == "1"});
+  result.threshold = settings(kThresholdRow, 0);
+  for (int row = kThresholdRow + 1; row < settings.Rows(); ++row)
+    result.pairs.push_back({settings(row, kFirstNetwork),
+                            settings(row, kSecondNetwork),
+                            settings(row, kEnabled) == kEnabledMark});
   std::vector<CrossingListing> crossings = ListCrossings(document);
   result.annotations = static_cast<int>(crossings.size());
   for (const CrossingListing& c : crossings) result.shown += c.shown;
@@ -84,7 +87,7 @@ void ChangeCrossingSettings(host::Document& document,
     if (!value)
       throw OptionError("--threshold: '" + *threshold + "' is not a number " +
                         core::NumberRangeText());
-    settings(0, 0) = core::GeneralText(*value);
+    settings(kThresholdRow, 0) = core::GeneralText(*value);
   }
   auto row_of = [&](const std::string& text) {
     auto [a, b] = ParsePair(text);
@@ -93,7 +96,7 @@ void ChangeCrossingSettings(host::Document& document,
   };
   SwitchRows(
       settings,
-      {kEnabledColumn, "1", "", "the pair", "is both enabled and disabled"},
+      {kEnabled, kEnabledMark, "", "the pair", "is both enabled and disabled"},
       enable, disable, row_of);
   Crossing::SetCrossingSettings(document, settings);
 }
@@ -145,11 +148,10 @@ std::vector<CrossingListing> ListCrossings(host::Document& document) {
     c.section1 = core::SectionSize::Parse(c.size1);
     c.section2 = core::SectionSize::Parse(c.size2);
     c.clearance = record.Number(CrossingAnnoField::kClearance);
-    std::vector<std::string> point =
-        core::Split(record.Text(CrossingAnnoField::kPoint));
-    point.resize(2);
-    c.easting = core::NumericValue(point[0]);
-    c.northing = core::NumericValue(point[1]);
+    const core::CrossingPoint point =
+        core::CrossingPoint::Parse(record.Text(CrossingAnnoField::kPoint));
+    c.easting = point.easting;
+    c.northing = point.northing;
     c.shown = entity->Visible();
     std::vector<host::AttributeReference*> attributes =
         host::As<host::BlockReference>(*entity).GetAttributes();

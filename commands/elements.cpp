@@ -35,12 +35,27 @@ std::string RequireNetwork(host::Document& document,
   throw NotFoundError("the project has no network named \"" + network + "\"");
 }
 
+std::string QuotedNames(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names)
+    text += (text.empty() ? "\"" : ", \"") + name + "\"";
+  return text.empty() ? "none" : text;
+}
+
 std::string NetworkType(host::Document& document, const std::string& typed) {
-  const std::string network = RequireNetwork(document, typed);
-  core::TextTable networks = General::GetNetworkDefinitions(document);
-  for (int row = 0; row < networks.Rows(); ++row)
-    if (networks(row, 0) == network) return networks(row, 1);
-  throw NotFoundError("the project has no network named \"" + network + "\"");
+  using namespace core::network_column;
+  const std::string network =
+      core::FindNetworkName(document, typed).value_or(typed);
+  const core::TextTable networks = General::GetNetworkDefinitions(document);
+  std::vector<std::string> names;
+  for (int row = 0; row < networks.Rows(); ++row) {
+    // A project without networks answers one empty row, which names none.
+    if (networks(row, kName).empty()) continue;
+    if (networks(row, kName) == network) return networks(row, kType);
+    names.push_back(networks(row, kName));
+  }
+  throw NotFoundError("the project has no network named \"" + network +
+                      "\" (it has " + QuotedNames(names) + ")");
 }
 
 const char* const kMatchingRules[4] = {
@@ -65,7 +80,9 @@ std::vector<host::Entity*> FindElements(
   for (const std::string& label : labels) by_label[label];
   for (host::Entity* element :
        General::GetNetworkSet(document, network,
-                              kind == ElementKind::kPipe ? kPipes : kNodes)
+                              kind == ElementKind::kPipe
+                                  ? core::network_set::kPipes
+                                  : core::network_set::kNodes)
            .Entities()) {
     auto it = by_label.find(ElementLabel(*element));
     if (it != by_label.end()) it->second.push_back(element);

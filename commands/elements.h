@@ -18,11 +18,6 @@ class SelectionSet;
 
 namespace kestrana::commands {
 
-// What General::GetNetworkSet gathers of a network.
-inline constexpr int kElementsAndBlocks = 0;
-inline constexpr int kPipes = 1;
-inline constexpr int kNodes = 2;
-
 enum class ElementKind { kPipe, kNode };
 
 // The network a user names, spelt as the project holds it (letter case
@@ -38,8 +33,11 @@ Options WithStoredNetwork(host::Document& document, Options options) {
   options.network = RequireNetwork(document, options.network);
   return options;
 }
-// The network's type, "Gravity" or "Pressure"; NotFoundError as above.
+// The network's type, "Gravity" or "Pressure", the network named however
+// its letters are cased; NotFoundError naming the networks there are.
 std::string NetworkType(host::Document& document, const std::string& network);
+// "\"A\", \"B\"", or "none" for no names.
+std::string QuotedNames(const std::vector<std::string>& names);
 
 // The one pipe or node of the network with that label. NotFoundError when
 // there is none, RefusedError when there are several, since an edit must

@@ -6,6 +6,7 @@
 #include "core/guards.h"
 #include "core/lists.h"
 #include "core/project_record.h"
+#include "core/values.h"
 #include "events/events.h"
 #include "host/host.h"
 #include "profile/style_markers.h"
@@ -36,7 +37,7 @@ std::optional<std::string> ProjectObject(host::Document& document,
   if (Names(project->Text(core::ProjectField::kSizesLibrary), entity))
     return "the marker of the project's section-sizes library" + kept;
   const std::vector<std::string> view_markers =
-      viewstyle::StyleField::Parse(
+      core::ViewStylesField::Parse(
           project->Text(core::ProjectField::kViewStyles))
           .markers;
   for (const std::string& marker : view_markers)

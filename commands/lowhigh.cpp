@@ -71,12 +71,13 @@ void BuildAllLowHighPoints(host::Document& document) {
   core::UnlockedLayers unlocked(document);
   core::TextTable networks = General::GetNetworkDefinitions(document);
   for (int row = 0; row < networks.Rows(); ++row) {
-    if (networks(row, 1) != core::kPressure) continue;
-    const std::string& name = networks(row, 0);
+    if (networks(row, core::network_column::kType) != core::kPressure) continue;
+    const std::string& name = networks(row, core::network_column::kName);
     LowHigh::BuildLowHighPointsAfterImporting(
         document,
         LowHigh::GetInitialNodesOIDArrayForLowHigh(
-            document, General::GetNetworkSet(document, name, kNodes)),
+            document,
+            General::GetNetworkSet(document, name, core::network_set::kNodes)),
         name);
   }
 }

@@ -54,10 +54,15 @@ std::vector<NetworkInfo> ListNetworks(host::Document& document) {
   core::TextTable table = General::GetNetworkDefinitions(document);
   std::vector<NetworkInfo> networks;
   for (int row = 0; row < table.Rows(); ++row) {
-    if (table(row, 0).empty()) continue;
-    NetworkInfo info{table(row, 0), table(row, 1)};
-    info.pipes = General::GetNetworkSet(document, info.name, kPipes).Count();
-    info.nodes = General::GetNetworkSet(document, info.name, kNodes).Count();
+    using namespace core::network_column;
+    if (table(row, kName).empty()) continue;
+    NetworkInfo info{table(row, kName), table(row, kType)};
+    info.pipes =
+        General::GetNetworkSet(document, info.name, core::network_set::kPipes)
+            .Count();
+    info.nodes =
+        General::GetNetworkSet(document, info.name, core::network_set::kNodes)
+            .Count();
     networks.push_back(info);
   }
   return networks;

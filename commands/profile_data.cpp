@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "commands/elements.h"
 #include "commands/profile_support.h"
 #include "core/filters.h"
 #include "core/general.h"
@@ -29,16 +30,8 @@ namespace {
 using core::General;
 using memhost::Input;
 
-constexpr int kPipesOption = 1;
 constexpr char kNotOneLine[] =
     "The selected pipes don't represent a single continuous line!";
-
-std::string Quoted(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names)
-    text += (text.empty() ? "\"" : ", \"") + name + "\"";
-  return text.empty() ? "none" : text;
-}
 
 std::string PipeLabel(const host::Entity& pipe) {
   return General::EntityLabelFromCombined(
@@ -67,9 +60,9 @@ std::vector<std::string> OtherNetworksWithPipe(host::Document& document,
 std::vector<host::ObjectId> PipesByLabel(host::Document& document,
                                          const ProfileDataOptions& options) {
   std::map<std::string, std::vector<host::ObjectId>> by_label;
-  for (host::Entity* pipe :
-       General::GetNetworkSet(document, options.network, kPipesOption)
-           .Entities())
+  for (host::Entity* pipe : General::GetNetworkSet(document, options.network,
+                                                   core::network_set::kPipes)
+                                .Entities())
     by_label[PipeLabel(*pipe)].push_back(pipe->ObjectID());
   std::vector<host::ObjectId> ids;
   std::set<std::string> named;
@@ -80,12 +73,13 @@ std::vector<host::ObjectId> PipesByLabel(host::Document& document,
     if (found == by_label.end()) {
       const std::vector<std::string> others =
           OtherNetworksWithPipe(document, options.network, label);
-      throw NotFoundError(
-          "the network \"" + options.network + "\" has no pipe labelled \"" +
-          label + "\"" +
-          (others.empty() ? ""
-                          : " (a profile shows one network; \"" + label +
-                                "\" is a pipe of " + Quoted(others) + ")"));
+      throw NotFoundError("the network \"" + options.network +
+                          "\" has no pipe labelled \"" + label + "\"" +
+                          (others.empty()
+                               ? ""
+                               : " (a profile shows one network; \"" + label +
+                                     "\" is a pipe of " + QuotedNames(others) +
+                                     ")"));
     }
     if (found->second.size() > 1)
       throw InvalidInputError("the label \"" + label + "\" names " +
@@ -112,7 +106,7 @@ std::vector<host::ObjectId> PipesOfLine(host::Document& document,
   }
   throw NotFoundError("the network \"" + options.network +
                       "\" has no continuous line named \"" + *options.line +
-                      "\" (its lines: " + Quoted(names) + ")");
+                      "\" (its lines: " + QuotedNames(names) + ")");
 }
 
 // Puts the surfaces of a LandXML text in the civil document, in place of
@@ -147,8 +141,8 @@ std::string UseSurface(memhost::MemDocument& document,
                               "\") needs the surface file that holds it");
     return "";
   }
-  const std::vector<std::string> names = PutSurfaces(
-      document, *options.surface_xml, options.surface_file);
+  const std::vector<std::string> names =
+      PutSurfaces(document, *options.surface_xml, options.surface_file);
   std::string chosen;
   if (options.surface_name) {
     for (const std::string& name : names)
@@ -156,13 +150,13 @@ std::string UseSurface(memhost::MemDocument& document,
     if (chosen.empty())
       throw NotFoundError(options.surface_file + " has no surface named \"" +
                           *options.surface_name + "\" (it has " +
-                          Quoted(names) + ")");
+                          QuotedNames(names) + ")");
   } else if (names.size() == 1) {
     chosen = names.front();
   } else {
     throw InvalidInputError(options.surface_file + " holds " +
                             std::to_string(names.size()) + " surfaces (" +
-                            Quoted(names) + "); choose one by its name");
+                            QuotedNames(names) + "); choose one by its name");
   }
   return chosen;
 }
@@ -208,7 +202,7 @@ ProfileRun SelectProfileRun(memhost::MemDocument& document,
   // An existing network however it is typed.
   options.network =
       core::FindNetworkName(document, typed.network).value_or(typed.network);
-  const std::string type = RequireProfileNetwork(document, options.network);
+  const std::string type = NetworkType(document, options.network);
   if (options.pipes.empty() == !options.line)
     throw InvalidInputError(
         options.line ? "name the pipes of the profile or its line, not both"
@@ -248,8 +242,8 @@ ProfileDataResult ProfileData(memhost::MemDocument& document,
                               const ProfileDataOptions& options) {
   const ProfileRun run = SelectProfileRun(document, options);
   ProfileDataResult result;
-  result.network =
-      core::FindNetworkName(document, options.network).value_or(options.network);
+  result.network = core::FindNetworkName(document, options.network)
+                       .value_or(options.network);
   result.style = run.style.name;
   result.surface = run.surface;
   result.units = General::GetModelUnits(document);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "commands/elements.h"
 #include "commands/profile_support.h"
 #include "core/general.h"
 #include "core/guards.h"
@@ -58,8 +59,8 @@ void CheckStart(host::Document& document, const ProfileRun& run,
   for (size_t i = 0; i + 3 < xy.size(); i += 2)
     length += std::hypot(xy[i + 2] - xy[i], xy[i + 3] - xy[i + 1]);
   const double first = std::hypot(run.start.x - xy[0], run.start.y - xy[1]);
-  const double last = std::hypot(run.start.x - xy[xy.size() - 2],
-                                 run.start.y - xy.back());
+  const double last =
+      std::hypot(run.start.x - xy[xy.size() - 2], run.start.y - xy.back());
   if (std::min(first, last) <= kStartTolerance * length) return;
   throw InvalidInputError(
       "the start point " + PointText(run.start.x, run.start.y) +
@@ -141,7 +142,7 @@ host::BlockReference& AsBlock(host::Document& document, const std::string& id) {
 host::BlockReference& FindProfile(host::Document& document,
                                   const std::string& network,
                                   const std::string& name) {
-  RequireProfileNetwork(document, network);
+  NetworkType(document, network);
   std::vector<host::Entity*> blocks =
       Profile::GetExistingProfileSet(document, network).Entities();
   std::vector<std::string> names;
@@ -156,9 +157,9 @@ host::BlockReference& FindProfile(host::Document& document,
   if (loose != nullptr) return *loose;
   std::string listed;
   for (const std::string& n : names) listed += (listed.empty() ? "" : ", ") + n;
-  throw NotFoundError("the network \"" + network +
-                      "\" has no profile named \"" + name + "\" (its profiles: " +
-                      (listed.empty() ? "none" : listed) + ")");
+  throw NotFoundError(
+      "the network \"" + network + "\" has no profile named \"" + name +
+      "\" (its profiles: " + (listed.empty() ? "none" : listed) + ")");
 }
 
 // Whether the ID names an object of the drawing that is not erased.
@@ -176,8 +177,8 @@ bool Exists(host::Document& document, const std::string& id_text) {
 std::string MissingPipes(host::Document& document,
                          host::BlockReference& block) {
   std::string missing;
-  for (const std::string& id : core::ReferenceValues(
-           Profile::ReadProfileInputs(block).pipes.oids))
+  for (const std::string& id :
+       core::ReferenceValues(Profile::ReadProfileInputs(block).pipes.oids))
     if (!Exists(document, id)) missing += id + ";";
   return missing;
 }
@@ -190,8 +191,7 @@ void CheckChain(host::Document& document, host::BlockReference& block) {
       core::ReferenceValues(inputs.pipes.labels);
   const std::string about = "the profile \"" + inputs.profile_name +
                             "\" of the network \"" + inputs.network_name + "\"";
-  if (ids.empty())
-    throw RefusedError(about + " has no pipes left; delete it");
+  if (ids.empty()) throw RefusedError(about + " has no pipes left; delete it");
   std::string list;
   for (size_t i = 0; i < ids.size(); ++i) {
     if (!Exists(document, ids[i]))
@@ -226,14 +226,12 @@ void DeleteDefinition(host::Document& document, const std::string& name) {
 
 ProfileDrawResult ProfileDraw(memhost::MemDocument& document,
                               const ProfileDrawOptions& options) {
-  if (options.name.empty())
-    throw InvalidInputError("a profile needs a name");
-  if (General::CheckTextForBannedCharacters(options.name,
-                                            kAllBannedCharacters))
+  if (options.name.empty()) throw InvalidInputError("a profile needs a name");
+  if (General::CheckTextForBannedCharacters(options.name, kAllBannedCharacters))
     throw InvalidInputError("The profile name \"" + options.name +
                             "\" contains a character that names cannot hold "
                             "(: ; \" / \\ > < * | ? , =)");
-  RequireProfileNetwork(document, options.run.network);
+  NetworkType(document, options.run.network);
   if (Profile::CheckProfileNameExists(
           Profile::GetProfileDefinitionsArray(document), options.name,
           options.run.network))
@@ -327,9 +325,9 @@ ProfileUpdateResult ProfileUpdate(memhost::MemDocument& document,
       throw InvalidInputError(
           "the profile \"" + inputs.profile_name + "\" of the network \"" +
           inputs.network_name + "\" takes its ground from the surface \"" +
-          inputs.ground_surface_name + "\"; give the surface file that holds it" +
-          (surfaces_given ? " (" + options.surface_source + " does not)"
-                          : ""));
+          inputs.ground_surface_name +
+          "\"; give the surface file that holds it" +
+          (surfaces_given ? " (" + options.surface_source + " does not)" : ""));
   }
   ProfileUpdateResult result;
   core::UnlockedLayers unlocked(document);

@@ -1,5 +1,6 @@
 #include "commands/profile_lines.h"
 
+#include "commands/elements.h"
 #include "commands/profile_support.h"
 #include "core/general.h"
 #include "core/lists.h"
@@ -19,7 +20,7 @@ ProfileLinesResult ProfileLines(host::Document& document,
   ProfileLinesOptions options = typed;
   options.network =
       core::FindNetworkName(document, typed.network).value_or(typed.network);
-  if (RequireProfileNetwork(document, options.network) != core::kGravity)
+  if (NetworkType(document, options.network) != core::kGravity)
     throw InvalidInputError("\"" + options.network +
                             "\" is a pressure network; lines are named "
                             "after the manholes of gravity networks");

@@ -5,6 +5,7 @@
 #include "core/lists.h"
 #include "core/text.h"
 #include "core/user_names.h"
+#include "core/values.h"
 #include "host/errors.h"
 #include "host/host.h"
 #include "profile/profile.h"
@@ -20,7 +21,7 @@ using profile::ProfileStyleItem;
 std::vector<std::string> ItemsOf(const core::Record& record) {
   std::vector<std::string> items;
   for (int k = 0; k < profile::kProfileStyleRecordLength; ++k)
-    items.push_back(record.Text(k));
+    items.push_back(record.Text(core::Field::At(k)));
   return items;
 }
 
@@ -83,7 +84,8 @@ ProfileStyleImportResult ProfileStyleImport(
     throw RefusedError("the drawing already has a profile style named \"" +
                        *taken + "\"" + core::CaseNote(name, *taken) +
                        "; import it under another name with --name");
-  items[static_cast<int>(ProfileStyleItem::kCombinedLabel)] = ";;" + name;
+  items[static_cast<int>(ProfileStyleItem::kCombinedLabel)] =
+      core::CombinedLabel{"", "", name}.Format();
   return {name, profile::Profile::CreateProfileStyle(
                     document, items,
                     profile::Profile::GetProfileStyleXdataTypeArray())};

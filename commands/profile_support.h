@@ -11,11 +11,6 @@ class Document;
 
 namespace kestrana::commands {
 
-// The network's type, "Gravity" or "Pressure"; NotFoundError naming the
-// networks there are when the project has no such network.
-std::string RequireProfileNetwork(host::Document& document,
-                                  const std::string& network);
-
 // The profile style of that name (exact); NotFoundError naming the styles
 // there are.
 profile::StyleMarker RequireProfileStyle(host::Document& document,

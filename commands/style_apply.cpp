@@ -19,7 +19,8 @@ AppliedNetwork CountLinked(host::Document& document,
                            const std::string& network) {
   AppliedNetwork applied{network};
   for (host::Entity* entity :
-       General::GetNetworkSet(document, network, kElementsAndBlocks)
+       General::GetNetworkSet(document, network,
+                              core::network_set::kElementsAndBlocks)
            .Entities()) {
     std::string type = General::GetElementType(*entity);
     if (type == viewstyle::kAnnotation) ++applied.annotations;
@@ -32,7 +33,7 @@ AppliedNetwork CountLinked(host::Document& document,
 
 StyleApplyResult ApplyStyle(host::Document& document,
                             const StyleApplyOptions& options) {
-  StyleApplyResult result{viewstyle::StyleField::Read(document).active, {}};
+  StyleApplyResult result{viewstyle::ReadStyleField(document).active, {}};
   const std::string& active = result.style;
   viewstyle::ViewStyleSettings settings =
       ViewStyle::GetActiveViewStyleSettingsArray(document);

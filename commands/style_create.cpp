@@ -40,7 +40,7 @@ std::string ActivateStyle(host::Document& document,
   const std::string name =
       viewstyle::StyleNameOf(FindStyle(document, options.name));
   viewstyle::ViewStyle::UpdateMoSpaceXdataForViewStyle(
-      document, name, viewstyle::StyleField::Read(document).visibility);
+      document, name, viewstyle::ReadStyleField(document).visibility);
   return name;
 }
 

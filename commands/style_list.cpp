@@ -9,7 +9,7 @@ namespace kestrana::commands {
 using viewstyle::ViewStyleField;
 
 std::vector<StyleSummary> ListStyles(host::Document& document) {
-  const std::string active = viewstyle::StyleField::Read(document).active;
+  const std::string active = viewstyle::ReadStyleField(document).active;
   std::vector<StyleSummary> styles;
   for (const viewstyle::ViewStyleSettings& s :
        viewstyle::ReadViewStyles(document)) {
@@ -44,7 +44,7 @@ StylesSummary DescribeStyles(host::Document& document) {
   try {
     for (const StyleSummary& s : ListStyles(document))
       summary.names.push_back(s.name);
-    summary.active = viewstyle::StyleField::Read(document).active;
+    summary.active = viewstyle::ReadStyleField(document).active;
   } catch (const Error& e) {
     return damaged(e);  // a marker or record that is not there
   } catch (const std::out_of_range& e) {

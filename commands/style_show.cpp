@@ -10,7 +10,7 @@ StyleShowResult ShowStyle(host::Document& document,
   viewstyle::ViewStyleSettings style = FindStyle(document, options.name);
   const std::string name = viewstyle::StyleNameOf(style);
   StyleShowResult result{name, false, std::move(style)};
-  result.active = viewstyle::StyleField::Read(document).active == name;
+  result.active = viewstyle::ReadStyleField(document).active == name;
   return result;
 }
 

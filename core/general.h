@@ -44,6 +44,32 @@ struct LayerStatus {
   friend bool operator==(const LayerStatus&, const LayerStatus&) = default;
 };
 
+// The columns of the table GetNetworkDefinitions answers.
+namespace network_column {
+inline constexpr int kName = 0;
+inline constexpr int kType = 1;
+}  // namespace network_column
+
+// The elements_option of GetNetworkSet.
+namespace network_set {
+// Pipes, nodes and their annotation and arrow blocks.
+inline constexpr int kElementsAndBlocks = 0;
+inline constexpr int kPipes = 1;
+inline constexpr int kNodes = 2;
+}  // namespace network_set
+
+// The format_index of DeleteReferenceInReferenceString.
+namespace reference_form {
+inline constexpr int kReferenceList = 0;  // ";RelatedTo<value>" entries
+inline constexpr int kIdList = 1;         // "<value>;" entries
+}  // namespace reference_form
+
+// The char_index of CheckTextForBannedCharacters.
+namespace banned_characters {
+inline constexpr int kSeparatorOnly = 0;  // ";" alone, for free texts
+inline constexpr int kAll = 1;            // everything names cannot hold
+}  // namespace banned_characters
+
 // The critical message that refuses a project made by a newer version.
 std::string NewerProjectMessage(std::string_view project_version);
 
@@ -84,8 +110,8 @@ class General {
   // The object-ID list without the entries numerically equal to the ID.
   static std::string ExcludeID(std::string_view object_id,
                                std::string_view text);
-  // Drops every entry that ends with `reference_to_be_deleted`; format 0
-  // keeps the reference-list form, 1 the object-ID list form, others "".
+  // Drops every entry that ends with `reference_to_be_deleted`, keeping the
+  // reference_form given; "" for any other form.
   static std::string DeleteReferenceInReferenceString(
       std::string_view reference_string,
       std::string_view reference_to_be_deleted, int format_index);
@@ -111,8 +137,8 @@ class General {
   static TextTable GetNetworkDefinitions(host::Document& document);
   // The names in order; one empty name when there is none.
   static std::vector<std::string> GetNetworkNames(host::Document& document);
-  // The set "NetworkSet": option 0 pipes, nodes and their annotation and
-  // arrow blocks, 1 pipes, 2 nodes, other values nothing.
+  // The set "NetworkSet" of the elements network_set names; other values
+  // select nothing.
   static host::SelectionSet& GetNetworkSet(host::Document& document,
                                            std::string_view net_name,
                                            int elements_option);
@@ -227,7 +253,8 @@ class General {
   static std::string CleanExtraSpaces(std::string_view my_string);
   static std::string CleanCote(std::string_view my_string);
   static double CleanNumericString(std::string_view my_string);
-  // char_index 0 bans only ";", any other value the whole banned set.
+  // banned_characters::kSeparatorOnly bans only ";", any other value the
+  // whole banned set.
   static bool CheckTextForBannedCharacters(std::string_view my_string,
                                            int char_index);
   static std::vector<std::string> BubbleSort(std::vector<std::string> strings);

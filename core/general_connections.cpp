@@ -13,6 +13,7 @@
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "editing/editing.h"
 #include "host/host.h"
 #include "profile/profile.h"
@@ -71,9 +72,10 @@ bool General::CheckLabelDuplication(host::Document& document,
   if (element_type == kGravityPipe || element_type == kPressurePipe) {
     host::SelectionSet& set =
         InitializeSelectionSet(document, "CheckLabelDuplicatoinSet");
-    const std::string combined = std::string(kPipeKind) + ";" +
-                                 std::string(network_name) + ";" +
-                                 std::string(element_label);
+    const std::string combined =
+        CombinedLabel{kPipeKind, std::string(network_name),
+                      std::string(element_label)}
+            .Format();
     set.Select(host::SelectMode::kAll, {}, {},
                {{code::kAppName, host::XValue(std::string(kAppName))},
                 {code::kText, host::XValue(combined)}});

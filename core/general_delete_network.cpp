@@ -33,7 +33,8 @@ void General::DeleteNetwork(host::Document& document,
   lowhigh::LowHigh::DeleteNetworkLowHighPoints(document, net_name);
   profile::Profile::DeleteNetworkProfiles(document, net_name);
 
-  host::SelectionSet& set = GetNetworkSet(document, net_name, 0);
+  host::SelectionSet& set =
+      GetNetworkSet(document, net_name, network_set::kElementsAndBlocks);
   library::Library::UpdateMaterialLibraryForDeleteNetwork(document, set);
   library::Library::UpdateSizeLibraryForDeleteNetwork(document, set);
   set.Erase();

@@ -118,7 +118,8 @@ double General::CleanNumericString(std::string_view my_string) {
 
 bool General::CheckTextForBannedCharacters(std::string_view my_string,
                                            int char_index) {
-  std::string_view banned = char_index == 0 ? ";" : ":;\"/\\><*|?,=";
+  std::string_view banned =
+      char_index == banned_characters::kSeparatorOnly ? ";" : ":;\"/\\><*|?,=";
   return my_string.find_first_of(banned) != std::string_view::npos;
 }
 

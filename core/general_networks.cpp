@@ -12,20 +12,12 @@
 #include "core/project_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "host/host.h"
 
 namespace kestrana::core {
 
 namespace {
-
-// Field 1 split so that piece 1 (the visibility text) and the closing piece
-// after the last ";" are always there.
-std::vector<std::string> ViewStylePieces(const Record& record) {
-  std::vector<std::string> pieces =
-      Split(record.Text(ProjectField::kViewStyles));
-  while (pieces.size() < 3) pieces.emplace_back();
-  return pieces;
-}
 
 struct LayerKind {
   const char* type;
@@ -35,12 +27,12 @@ struct LayerKind {
 };
 
 constexpr LayerKind kLayerKinds[] = {
-    {"Network", " - Network", nullptr, host::color::kCyan},
-    {"Annotation", " - Annotation", nullptr, host::color::kGreen},
-    {"Arrow", " - Arrow", nullptr, host::color::kCyan},
+    {"Network", kNetworkLayerSuffix, nullptr, host::color::kCyan},
+    {"Annotation", kAnnotationLayerSuffix, nullptr, host::color::kGreen},
+    {"Arrow", kArrowLayerSuffix, nullptr, host::color::kCyan},
     {"CrossingPointLine", nullptr, kCrossingLinesLayer, host::color::kYellow},
     {"CrossingPointText", nullptr, kCrossingTextLayer, host::color::kGreen},
-    {"LowHighPoint", " - Low&High Points", nullptr, host::color::kWhite},
+    {"LowHighPoint", kLowHighLayerSuffix, nullptr, host::color::kWhite},
 };
 
 const LayerKind& FindLayerKind(std::string_view layer_type) {
@@ -161,16 +153,19 @@ void General::CreateNetworkDefintion(host::Document& document,
                  record.Text(ProjectField::kNetworkTypes) +
                      std::string(network_type) + ";");
 
-  std::vector<std::string> styles = ViewStylePieces(record);
-  styles[1] += "1";
-  styles.pop_back();
-  record.SetText(ProjectField::kViewStyles, JoinEntries(styles));
+  // A new network is shown.
+  ViewStylesField styles =
+      ViewStylesField::Parse(record.Text(ProjectField::kViewStyles));
+  styles.visibility += "1";
+  record.SetText(ProjectField::kViewStyles, styles.Format());
 
+  // Crossings with every earlier network are shown.
   std::vector<std::string> networks = ListEntries(names);
-  std::string crossing = record.Text(ProjectField::kCrossingSettings);
+  CrossingSettingsField crossing = CrossingSettingsField::Parse(
+      record.Text(ProjectField::kCrossingSettings));
   for (size_t i = 0; i + 1 < networks.size(); ++i)
-    crossing += ";" + name + ";" + networks[i];
-  record.SetText(ProjectField::kCrossingSettings, crossing);
+    crossing.pairs.emplace_back(name, networks[i]);
+  record.SetText(ProjectField::kCrossingSettings, crossing.Format());
 
   if (network_type == kPressure)
     record.SetText(ProjectField::kLowHighNetworks,
@@ -179,7 +174,7 @@ void General::CreateNetworkDefintion(host::Document& document,
 
   CreateStandardLayer(document, name, "Network");
   if (network_type == kGravity)
-    SetLayerColor(document, name + " - Network", "6");
+    SetLayerColor(document, name + kNetworkLayerSuffix, "6");
   CreateStandardLayer(document, name, "Annotation");
   CreateStandardLayer(document, name, "Arrow");
 }
@@ -201,8 +196,9 @@ TextTable General::GetNetworkDefinitions(host::Document& document) {
   if (names.empty()) return TextTable(1, 2);
   TextTable table(static_cast<int>(names.size()), 2);
   for (size_t i = 0; i < names.size(); ++i) {
-    table(static_cast<int>(i), 0) = names[i];
-    table(static_cast<int>(i), 1) = i < types.size() ? types[i] : "";
+    const int row = static_cast<int>(i);
+    table(row, network_column::kName) = names[i];
+    table(row, network_column::kType) = i < types.size() ? types[i] : "";
   }
   return table;
 }
@@ -218,8 +214,9 @@ host::SelectionSet& General::GetNetworkSet(host::Document& document,
                                            std::string_view net_name,
                                            int elements_option) {
   host::SelectionSet& result = InitializeSelectionSet(document, "NetworkSet");
-  const bool with_blocks = elements_option == 0;
-  if (elements_option == 0 || elements_option == 1) {
+  using namespace network_set;
+  const bool with_blocks = elements_option == kElementsAndBlocks;
+  if (with_blocks || elements_option == kPipes) {
     host::SelectionSet& pipes = InitializeSelectionSet(document, "PipeSet");
     pipes.Select(host::SelectMode::kAll, {}, {},
                  PipesOfNetworkFilter(net_name));
@@ -236,7 +233,7 @@ host::SelectionSet& General::GetNetworkSet(host::Document& document,
       }
     }
   }
-  if (elements_option == 0 || elements_option == 2) {
+  if (with_blocks || elements_option == kNodes) {
     host::SelectionSet& nodes = InitializeSelectionSet(document, "NodeSet");
     nodes.Select(host::SelectMode::kAll, {}, {}, NodeBlocksFilter());
     for (host::Entity* node : nodes.Entities()) {
@@ -286,20 +283,17 @@ void General::DeleteNetworkDefintion(host::Document& document,
   if (k < types.size()) types.erase(types.begin() + k);
   record.SetText(ProjectField::kNetworkTypes, JoinEntries(types));
 
-  std::vector<std::string> styles = ViewStylePieces(record);
-  if (k < styles[1].size()) styles[1].erase(k, 1);
-  styles.pop_back();
-  record.SetText(ProjectField::kViewStyles, JoinEntries(styles));
+  ViewStylesField styles =
+      ViewStylesField::Parse(record.Text(ProjectField::kViewStyles));
+  if (k < styles.visibility.size()) styles.visibility.erase(k, 1);
+  record.SetText(ProjectField::kViewStyles, styles.Format());
 
-  std::vector<std::string> crossing =
-      Split(record.Text(ProjectField::kCrossingSettings));
-  if (crossing.size() >= 3) {
-    std::string kept = crossing[0];
-    for (size_t i = 1; i + 1 < crossing.size(); i += 2)
-      if (crossing[i] != network_name && crossing[i + 1] != network_name)
-        kept += ";" + crossing[i] + ";" + crossing[i + 1];
-    record.SetText(ProjectField::kCrossingSettings, kept);
-  }
+  CrossingSettingsField crossing = CrossingSettingsField::Parse(
+      record.Text(ProjectField::kCrossingSettings));
+  std::erase_if(crossing.pairs, [&](const auto& pair) {
+    return pair.first == network_name || pair.second == network_name;
+  });
+  record.SetText(ProjectField::kCrossingSettings, crossing.Format());
 
   std::vector<std::string> low_high;
   for (const std::string& name :
@@ -312,8 +306,8 @@ void General::DeleteNetworkDefintion(host::Document& document,
 
 void General::DeleteNetworkLayers(host::Document& document,
                                   std::string_view net_name) {
-  for (const char* suffix :
-       {" - Network", " - Annotation", " - Arrow", " - Low&High Points"}) {
+  for (const char* suffix : {kNetworkLayerSuffix, kAnnotationLayerSuffix,
+                             kArrowLayerSuffix, kLowHighLayerSuffix}) {
     try {
       document.GetLayers().Item(std::string(net_name) + suffix).Delete();
     } catch (const host::HostError&) {

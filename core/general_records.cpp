@@ -9,6 +9,7 @@
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "host/host.h"
 
 namespace kestrana::core {
@@ -16,22 +17,15 @@ namespace kestrana::core {
 namespace {
 constexpr char kNothing[] = "Nothing";
 
-std::string CombinedPiece(std::string_view combined_label, size_t index) {
-  std::vector<std::string> pieces = Split(combined_label);
-  if (pieces.size() <= index)
-    throw std::out_of_range("'" + std::string(combined_label) +
-                            "' is not a combined label");
-  return pieces[index];
-}
-
 // Field 2 or the network of field 1 of an element's record. Anything that
 // is not an element answers "Nothing"; a damaged record answers "".
 std::string ElementPart(const host::Object& entity, bool network) {
   std::optional<Record> record = Record::Read(entity);
   if (!record || record->Size() == 1) return kNothing;
   try {
-    if (network) return CombinedPiece(record->Text(1), 1);
-    return record->Text(2);
+    if (network)
+      return CombinedLabel::NetworkOf(record->Text(PipeField::kCombinedLabel));
+    return record->Text(PipeField::kElementType);
   } catch (const std::out_of_range&) {
     // Too few fields, or a combined label of too few pieces.
     return "";
@@ -40,12 +34,12 @@ std::string ElementPart(const host::Object& entity, bool network) {
 }  // namespace
 
 std::string General::EntityLabelFromCombined(std::string_view combined_label) {
-  return CombinedPiece(combined_label, 2);
+  return CombinedLabel::LabelOf(combined_label);
 }
 
 std::string General::EntityNetworkFromCombined(
     std::string_view combined_label) {
-  return CombinedPiece(combined_label, 1);
+  return CombinedLabel::NetworkOf(combined_label);
 }
 
 std::string General::GetElementType(const host::Object& my_entity) {
@@ -82,7 +76,9 @@ std::string General::ExcludeID(std::string_view object_id,
 std::string General::DeleteReferenceInReferenceString(
     std::string_view reference_string, std::string_view reference_to_be_deleted,
     int format_index) {
-  if (format_index != 0 && format_index != 1) return "";
+  if (format_index != reference_form::kReferenceList &&
+      format_index != reference_form::kIdList)
+    return "";
   std::vector<std::string> pieces = Split(reference_string);
   auto removed = [&](const std::string& piece) {
     return piece.size() >= reference_to_be_deleted.size() &&
@@ -91,7 +87,7 @@ std::string General::DeleteReferenceInReferenceString(
                reference_to_be_deleted;
   };
   std::string result;
-  if (format_index == 0) {
+  if (format_index == reference_form::kReferenceList) {
     for (size_t i = 1; i < pieces.size(); ++i)
       if (!removed(pieces[i])) result += ";" + pieces[i];
   } else {

@@ -39,6 +39,15 @@ inline constexpr char kCrossingAnnoBlockS1[] = "Kestrana_CrossingAnno_S1";
 inline constexpr char kCrossingAnnoBlockS2[] = "Kestrana_CrossingAnno_S2";
 inline constexpr char kCrossingAnnoBlockS3[] = "Kestrana_CrossingAnno_S3";
 
+// The layers of a network are "<network>" followed by these.
+inline constexpr char kNetworkLayerSuffix[] = " - Network";
+inline constexpr char kAnnotationLayerSuffix[] = " - Annotation";
+inline constexpr char kArrowLayerSuffix[] = " - Arrow";
+inline constexpr char kLowHighLayerSuffix[] = " - Low&High Points";
+
+// Sent to the command line to cancel whatever command is running.
+inline constexpr char kEscape[] = "\x1b";
+
 inline constexpr char kCrossingLinesLayer[] = "Crossing Point Annotation Lines";
 inline constexpr char kCrossingTextLayer[] = "Crossing Point Annotation Text";
 

@@ -37,6 +37,12 @@ enum class PipeField : int {
 
 inline constexpr int kPipeRecordLength = 24;
 
+// The crossing annotations on a pipe, and the profiles that show it.
+inline constexpr LinkFields kCrossingLinks{PipeField::kCrossingRefs,
+                                           PipeField::kCrossingOIDRefs};
+inline constexpr LinkFields kProfileLinks{PipeField::kProfileRefs,
+                                          PipeField::kProfileOIDRefs};
+
 // Group codes of fields 1 to 23.
 inline constexpr std::array<int16_t, kPipeRecordLength - 1> kPipeRecordCodes = {
     code::kText, code::kText, code::kText,  code::kReal, code::kReal,

@@ -6,6 +6,7 @@
 #include "core/lists.h"
 #include "core/names.h"
 #include "core/record.h"
+#include "core/values.h"
 
 namespace kestrana::core {
 
@@ -25,7 +26,7 @@ host::XRecord StandardProfileStyleRecord(bool metric) {
   // Heights and spacings in drawing units; a US drawing is in feet, three
   // times the numbers of a metric one, as for the standard blocks.
   return TextRecord({
-      std::string(";;") + kStandardStyleName,  // combined label
+      CombinedLabel{"", "", kStandardStyleName}.Format(),
       kProfileStylePoint,
       "",  // profiles drawn with the style
       "",  // their blocks

@@ -9,6 +9,7 @@
 #include "core/names.h"
 #include "core/project_defaults.h"
 #include "core/project_record.h"
+#include "core/values.h"
 #include "host/host.h"
 
 namespace kestrana::core {
@@ -46,7 +47,7 @@ ProjectMarkers CreateProjectRecord(host::Document& document,
   Record record = Record::WithCodes(kProjectRecordCodes);
   // The view style markers follow once they exist.
   record.SetText(ProjectField::kViewStyles,
-                 std::string(kStandardStyleName) + ";;");
+                 ViewStylesField{kStandardStyleName, "", {}}.Format());
   record.SetInt16(ProjectField::kEventsFlag, 1);
   record.SetText(ProjectField::kModelUnits, units);
   record.SetText(ProjectField::kCrossingSettings, kShowAllCrossings);

@@ -21,21 +21,28 @@ class Object;
 
 namespace kestrana::core {
 
-// XData group codes of record fields.
-namespace code {
-inline constexpr int16_t kAppName = 1001;
-inline constexpr int16_t kText = 1000;
-inline constexpr int16_t kReal = 1040;
-inline constexpr int16_t kInt16 = 1070;
-}  // namespace code
+// Group codes by name, as the host defines them.
+namespace code = host::code;
 
-// A field position: an enumerator of a record header or a plain index.
+// A field position: an enumerator of a record header, or Field::At(i) for
+// a position counted at run time (walking a whole record). A bare number
+// does not convert, so no field is named by its number by accident.
 struct Field {
   template <class E>
   requires std::is_enum_v<E>
   constexpr Field(E e) : index(static_cast<int>(e)) {}  // NOLINT
-  constexpr Field(int i) : index(i) {}                  // NOLINT
+  static constexpr Field At(int i) { return Field(i); }
   int index;
+
+ private:
+  explicit constexpr Field(int i) : index(i) {}
+};
+
+// A link to another object, kept in two reference-list fields in step: the
+// object's label (or name) and its object ID.
+struct LinkFields {
+  Field labels;
+  Field ids;
 };
 
 // An object that should carry a record has none.

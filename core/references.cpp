@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "core/general.h"
 #include "core/lists.h"
 #include "host/host.h"
 
@@ -46,6 +47,24 @@ Record ReadRecordWithFields(const host::Object& object, int fields,
 std::string SingleReference(const Record& record, Field field) {
   const std::vector<std::string> values = ReferenceValues(record.Text(field));
   return values.empty() ? std::string() : values.front();
+}
+
+void AddLink(Record& record, LinkFields fields, std::string_view label,
+             std::string_view id) {
+  record.SetText(fields.labels,
+                 record.Text(fields.labels) + ReferenceEntry(label));
+  record.SetText(fields.ids, record.Text(fields.ids) + ReferenceEntry(id));
+}
+
+void DeleteLink(Record& record, LinkFields fields, std::string_view label,
+                std::string_view id) {
+  auto drop = [&](Field field, std::string_view value) {
+    record.SetText(field, General::DeleteReferenceInReferenceString(
+                              record.Text(field), RelatedTo(value),
+                              reference_form::kReferenceList));
+  };
+  drop(fields.labels, label);
+  drop(fields.ids, id);
 }
 
 void EraseIfPresent(host::Document& document, std::string_view id_text) {

@@ -32,6 +32,13 @@ host::Entity& EntityFromReference(host::Document& document,
 // The value a single-entry reference field names (";RelatedTo<value>"), or
 // "" for an empty field.
 std::string SingleReference(const Record& record, Field field);
+// Appends ";RelatedTo<label>" and ";RelatedTo<id>" to the two fields.
+void AddLink(Record& record, LinkFields fields, std::string_view label,
+             std::string_view id);
+// Drops the entries that end with "RelatedTo<label>" and "RelatedTo<id>".
+void DeleteLink(Record& record, LinkFields fields, std::string_view label,
+                std::string_view id);
+
 // Erases the entity an ID text names; nothing when it is gone already.
 void EraseIfPresent(host::Document& document, std::string_view id_text);
 

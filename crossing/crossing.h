@@ -26,6 +26,17 @@ class Record;
 
 namespace kestrana::crossing {
 
+// The table GetCrossingSettings answers: the threshold in column 0 of its
+// first row, then one row per pair of networks.
+namespace settings_table {
+inline constexpr int kThresholdRow = 0;
+inline constexpr int kFirstNetwork = 0;
+inline constexpr int kSecondNetwork = 1;
+inline constexpr int kEnabled = 2;
+inline constexpr int kColumns = 3;
+inline constexpr char kEnabledMark[] = "1";
+}  // namespace settings_table
+
 // One pipe at a crossing point, as GetCrossingDataOfPipe reads it.
 struct PipeCrossingData {
   std::string size_string;  // BuildSectionSizeString

@@ -8,6 +8,7 @@
 #include "core/pipe_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/annotation_texts.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
@@ -26,12 +27,8 @@ void AppendLink(host::Document& document, const std::string& pipe_oid,
                 const std::string& anno_label, host::ObjectId anno_id) {
   host::Entity& pipe = core::EntityFromIdText(document, pipe_oid);
   core::Record record = ReadPipeRecord(pipe);
-  record.SetText(
-      PipeField::kCrossingRefs,
-      record.Text(PipeField::kCrossingRefs) + core::ReferenceEntry(anno_label));
-  record.SetText(PipeField::kCrossingOIDRefs,
-                 record.Text(PipeField::kCrossingOIDRefs) +
-                     core::ReferenceEntry(core::IdText(anno_id)));
+  core::AddLink(record, core::kCrossingLinks, anno_label,
+                core::IdText(anno_id));
   record.Write(pipe);
 }
 
@@ -100,7 +97,8 @@ void Crossing::AddCorssingPointXdata(host::Document& document,
 
   using F = CrossingAnnoField;
   core::Record anno = core::Record::WithCodes(kCrossingAnnoRecordCodes);
-  anno.SetText(F::kCombinedLabel, std::string(kAnnoKind) + ";;" + anno_label);
+  anno.SetText(F::kCombinedLabel,
+               core::CombinedLabel{kAnnoKind, "", anno_label}.Format());
   anno.SetText(F::kElementType, kCrossingPointAnnotation);
   anno.SetText(F::kPipe1Net, p.Pipe1Net);
   anno.SetText(F::kPipe2Net, p.Pipe2Net);
@@ -115,13 +113,13 @@ void Crossing::AddCorssingPointXdata(host::Document& document,
   anno.SetText(F::kPipe2OIDRef, core::ReferenceEntry(p.Pipe2OID));
   anno.SetText(F::kLineLabelRef, core::ReferenceEntry(line_label));
   anno.SetText(F::kLineOIDRef, core::ReferenceEntry(line_id));
-  anno.SetText(F::kPoint, core::GeneralText(p.Easting) + ";" +
-                              core::GeneralText(p.Northing));
+  anno.SetText(F::kPoint, core::CrossingPoint{p.Easting, p.Northing}.Format());
   anno.Write(cross_point_anno);
 
   using L = CrossingLineField;
   core::Record line = core::Record::WithCodes(kCrossingLineRecordCodes);
-  line.SetText(L::kCombinedLabel, std::string(kLineKind) + ";;" + line_label);
+  line.SetText(L::kCombinedLabel,
+               core::CombinedLabel{kLineKind, "", line_label}.Format());
   line.SetText(L::kElementType, kCrossingPointLine);
   line.SetText(L::kAnnoLabelRef, core::ReferenceEntry(anno_label));
   line.SetText(L::kAnnoOIDRef, core::ReferenceEntry(anno_id));

@@ -32,7 +32,8 @@ std::vector<host::SelectionSet*> Crossing::GetNetworkSetsAll(
   std::vector<host::SelectionSet*> sets;
   std::unordered_map<std::string, host::SelectionSet*> by_name;
   for (int row = 0; row < ar_network_definitions.Rows(); ++row) {
-    const std::string& name = ar_network_definitions(row, 0);
+    const std::string& name =
+        ar_network_definitions(row, core::network_column::kName);
     if (name.empty()) continue;  // the row of a project without networks
     auto [it, added] = by_name.try_emplace(name, nullptr);
     if (added) it->second = &General::InitializeSelectionSet(document, name);

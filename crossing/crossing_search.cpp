@@ -16,6 +16,7 @@
 #include "core/project_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/crossing.h"
 #include "crossing/pair_key.h"
 #include "crossing/plan_index.h"
@@ -53,10 +54,10 @@ host::Box2 SearchBox(const host::Entity& entity) {
 
 // "pipe P-3 of network Water", or the ID when the label is damaged.
 std::string DescribePipe(const host::Object& pipe, const core::Record& record) {
-  std::vector<std::string> pieces =
-      core::Split(record.Text(PipeField::kCombinedLabel));
-  if (pieces.size() < 3) return "pipe " + core::IdText(pipe.ObjectID());
-  return "pipe " + pieces[2] + " of network " + pieces[1];
+  const std::optional<core::CombinedLabel> combined =
+      core::CombinedLabel::Parse(record.Text(PipeField::kCombinedLabel));
+  if (!combined) return "pipe " + core::IdText(pipe.ObjectID());
+  return "pipe " + combined->label + " of network " + combined->network;
 }
 
 class Search {

@@ -7,6 +7,7 @@
 #include "core/project_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/annotation_texts.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
@@ -20,13 +21,7 @@ using core::ProjectField;
 
 namespace {
 
-constexpr int kThresholdRow = 0;
-// Columns of the settings table.
-constexpr int kFirstNetwork = 0;
-constexpr int kSecondNetwork = 1;
-constexpr int kEnabled = 2;
-constexpr int kSettingsColumns = 3;
-constexpr char kEnabledMark[] = "1";
+using namespace settings_table;
 
 std::string NetworkPairKey(std::string_view a, std::string_view b) {
   return PairKey(a, "", b, "");
@@ -46,11 +41,9 @@ std::unordered_set<std::string> EnabledPairs(const core::TextTable& table) {
 // point, then turned with the user coordinate system.
 void ResetLocation(host::BlockReference& annotation, host::Line& line,
                    const core::Record& record, double angle) {
-  std::vector<std::string> point =
-      core::Split(record.Text(CrossingAnnoField::kPoint));
-  point.resize(2);
-  const host::Point3 at{core::NumericValue(point[0]),
-                        core::NumericValue(point[1]), 0};
+  const host::Point3 at =
+      core::CrossingPoint::Parse(record.Text(CrossingAnnoField::kPoint))
+          .ToPoint();
   const host::Point3 anchor{at.x + kAnnotationOffset, at.y + kAnnotationOffset,
                             0};
   annotation.SetInsertionPoint(anchor);
@@ -67,17 +60,16 @@ core::TextTable Crossing::GetCrossingSettings(host::Document& document) {
   core::Record project = core::ReadProjectRecord(document);
   const std::vector<std::string> networks =
       core::ListEntries(project.Text(ProjectField::kNetworkNames));
-  const std::vector<std::string> stored =
-      core::Split(project.Text(ProjectField::kCrossingSettings));
-  // Stored pairs follow the threshold two pieces each; names that are no
-  // longer networks match no row and drop out.
+  const core::CrossingSettingsField stored = core::CrossingSettingsField::Parse(
+      project.Text(ProjectField::kCrossingSettings));
+  // Names that are no longer networks match no row and drop out.
   std::unordered_set<std::string> enabled;
-  for (size_t i = 1; i + 1 < stored.size(); i += 2)
-    enabled.insert(NetworkPairKey(stored[i], stored[i + 1]));
+  for (const auto& [first, second] : stored.pairs)
+    enabled.insert(NetworkPairKey(first, second));
 
   const int n = static_cast<int>(networks.size());
-  core::TextTable table(1 + n * (n - 1) / 2, kSettingsColumns);
-  table(kThresholdRow, 0) = stored.front();
+  core::TextTable table(1 + n * (n - 1) / 2, kColumns);
+  table(kThresholdRow, 0) = stored.threshold;
   int row = kThresholdRow + 1;
   for (int i = 0; i < n; ++i) {
     for (int j = i + 1; j < n; ++j, ++row) {
@@ -93,13 +85,13 @@ core::TextTable Crossing::GetCrossingSettings(host::Document& document) {
 void Crossing::SetCrossingSettings(
     host::Document& document, const core::TextTable& ar_crossing_settings) {
   const core::TextTable& table = ar_crossing_settings;
-  std::string text = table(kThresholdRow, 0);
+  core::CrossingSettingsField field{table(kThresholdRow, 0), {}};
   for (int row = kThresholdRow + 1; row < table.Rows(); ++row)
     if (table(row, kEnabled) == kEnabledMark)
-      text +=
-          ";" + table(row, kFirstNetwork) + ";" + table(row, kSecondNetwork);
+      field.pairs.emplace_back(table(row, kFirstNetwork),
+                               table(row, kSecondNetwork));
   core::Record project = core::ReadProjectRecord(document);
-  project.SetText(ProjectField::kCrossingSettings, text);
+  project.SetText(ProjectField::kCrossingSettings, field.Format());
   core::WriteProjectRecord(document, project);
 }
 

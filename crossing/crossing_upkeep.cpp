@@ -6,6 +6,7 @@
 #include "core/pipe_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/annotation_texts.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
@@ -42,10 +43,8 @@ types::CrossPoint PipesOf(const core::Record& annotation) {
 }
 
 host::Point3 CrossingPointOf(const core::Record& annotation) {
-  std::vector<std::string> point =
-      core::Split(annotation.Text(CrossingAnnoField::kPoint));
-  point.resize(2);
-  return {core::NumericValue(point[0]), core::NumericValue(point[1]), 0};
+  return core::CrossingPoint::Parse(annotation.Text(CrossingAnnoField::kPoint))
+      .ToPoint();
 }
 
 }  // namespace
@@ -68,14 +67,8 @@ void Crossing::DeleteNetworkCrossings(host::Document& document,
         record.Text(first_is_deleted ? CrossingAnnoField::kPipe2OIDRef
                                      : CrossingAnnoField::kPipe1OIDRef));
     core::Record pipe = ReadPipeRecord(survivor);
-    pipe.SetText(
-        PipeField::kCrossingRefs,
-        General::DeleteReferenceInReferenceString(
-            pipe.Text(PipeField::kCrossingRefs), core::RelatedTo(label), 0));
-    pipe.SetText(PipeField::kCrossingOIDRefs,
-                 General::DeleteReferenceInReferenceString(
-                     pipe.Text(PipeField::kCrossingOIDRefs),
-                     core::RelatedTo(core::IdText(annotation->ObjectID())), 0));
+    core::DeleteLink(pipe, core::kCrossingLinks, label,
+                     core::IdText(annotation->ObjectID()));
     pipe.Write(survivor);
     touched.push_back(PipesOf(record));
   }
@@ -132,7 +125,8 @@ void Crossing::UpdateCrossingData(host::Document& document,
 
   const double clearance =
       Clearance(data1.invert, data1.rise, data2.invert, data2.rise);
-  record.SetText(F::kCombinedLabel, std::string(kAnnoKind) + ";;" + anno_label);
+  record.SetText(F::kCombinedLabel,
+                 core::CombinedLabel{kAnnoKind, "", anno_label}.Format());
   record.SetText(F::kPipe1LabelRef, core::ReferenceEntry(data1.label));
   record.SetText(F::kPipe2LabelRef, core::ReferenceEntry(data2.label));
   record.SetReal(F::kPipe1Rise, data1.rise);
@@ -148,7 +142,7 @@ void Crossing::UpdateCrossingData(host::Document& document,
   core::Record line_record = core::ReadRecordWithFields(
       line, kCrossingLineRecordLength, "crossing line");
   line_record.SetText(CrossingLineField::kCombinedLabel,
-                      std::string(kLineKind) + ";;" + line_label);
+                      core::CombinedLabel{kLineKind, "", line_label}.Format());
   line_record.SetText(CrossingLineField::kAnnoLabelRef,
                       core::ReferenceEntry(anno_label));
   line_record.Write(line);

@@ -12,7 +12,9 @@
 #include "core/pipe_record.h"
 #include "core/progress.h"
 #include "core/record.h"
+#include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/crossing.h"
 #include "editing/conversion.h"
 #include "editing/editing.h"
@@ -32,9 +34,7 @@ using core::PipeField;
 
 namespace {
 
-constexpr char kEscape[] = "\x1b";
 constexpr char kLineClass[] = "AcDbLine";
-constexpr char kNetworkLayerSuffix[] = " - Network";
 // Initial section of a new pipe: millimetres in a metric project, inches
 // otherwise.
 constexpr double kNewPipeSizeMetric = 200;
@@ -48,7 +48,7 @@ std::string NodeType(std::string_view network_type) {
   return std::string(network_type) + core::kNodeKind;
 }
 std::string NetworkLayer(std::string_view network_name) {
-  return std::string(network_name) + kNetworkLayerSuffix;
+  return std::string(network_name) + core::kNetworkLayerSuffix;
 }
 
 std::string LabelOf(const core::Record& element) {
@@ -91,9 +91,10 @@ host::BlockReference& InsertNode(host::Document& document, PlanPoint at,
                                  const std::string& label,
                                  const Placing& placing) {
   core::Record record = core::Record::WithCodes(core::kNodeRecordCodes);
-  record.SetText(NodeField::kCombinedLabel, std::string(core::kNodeKind) + ";" +
-                                                std::string(network_name) +
-                                                ";" + label);
+  record.SetText(
+      NodeField::kCombinedLabel,
+      core::CombinedLabel{core::kNodeKind, std::string(network_name), label}
+          .Format());
   record.SetText(NodeField::kElementType, NodeType(network_type));
   record.SetInt16(NodeField::kMatching,
                   static_cast<int16_t>(network_type == core::kGravity
@@ -117,9 +118,10 @@ void LinkPipe(host::Document& document, host::LwPolyline& pipe,
   core::Record start_node = ReadNode(start);
   core::Record end_node = ReadNode(end);
   core::Record record = core::Record::WithCodes(core::kPipeRecordCodes);
-  record.SetText(PipeField::kCombinedLabel, std::string(core::kPipeKind) + ";" +
-                                                std::string(network_name) +
-                                                ";" + label);
+  record.SetText(
+      PipeField::kCombinedLabel,
+      core::CombinedLabel{core::kPipeKind, std::string(network_name), label}
+          .Format());
   record.SetText(PipeField::kElementType, PipeType(network_type));
   record.SetText(PipeField::kSectionShape, core::kSectionShapeCircular);
   record.SetReal(PipeField::kSpan, size);
@@ -137,13 +139,10 @@ void LinkPipe(host::Document& document, host::LwPolyline& pipe,
   record.Write(pipe);
   pipe.SetLayer(NetworkLayer(network_name));
 
-  const std::string label_entry = core::ReferenceEntry(label);
-  const std::string id_entry =
-      core::ReferenceEntry(core::IdText(pipe.ObjectID()));
+  const std::string id = core::IdText(pipe.ObjectID());
   auto link = [&](host::Entity& node, core::Record& node_record,
                   NodeField labels, NodeField ids) {
-    node_record.SetText(labels, node_record.Text(labels) + label_entry);
-    node_record.SetText(ids, node_record.Text(ids) + id_entry);
+    core::AddLink(node_record, {labels, ids}, label, id);
     node_record.Write(node);
   };
   link(start, start_node, NodeField::kPipesAtStartLabels,
@@ -288,7 +287,7 @@ void CountNewPipes(host::Document& document,
 host::SelectionSet& Editing::GetEntitiesToConvert(host::Document& document) {
   host::SelectionSet& set =
       General::InitializeSelectionSet(document, "SetEntitiesToConvert");
-  document.SendCommand(kEscape);
+  document.SendCommand(core::kEscape);
   document.GetUtility().Prompt(kConvertPrompt);
   set.SelectOnScreen(core::EntitiesToConvertFilter());
   if (set.Count() == 0) return set;
@@ -323,8 +322,9 @@ ConversionCounts ConvertEntities(host::Document& document,
   core::UnlockedLayers unlocked(document);
   std::vector<host::Entity*> existing_nodes;
   if (is_existing_network)
-    existing_nodes =
-        General::GetNetworkSet(document, network_name, 2).Entities();
+    existing_nodes = General::GetNetworkSet(document, network_name,
+                                            core::network_set::kNodes)
+                         .Entities();
   for (const char* layer : {"Network", "Annotation", "Arrow"})
     General::CreateStandardLayer(document, network_name, layer);
   viewstyle::ViewStyle::DefineAttributeBlocks(

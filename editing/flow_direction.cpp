@@ -8,6 +8,7 @@
 
 #include "core/filters.h"
 #include "core/general.h"
+#include "core/record.h"
 #include "core/text.h"
 #include "editing/editing.h"
 #include "host/host.h"
@@ -15,8 +16,6 @@
 namespace kestrana::editing {
 
 namespace {
-
-constexpr int16_t kLayerCode = 8;
 
 using Point = std::pair<double, double>;
 
@@ -36,7 +35,7 @@ std::vector<DrawnLine> DrawnLines(host::Document& document,
   host::SelectionSet& set =
       core::General::InitializeSelectionSet(document, "SetDrawnLines");
   set.Select(host::SelectMode::kAll, {}, {},
-             {{kLayerCode, core::EscapeWildcards(layer)}});
+             {{core::code::kLayer, core::EscapeWildcards(layer)}});
   std::vector<DrawnLine> lines;
   for (host::Entity* entity : set.Entities()) {
     if (auto* line = dynamic_cast<host::Line*>(entity)) {

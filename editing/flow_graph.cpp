@@ -18,8 +18,6 @@ using core::PipeField;
 
 namespace {
 
-constexpr int kPipes = 1;
-constexpr int kNodes = 2;
 
 }  // namespace
 
@@ -27,7 +25,8 @@ FlowGraph ReadFlowGraph(host::Document& document, std::string_view network) {
   FlowGraph graph;
   std::map<std::string, size_t> node_at;
   for (host::Entity* node :
-       General::GetNetworkSet(document, network, kNodes).Entities()) {
+       General::GetNetworkSet(document, network, core::network_set::kNodes)
+           .Entities()) {
     core::Record record = core::Record::ReadRequired(*node);
     node_at[core::IdText(node->ObjectID())] = graph.nodes.size();
     graph.nodes.push_back({node,
@@ -38,7 +37,8 @@ FlowGraph ReadFlowGraph(host::Document& document, std::string_view network) {
                            {}});
   }
   for (host::Entity* pipe :
-       General::GetNetworkSet(document, network, kPipes).Entities()) {
+       General::GetNetworkSet(document, network, core::network_set::kPipes)
+           .Entities()) {
     core::Record record = core::Record::ReadRequired(*pipe);
     const size_t from = node_at.at(
         core::ReferenceValues(record.Text(PipeField::kStartNodeOID)).at(0));

@@ -47,7 +47,9 @@ GroundLevelUpdate GroundLevelsFromSurface(
   std::vector<std::vector<host::Entity*>> nodes;
   size_t total = 0, done = 0;
   for (const std::string& network : network_names) {
-    nodes.push_back(General::GetNetworkSet(document, network, 2).Entities());
+    nodes.push_back(
+        General::GetNetworkSet(document, network, core::network_set::kNodes)
+            .Entities());
     total += nodes.back().size();
   }
   std::string changed_pipes, changed_nodes;

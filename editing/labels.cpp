@@ -11,6 +11,7 @@
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "editing/editing.h"
 #include "host/host.h"
 
@@ -23,7 +24,6 @@ namespace {
 
 // Label prefixes are two characters; what follows is the number.
 constexpr size_t kPrefixLength = 2;
-constexpr int kCombinedLabelPieces = 3;
 
 bool IsPipeType(std::string_view element_type) {
   return element_type == core::kGravityPipe ||
@@ -90,16 +90,15 @@ std::vector<std::string> Editing::GetExistingLabelsArray(
     if (!record || !record->Has(PipeField::kElementType) ||
         record->Text(PipeField::kElementType) != element_type)
       continue;
-    std::vector<std::string> pieces =
-        core::Split(record->Text(PipeField::kCombinedLabel));
-    if (pieces.size() < kCombinedLabelPieces || pieces[1] != network_name)
-      continue;
+    const std::optional<core::CombinedLabel> combined =
+        core::CombinedLabel::Parse(record->Text(PipeField::kCombinedLabel));
+    if (!combined || combined->network != network_name) continue;
     const std::string id = core::IdText(entity->ObjectID());
     if (std::find(ar_elements_to_ignore_oids.begin(),
                   ar_elements_to_ignore_oids.end(),
                   id) != ar_elements_to_ignore_oids.end())
       continue;
-    labels.push_back(pieces[2]);
+    labels.push_back(combined->label);
   }
   labels.emplace_back();
   return labels;

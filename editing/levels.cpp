@@ -10,6 +10,7 @@
 #include "core/pipe_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_search.h"
 #include "editing/editing.h"
@@ -284,7 +285,8 @@ void Editing::UpdateNodeData(host::Document& document,
       record.Text(NodeField::kCombinedLabel));
   record.SetText(
       NodeField::kCombinedLabel,
-      std::string(core::kNodeKind) + ";" + network + ";" + std::string(label));
+      core::CombinedLabel{core::kNodeKind, network, std::string(label)}
+          .Format());
   record.SetReal(NodeField::kGroundLevel, ground_level);
   record.SetReal(NodeField::kSumpLevel, sump_level);
   if (std::optional<Matching> matching = MatchingOfText(pipes_matching)) {
@@ -357,7 +359,8 @@ void Editing::UpdatePipeData(
       record.Text(PipeField::kCombinedLabel));
   record.SetText(
       PipeField::kCombinedLabel,
-      std::string(core::kPipeKind) + ";" + network + ";" + std::string(label));
+      core::CombinedLabel{core::kPipeKind, network, std::string(label)}
+          .Format());
 
   const library::PipeSize old_size = library::PipeSizeOf(record);
   const Section section = SectionOfFormText(section_size_shape);

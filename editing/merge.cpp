@@ -5,6 +5,7 @@
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/messages.h"
+#include "core/names.h"
 #include "core/node_record.h"
 #include "core/pipe_record.h"
 #include "core/record.h"
@@ -27,8 +28,6 @@ using core::General;
 using core::NodeField;
 using core::PipeField;
 using core::Record;
-
-constexpr char kEscape[] = "\x1b";
 
 constexpr char kOtherNetworks[] =
     "The selected pipes are from different networks!";
@@ -76,7 +75,7 @@ std::vector<Record> Records(host::SelectionSet& set) {
 host::SelectionSet& Editing::GetPipesToMerge(host::Document& document) {
   host::SelectionSet& set =
       General::InitializeSelectionSet(document, "TempSetPipesToMerge");
-  document.SendCommand(kEscape);
+  document.SendCommand(core::kEscape);
   document.GetUtility().Prompt(kMergePrompt);
   set.SelectOnScreen(core::ElementsOfKindFilter(true));
   if (set.Count() < 2) return set;
@@ -291,23 +290,13 @@ void Editing::AssignMergedXdata(
     const std::string old_label = General::EntityLabelFromCombined(
         old_record.Text(PipeField::kCombinedLabel));
     const std::string old_id = core::IdText(old_pipe.ObjectID());
-    for (auto field :
-         {NodeField::kPipesAtStartLabels, NodeField::kPipesAtEndLabels})
-      if (!record.Text(field).empty())
-        record.SetText(field,
-                       General::DeleteReferenceInReferenceString(
-                           record.Text(field), core::RelatedTo(old_label), 0));
-    for (auto field : {NodeField::kPipesAtStartOID, NodeField::kPipesAtEndOID})
-      if (!record.Text(field).empty())
-        record.SetText(field,
-                       General::DeleteReferenceInReferenceString(
-                           record.Text(field), core::RelatedTo(old_id), 0));
-    const core::Field labels = at_start ? NodeField::kPipesAtStartLabels
-                                        : NodeField::kPipesAtEndLabels;
-    const core::Field ids =
-        at_start ? NodeField::kPipesAtStartOID : NodeField::kPipesAtEndOID;
-    record.SetText(labels, record.Text(labels) + ";" + core::RelatedTo(label));
-    record.SetText(ids, record.Text(ids) + ";" + core::RelatedTo(merged_id));
+    const core::LinkFields start_links{NodeField::kPipesAtStartLabels,
+                                       NodeField::kPipesAtStartOID};
+    const core::LinkFields end_links{NodeField::kPipesAtEndLabels,
+                                     NodeField::kPipesAtEndOID};
+    core::DeleteLink(record, start_links, old_label, old_id);
+    core::DeleteLink(record, end_links, old_label, old_id);
+    core::AddLink(record, at_start ? start_links : end_links, label, merged_id);
     record.Write(node);
     UpdateConnectedPipesAtNode(document, node,
                                General::EntityLabelFromCombined(

@@ -4,6 +4,7 @@
 #include "core/filters.h"
 #include "core/general.h"
 #include "core/lists.h"
+#include "core/names.h"
 #include "core/node_record.h"
 #include "core/pipe_record.h"
 #include "core/record.h"
@@ -21,13 +22,11 @@ using core::General;
 using core::NodeField;
 using core::PipeField;
 
-constexpr char kEscape[] = "\x1b";
-
 host::SelectionSet& AskOnScreen(host::Document& document,
                                 std::string_view set_name, const char* prompt,
                                 const host::Filter& filter) {
   host::SelectionSet& set = General::InitializeSelectionSet(document, set_name);
-  document.SendCommand(kEscape);
+  document.SendCommand(core::kEscape);
   document.GetUtility().Prompt(prompt);
   set.SelectOnScreen(filter);
   return set;
@@ -59,22 +58,13 @@ void Editing::ReversePipeReferenceInNode(host::Document& document,
   host::Entity& node = core::EntityFromIdText(document, node_oid);
   core::Record record = core::Record::ReadRequired(node);
   const bool from_start = indicator == 0;
-  const core::Field from_labels = from_start ? NodeField::kPipesAtStartLabels
-                                             : NodeField::kPipesAtEndLabels;
-  const core::Field from_ids =
-      from_start ? NodeField::kPipesAtStartOID : NodeField::kPipesAtEndOID;
-  const core::Field to_labels = from_start ? NodeField::kPipesAtEndLabels
-                                           : NodeField::kPipesAtStartLabels;
-  const core::Field to_ids =
-      from_start ? NodeField::kPipesAtEndOID : NodeField::kPipesAtStartOID;
-  const std::string label_entry = core::RelatedTo(pipe_label);
-  const std::string id_entry = core::RelatedTo(pipe_oid);
-  record.SetText(from_labels, General::DeleteReferenceInReferenceString(
-                                  record.Text(from_labels), label_entry, 0));
-  record.SetText(from_ids, General::DeleteReferenceInReferenceString(
-                               record.Text(from_ids), id_entry, 0));
-  record.SetText(to_labels, record.Text(to_labels) + ";" + label_entry);
-  record.SetText(to_ids, record.Text(to_ids) + ";" + id_entry);
+  const core::LinkFields at_start{NodeField::kPipesAtStartLabels,
+                                  NodeField::kPipesAtStartOID};
+  const core::LinkFields at_end{NodeField::kPipesAtEndLabels,
+                                NodeField::kPipesAtEndOID};
+  core::DeleteLink(record, from_start ? at_start : at_end, pipe_label,
+                   pipe_oid);
+  core::AddLink(record, from_start ? at_end : at_start, pipe_label, pipe_oid);
   record.Write(node);
 }
 

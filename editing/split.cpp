@@ -10,6 +10,7 @@
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
 #include "editing/editing.h"
@@ -27,8 +28,6 @@ using core::General;
 using core::NodeField;
 using core::PipeField;
 using core::Record;
-
-constexpr char kEscape[] = "\x1b";
 
 bool IsPipe(const host::Entity& entity) {
   const std::string type = General::GetElementType(entity);
@@ -51,14 +50,14 @@ bool Editing::GetSplitPipeAndPoint(host::Document& document,
                                    host::Entity*& split_pipe_entity,
                                    host::Point3& split_point) {
   try {
-    document.SendCommand(kEscape);
+    document.SendCommand(core::kEscape);
     host::EntityPick pick = document.GetUtility().GetEntity(kSplitPipePrompt);
     while (pick.entity == nullptr || !IsPipe(*pick.entity)) {
       core::ShowMessage(document, kNotAPipeMessage, host::msgbox::kCritical);
       pick = document.GetUtility().GetEntity(kSplitPipePrompt);
     }
     const auto& pipe = host::As<host::LwPolyline>(*pick.entity);
-    document.SendCommand(kEscape);
+    document.SendCommand(core::kEscape);
     while (true) {
       const host::Point3 point =
           document.GetUtility().GetPoint(std::nullopt, kSplitPointPrompt);
@@ -152,8 +151,9 @@ void Editing::AssignSplitXdata(host::Document& document,
   a1.Write(new_pipe_entity1);
 
   Record a2 = a;
-  a2.SetText(PipeField::kCombinedLabel, std::string(core::kPipeKind) + ";" +
-                                            network + ";" + new_pipe_label);
+  a2.SetText(
+      PipeField::kCombinedLabel,
+      core::CombinedLabel{core::kPipeKind, network, new_pipe_label}.Format());
   a2.SetReal(PipeField::kStartInvert, invert);
   a2.SetText(PipeField::kStartNodeLabel, core::ReferenceEntry(node_label));
   a2.SetText(PipeField::kStartNodeOID, core::ReferenceEntry(k_id));
@@ -191,7 +191,7 @@ void Editing::AssignSplitXdata(host::Document& document,
     k.SetText(NodeField::kElementType, General::GetNodeTypeFromPipeType(type));
   }
   k.SetText(NodeField::kCombinedLabel,
-            std::string(core::kNodeKind) + ";" + network + ";" + node_label);
+            core::CombinedLabel{core::kNodeKind, network, node_label}.Format());
   k.SetText(NodeField::kPipesAtStartLabels,
             core::ReferenceEntry(new_pipe_label));
   k.SetText(NodeField::kPipesAtEndLabels, core::ReferenceEntry(label));
@@ -235,21 +235,15 @@ void Editing::UpdateCrossingsAfterSplitting(host::Document& document,
     Record record = Record::ReadRequired(annotation);
     const std::string label =
         General::EntityLabelFromCombined(record.Text(F::kCombinedLabel));
-    std::vector<std::string> location = core::Split(record.Text(F::kPoint));
-    location.resize(2);
-    const host::Point3 point{core::NumericValue(location[0]),
-                             core::NumericValue(location[1]), 0};
+    const host::Point3 point =
+        core::CrossingPoint::Parse(record.Text(F::kPoint)).ToPoint();
     host::Entity& owner =
         General::CheckPointOnPolyline(
             point, host::As<host::LwPolyline>(new_pipe_entity1))
             ? new_pipe_entity1
             : new_pipe_entity2;
     Record pipe = Record::ReadRequired(owner);
-    pipe.SetText(PipeField::kCrossingRefs, pipe.Text(PipeField::kCrossingRefs) +
-                                               core::ReferenceEntry(label));
-    pipe.SetText(
-        PipeField::kCrossingOIDRefs,
-        pipe.Text(PipeField::kCrossingOIDRefs) + core::ReferenceEntry(id));
+    core::AddLink(pipe, core::kCrossingLinks, label, id);
     pipe.Write(owner);
     const std::string owner_ref =
         core::ReferenceEntry(core::IdText(owner.ObjectID()));

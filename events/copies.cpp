@@ -12,6 +12,7 @@
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/crossing.h"
 #include "editing/editing.h"
 #include "events/events.h"
@@ -113,9 +114,10 @@ void Events::VerifyCopiedElements(host::Document& document,
     // Nothing of the originals stays with a copy.
     std::map<std::string, Copy*> node_by_label;
     for (Copy& node : copies.nodes) {
-      node.record.SetText(NodeField::kCombinedLabel,
-                          std::string(core::kNodeKind) + ";" + network + ";" +
-                              node.final_label);
+      node.record.SetText(
+          NodeField::kCombinedLabel,
+          core::CombinedLabel{core::kNodeKind, network, node.final_label}
+              .Format());
       for (auto field :
            {NodeField::kPipesAtStartLabels, NodeField::kPipesAtEndLabels,
             NodeField::kPipesAtStartOID, NodeField::kPipesAtEndOID,
@@ -135,9 +137,9 @@ void Events::VerifyCopiedElements(host::Document& document,
       }
       const std::string id = core::IdText(pipe.entity->ObjectID());
       Record& r = pipe.record;
-      r.SetText(PipeField::kCombinedLabel, std::string(core::kPipeKind) + ";" +
-                                               network + ";" +
-                                               pipe.final_label);
+      r.SetText(PipeField::kCombinedLabel,
+                core::CombinedLabel{core::kPipeKind, network, pipe.final_label}
+                    .Format());
       r.SetText(PipeField::kStartNodeLabel,
                 core::ReferenceEntry(start->second->final_label));
       r.SetText(PipeField::kEndNodeLabel,
@@ -154,18 +156,13 @@ void Events::VerifyCopiedElements(host::Document& document,
             PipeField::kCrossingRefs, PipeField::kCrossingOIDRefs,
             PipeField::kProfileRefs, PipeField::kProfileOIDRefs})
         r.SetText(field, "");
-      Record& s = start->second->record;
-      s.SetText(NodeField::kPipesAtStartLabels,
-                s.Text(NodeField::kPipesAtStartLabels) +
-                    core::ReferenceEntry(pipe.final_label));
-      s.SetText(NodeField::kPipesAtStartOID,
-                s.Text(NodeField::kPipesAtStartOID) + core::ReferenceEntry(id));
-      Record& e = end->second->record;
-      e.SetText(NodeField::kPipesAtEndLabels,
-                e.Text(NodeField::kPipesAtEndLabels) +
-                    core::ReferenceEntry(pipe.final_label));
-      e.SetText(NodeField::kPipesAtEndOID,
-                e.Text(NodeField::kPipesAtEndOID) + core::ReferenceEntry(id));
+      core::AddLink(
+          start->second->record,
+          {NodeField::kPipesAtStartLabels, NodeField::kPipesAtStartOID},
+          pipe.final_label, id);
+      core::AddLink(end->second->record,
+                    {NodeField::kPipesAtEndLabels, NodeField::kPipesAtEndOID},
+                    pipe.final_label, id);
       kept.push_back(&pipe);
     }
     for (Copy* pipe : kept) pipe->record.Write(*pipe->entity);

@@ -154,14 +154,7 @@ void Events::CrossingAnnoWillBeErased(host::Document& document,
     }
     host::Entity& pipe = core::EntityFromIdText(document, *pipe_id);
     Record pipe_record = Record::ReadRequired(pipe);
-    pipe_record.SetText(PipeField::kCrossingRefs,
-                        General::DeleteReferenceInReferenceString(
-                            pipe_record.Text(PipeField::kCrossingRefs),
-                            core::RelatedTo(label), 0));
-    pipe_record.SetText(PipeField::kCrossingOIDRefs,
-                        General::DeleteReferenceInReferenceString(
-                            pipe_record.Text(PipeField::kCrossingOIDRefs),
-                            core::RelatedTo(id), 0));
+    core::DeleteLink(pipe_record, core::kCrossingLinks, label, id);
     pipe_record.Write(pipe);
   }
   Queue(core::SingleReference(record, F::kLineOIDRef), erased, to_be_erased);
@@ -222,22 +215,24 @@ void Events::DeletePipeFromProfile(host::Document& document,
 void Events::AnalyzeLowHighAfterDeleting(host::Document& document,
                                          std::string_view nodes) {
   const core::TextTable networks = General::GetNetworkDefinitions(document);
-  if (networks.Rows() == 0 || networks(0, 0).empty()) return;
+  using namespace core::network_column;
+  if (networks.Rows() == 0 || networks(0, kName).empty()) return;
   std::vector<std::vector<std::string>> per_network(
       static_cast<size_t>(networks.Rows()));
   for (host::Entity* node :
        General::ConvertOIDStringToSelectionSet(document, nodes).Entities()) {
     const std::string network = General::GetElementNetwork(*node);
     for (int row = 0; row < networks.Rows(); ++row)
-      if (networks(row, 0) == network)
+      if (networks(row, kName) == network)
         per_network[static_cast<size_t>(row)].push_back(
             core::IdText(node->ObjectID()));
   }
   for (int row = 0; row < networks.Rows(); ++row)
-    if (networks(row, 1) == core::kPressure &&
+    if (networks(row, kType) == core::kPressure &&
         !per_network[static_cast<size_t>(row)].empty())
       lowhigh::LowHigh::BuildLowHighPointsAfterImporting(
-          document, per_network[static_cast<size_t>(row)], networks(row, 0));
+          document, per_network[static_cast<size_t>(row)],
+          networks(row, kName));
 }
 
 }  // namespace kestrana::events

@@ -10,6 +10,7 @@
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
 #include "editing/node_index.h"
@@ -104,10 +105,8 @@ void Events::AdjustCrossingLine(host::Document& document, host::Line& line) {
                     line_record, crossing::CrossingLineField::kAnnoOIDRef)));
   const Record record = core::ReadRecordWithFields(
       annotation, crossing::kCrossingAnnoRecordLength, "crossing annotation");
-  std::vector<std::string> location = core::Split(record.Text(F::kPoint));
-  location.resize(2);
-  const host::Point3 at{core::NumericValue(location[0]),
-                        core::NumericValue(location[1]), 0};
+  const host::Point3 at =
+      core::CrossingPoint::Parse(record.Text(F::kPoint)).ToPoint();
   line.SetStartPoint(at);
 
   const host::Block& definition = document.GetBlocks().Item(annotation.Name());

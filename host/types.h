@@ -57,6 +57,18 @@ class XValue {
   std::variant<std::string, double, int16_t> v_;
 };
 
+// The host's group codes, of XData items and of selection filters.
+namespace code {
+inline constexpr int16_t kAppName = 1001;
+inline constexpr int16_t kText = 1000;
+inline constexpr int16_t kReal = 1040;
+inline constexpr int16_t kInt16 = 1070;
+inline constexpr int16_t kEntityType = 0;
+inline constexpr int16_t kBlockName = 2;
+inline constexpr int16_t kLayer = 8;
+inline constexpr int16_t kGrouping = -4;  // "<AND", "OR>", ...
+}  // namespace code
+
 struct XItem {
   int16_t code = 0;
   XValue value;

@@ -12,6 +12,7 @@
 #include "core/project_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "host/host.h"
 
 namespace kestrana::lowhigh {
@@ -99,8 +100,9 @@ host::BlockReference* ReplaceMarker(host::Document& document,
             .Name());
     core::Record record = core::Record::WithCodes(kLowHighRecordCodes);
     record.SetText(LowHighField::kCombinedLabel,
-                   std::string(kLowHighKind) + ";" + std::string(network_name) +
-                       ";" + marker_label);
+                   core::CombinedLabel{kLowHighKind, std::string(network_name),
+                                       marker_label}
+                       .Format());
     record.SetText(LowHighField::kElementType, kLowHighPoint);
     record.SetText(LowHighField::kNodeLabelRef,
                    core::ReferenceEntry(node_label));
@@ -245,8 +247,8 @@ core::TextTable LowHigh::GetLowHighSettings(host::Document& document) {
   const core::TextTable networks = General::GetNetworkDefinitions(document);
   std::vector<std::string> pressure;
   for (int row = 0; row < networks.Rows(); ++row)
-    if (networks(row, 1) == core::kPressure)
-      pressure.push_back(networks(row, 0));
+    if (networks(row, core::network_column::kType) == core::kPressure)
+      pressure.push_back(networks(row, core::network_column::kName));
   core::TextTable table(static_cast<int>(pressure.size()), 2);
   for (int row = 0; row < table.Rows(); ++row) {
     table(row, kNetworkColumn) = pressure[row];

@@ -18,6 +18,7 @@
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/crossing_record.h"
 #include "host/host.h"
 #include "library/library_record.h"
@@ -177,10 +178,9 @@ class RecordRewrite {
 // The network and label pieces of field 1 ("Kind;network;label"); markers
 // carry names of other forms, which give what pieces they have.
 std::pair<std::string, std::string> NetworkAndLabel(const Record& record) {
-  std::vector<std::string> pieces =
-      core::Split(record.Text(PipeField::kCombinedLabel));
-  pieces.resize(std::max<size_t>(pieces.size(), 3));
-  return {pieces[1], pieces[2]};
+  core::CombinedLabel combined =
+      core::CombinedLabel::ParsePadded(record.Text(PipeField::kCombinedLabel));
+  return {std::move(combined.network), std::move(combined.label)};
 }
 
 std::vector<ProjectObject> CollectProjectObjects(host::Document& document) {
@@ -338,15 +338,14 @@ bool RewriteProjectRecord(host::Document& document,
   const IdentityTable none;
   RecordRewrite rewrite(project, none);
   if (project.Has(ProjectField::kViewStyles)) {
-    std::vector<std::string> pieces =
-        core::Split(project.Text(ProjectField::kViewStyles));
-    pieces.resize(std::max<size_t>(pieces.size(), 2));
-    std::string stored_ids;
-    for (size_t i = 2; i < pieces.size(); ++i)
-      if (!pieces[i].empty()) stored_ids += pieces[i] + ";";
-    rewrite.Set(ProjectField::kViewStyles,
-                pieces[0] + ";" + pieces[1] + ";" +
-                    MarkerList(view_styles, stored_ids));
+    core::ViewStylesField field =
+        core::ViewStylesField::Parse(project.Text(ProjectField::kViewStyles));
+    std::vector<std::string> stored;
+    for (const std::string& id : field.markers)
+      if (!id.empty()) stored.push_back(id);
+    field.markers =
+        core::ListEntries(MarkerList(view_styles, core::JoinEntries(stored)));
+    rewrite.Set(ProjectField::kViewStyles, field.Format());
   }
   if (materials && project.Has(ProjectField::kMaterialsLibrary))
     rewrite.Set(ProjectField::kMaterialsLibrary, *materials);

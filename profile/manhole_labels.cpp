@@ -26,7 +26,6 @@ constexpr std::array<std::string_view, 8> kThreeCharacterPrefixes = {
 constexpr std::string_view kTwoCharacterPrefix = "MH";
 
 constexpr char kMainLine[] = "Main";
-constexpr int kPipesOption = 1;
 
 bool IsDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)); }
 bool IsUpper(char c) { return std::isupper(static_cast<unsigned char>(c)); }
@@ -75,9 +74,9 @@ std::vector<GravityLine> Profile::GetGravityLineNames(
     host::Document& document, std::string_view net_name) {
   std::vector<GravityLine> lines;
   std::unordered_map<std::string, size_t> line_of_name;
-  for (host::Entity* pipe :
-       core::General::GetNetworkSet(document, net_name, kPipesOption)
-           .Entities()) {
+  for (host::Entity* pipe : core::General::GetNetworkSet(
+                                document, net_name, core::network_set::kPipes)
+                                .Entities()) {
     const core::Record record =
         core::ReadRecordWithFields(*pipe, core::kPipeRecordLength, "pipe");
     const std::string name = GetManholeLineName(

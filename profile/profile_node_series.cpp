@@ -9,6 +9,7 @@
 #include "core/pipe_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "crossing/crossing_record.h"
 #include "crossing/crossing_search.h"
 #include "host/host.h"
@@ -134,10 +135,8 @@ std::string Profile::GetCrossingStringForProfile(
         pipe1 == original_id
             ? core::SingleReference(annotation, F::kPipe2OIDRef)
             : pipe1;
-    std::vector<std::string> point = core::Split(annotation.Text(F::kPoint));
-    point.resize(2);  // "<easting>;<northing>"
-    const host::Point3 at{core::NumericValue(point[0]),
-                          core::NumericValue(point[1]), 0};
+    const host::Point3 at =
+        core::CrossingPoint::Parse(annotation.Text(F::kPoint)).ToPoint();
     double station = core::General::GetPointStationOnPolyline(xy, at);
     if (direction_index == 1) station = length - station;
     AppendValue(series,

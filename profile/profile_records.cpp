@@ -10,6 +10,7 @@
 #include "core/project_record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "host/host.h"
 #include "profile/profile.h"
 #include "profile/profile_record.h"
@@ -30,7 +31,14 @@ core::Record ReadPipeRecord(const host::Object& pipe) {
   return core::ReadRecordWithFields(pipe, core::kPipeRecordLength, "pipe");
 }
 
-constexpr int16_t kLayerCode = 8;  // selection filters: the layer
+// The stamp's field 1: its kind, then the profile's network and name.
+std::string StampLabel(const core::Record& profile) {
+  const std::string combined = profile.Text(ProfileField::kCombinedLabel);
+  return core::CombinedLabel{kStampKind,
+                             General::EntityNetworkFromCombined(combined),
+                             General::EntityLabelFromCombined(combined)}
+      .Format();
+}
 
 // "1" for a switch that is on, as the record stores it.
 std::string SwitchText(bool on) { return on ? "1" : "0"; }
@@ -44,7 +52,8 @@ std::string Flipped(std::string_view direction) {
 // The style marker whose record names the style, or nullptr.
 host::Object* FindStyleMarker(host::Document& document,
                               std::string_view style_name) {
-  const std::string wanted = ";;" + std::string(style_name);
+  const std::string wanted =
+      core::CombinedLabel{"", "", std::string(style_name)}.Format();
   core::Record project = core::ReadProjectRecord(document);
   for (const std::string& id :
        core::ListEntries(project.Text(core::ProjectField::kProfileStyles))) {
@@ -93,13 +102,7 @@ void AddStamp(host::Document& document, const host::Entity& profile_block,
   stamp.SetTextAlignmentPoint(middle);
   // The stamp names its profile, so that it goes when the profile does.
   core::Record link = core::Record::WithCodes(kStampRecordCodes);
-  link.SetText(StampField::kCombinedLabel,
-               std::string(kStampKind) + ";" +
-                   General::EntityNetworkFromCombined(
-                       profile.Text(ProfileField::kCombinedLabel)) +
-                   ";" +
-                   General::EntityLabelFromCombined(
-                       profile.Text(ProfileField::kCombinedLabel)));
+  link.SetText(StampField::kCombinedLabel, StampLabel(profile));
   link.SetText(StampField::kElementType, kStampKind);
   link.SetText(StampField::kProfileOIDRef,
                core::ReferenceEntry(core::IdText(profile_block.ObjectID())));
@@ -139,9 +142,10 @@ void Profile::BuildProfileBlockXData(host::Document& document,
 
   using F = ProfileField;
   core::Record record = core::Record::WithCodes(kProfileRecordCodes);
-  record.SetText(F::kCombinedLabel, std::string(kProfileKind) + ";" +
-                                        inputs.network_name + ";" +
-                                        inputs.profile_name);
+  record.SetText(F::kCombinedLabel,
+                 core::CombinedLabel{kProfileKind, inputs.network_name,
+                                     inputs.profile_name}
+                     .Format());
   record.SetText(F::kElementType, kProfileKind);
   record.SetText(F::kNetworkType, inputs.network_type);
   record.SetText(F::kPipeLabels, inputs.pipes.labels);
@@ -189,10 +193,11 @@ void Profile::BuildProfilePlanAnnoBlockXData(
     host::BlockReference& profile_block, host::BlockReference& plan_block) {
   using F = PlanAnnoField;
   core::Record record = core::Record::WithCodes(kPlanAnnoRecordCodes);
-  record.SetText(F::kCombinedLabel, std::string(kPlanAnnoKind) + ";" +
-                                        std::string(profile_network_name) +
-                                        ";" + std::string(profile_name) +
-                                        kPlanAnnoSuffix);
+  record.SetText(
+      F::kCombinedLabel,
+      core::CombinedLabel{kPlanAnnoKind, std::string(profile_network_name),
+                          std::string(profile_name) + kPlanAnnoSuffix}
+          .Format());
   record.SetText(F::kElementType, kPlanAnnoKind);
   record.SetText(F::kProfileNameRef, core::ReferenceEntry(profile_name));
   record.SetText(F::kProfileOIDRef,
@@ -229,20 +234,14 @@ void Profile::DeleteProfileStamps(host::Document& document,
   const core::Record profile = ReadProfileRecord(profile_block);
   // Only a flagged profile has a stamp.
   if (profile.Int16(ProfileField::kUpdateFlag) != kNeedsUpdate) return;
-  const std::string label =
-      std::string(kStampKind) + ";" +
-      General::EntityNetworkFromCombined(
-          profile.Text(ProfileField::kCombinedLabel)) +
-      ";" +
-      General::EntityLabelFromCombined(
-          profile.Text(ProfileField::kCombinedLabel));
+  const std::string label = StampLabel(profile);
   const std::string id_ref =
       core::ReferenceEntry(core::IdText(profile_block.ObjectID()));
   host::SelectionSet& set =
       General::InitializeSelectionSet(document, "SetProfileStamps");
   set.Select(host::SelectMode::kAll, {}, {},
              // The layer first: it turns most entities away cheapest.
-             {{kLayerCode, host::XValue(std::string(kStampLayer))},
+             {{core::code::kLayer, host::XValue(std::string(kStampLayer))},
               {core::code::kAppName, host::XValue(std::string(core::kAppName))}});
   for (host::Entity* stamp : set.Entities()) {
     const std::optional<core::Record> link = core::Record::Read(*stamp);
@@ -324,14 +323,7 @@ void Profile::DeleteProfileReferenceFromPipe(
     return;
   host::Entity& pipe = core::EntityFromIdText(document, pipe_oid);
   core::Record record = ReadPipeRecord(pipe);
-  record.SetText(PipeField::kProfileRefs,
-                 General::DeleteReferenceInReferenceString(
-                     record.Text(PipeField::kProfileRefs),
-                     core::RelatedTo(profile_name), 0));
-  record.SetText(PipeField::kProfileOIDRefs,
-                 General::DeleteReferenceInReferenceString(
-                     record.Text(PipeField::kProfileOIDRefs),
-                     core::RelatedTo(profile_oid), 0));
+  core::DeleteLink(record, core::kProfileLinks, profile_name, profile_oid);
   record.Write(pipe);
 }
 

@@ -8,6 +8,7 @@
 #include "core/geometry.h"
 #include "core/lists.h"
 #include "core/messages.h"
+#include "core/names.h"
 #include "core/pipe_record.h"
 #include "core/references.h"
 #include "core/text.h"
@@ -20,7 +21,6 @@ namespace kestrana::profile {
 
 namespace {
 
-constexpr char kEscape[] = "\x1b";
 constexpr char kSelectPrompt[] = "Select profile pipes:";
 constexpr char kStartPrompt[] = "Pick profile start point:";
 constexpr char kNotOneLine[] =
@@ -48,7 +48,7 @@ std::optional<SortedPipes> Profile::SelectPipesForProfile(
     host::Document& document, std::string_view network_name) {
   host::SelectionSet& set =
       core::General::InitializeSelectionSet(document, "SetPipesBySelection");
-  document.SendCommand(kEscape);
+  document.SendCommand(core::kEscape);
   document.GetUtility().Prompt(kSelectPrompt);
   set.SelectOnScreen(core::PipesOfNetworkFilter(network_name));
   if (set.Count() == 0) return std::nullopt;

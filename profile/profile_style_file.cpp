@@ -7,6 +7,7 @@
 
 #include "core/names.h"
 #include "core/text.h"
+#include "core/values.h"
 
 namespace kestrana::profile {
 
@@ -213,9 +214,8 @@ std::string WriteProfileStyleText(const std::vector<std::string>& items) {
 }
 
 std::string ProfileStyleNameOf(const std::vector<std::string>& items) {
-  const std::vector<std::string> fields =
-      core::Split(items.at(Index(I::kCombinedLabel)));
-  return fields.size() > 2 ? fields[2] : "";
+  return core::CombinedLabel::ParsePadded(items.at(Index(I::kCombinedLabel)))
+      .label;
 }
 
 void CheckProfileStyleValues(const std::vector<std::string>& items) {

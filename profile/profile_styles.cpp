@@ -9,6 +9,7 @@
 #include "core/project_setup.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "host/host.h"
 #include "profile/profile.h"
 #include "profile/profile_style_file.h"
@@ -41,10 +42,10 @@ std::vector<StyleMarker> ReadStyleMarkers(host::Document& document) {
     host::Object& marker = core::ObjectFromIdText(document, id);
     core::Record record = core::ReadRecordWithFields(
         marker, kProfileStyleRecordLength, "profile style");
-    std::vector<std::string> label =
-        core::Split(record.Text(ProfileStyleItem::kCombinedLabel));
-    label.resize(3);  // ";;<name>"
-    styles.push_back({&marker, std::move(record), label[2]});
+    std::string name = core::CombinedLabel::ParsePadded(
+                           record.Text(ProfileStyleItem::kCombinedLabel))
+                           .label;
+    styles.push_back({&marker, std::move(record), std::move(name)});
   }
   return styles;
 }

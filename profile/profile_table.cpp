@@ -36,10 +36,10 @@ constexpr double kFrameMargin = 10;  // as the plot frame
 
 // Where a band is drawn and with what.
 struct BandFrame {
-  double left;    // the label column's left edge
-  double right;   // the frame's right edge
-  double top;     // the band's top
-  double x_ref;   // x of distance 0
+  double left;   // the label column's left edge
+  double right;  // the frame's right edge
+  double top;    // the band's top
+  double x_ref;  // x of distance 0
   const TextSettings* text;
 };
 
@@ -48,8 +48,8 @@ Box2 UprightBox(double x, double foot, double length, double height) {
   return {x - height / 2, foot, x + height / 2, foot + length};
 }
 
-void WriteUpright(Sheet& sheet, const std::string& value, double x,
-                  double foot, double height) {
+void WriteUpright(Sheet& sheet, const std::string& value, double x, double foot,
+                  double height) {
   sheet.Text(value, {x, foot, 0}, height, kDataLayer, kQuarterTurn,
              host::TextAlignment::kMiddleLeft);
 }
@@ -188,8 +188,8 @@ void DrawDistanceDataBand(Sheet& sheet, const BandFrame& band,
   const double foot = band.top - height + BandMargin(*band.text);
   if (draw_band_label) WriteBandLabel(sheet, band, label, height);
   for (const DistanceValue& value : values) {
-    const double shift = Profile::GetDataTextShift(
-        value.distance, prohibited, buffer, allow_exact, h_d);
+    const double shift = Profile::GetDataTextShift(value.distance, prohibited,
+                                                   buffer, allow_exact, h_d);
     if (shift == kNoPlace) continue;
     const double x = band.x_ref + value.distance - shift;
     const Box2 box =
@@ -209,11 +209,11 @@ std::vector<DistanceValue> DistanceValues(std::string_view pairs,
   const std::vector<std::string> values = Values(pairs);
   std::vector<DistanceValue> result;
   for (size_t i = 0; i + 1 < values.size(); i += 2)
-    result.push_back({core::NumericValue(values[i]),
-                      pattern.empty() ? values[i + 1]
-                                      : core::FormatNumber(core::NumericValue(
-                                                               values[i + 1]),
-                                                           pattern)});
+    result.push_back(
+        {core::NumericValue(values[i]),
+         pattern.empty()
+             ? values[i + 1]
+             : core::FormatNumber(core::NumericValue(values[i + 1]), pattern)});
   return result;
 }
 
@@ -227,16 +227,16 @@ std::vector<NodeValue> NodeValues(const PartData& part, ProfileStyleItem item,
   };
   std::vector<NodeValue> result;
   if (item == ProfileStyleItem::kGroundLevelBand) {
-    const std::vector<std::string> values = Values(part[Series::kGroundAtNodes]);
+    const std::vector<std::string> values =
+        Values(part[Series::kGroundAtNodes]);
     for (size_t j = 0; j < values.size() && j < nodes.size(); ++j)
       result.push_back({nodes[j], -1, format(values[j])});
     return result;
   }
-  const Series series = item == ProfileStyleItem::kInvertLevelBand
-                            ? Series::kInverts
-                        : item == ProfileStyleItem::kCoverDepthBand
-                            ? Series::kCoverDepths
-                            : Series::kInvertDepths;
+  const Series series =
+      item == ProfileStyleItem::kInvertLevelBand  ? Series::kInverts
+      : item == ProfileStyleItem::kCoverDepthBand ? Series::kCoverDepths
+                                                  : Series::kInvertDepths;
   const std::vector<std::string> values = Values(part[series]);
   for (size_t i = 0; 2 * i + 1 < values.size() && i + 1 < nodes.size(); ++i) {
     result.push_back({nodes[i], +1, format(values[2 * i])});
@@ -304,8 +304,9 @@ std::vector<int> Profile::GetBandOrder(
     int best_item = 0;
     double best = kNoPlace;
     for (int item = kFirstBand; item <= kLastBand; ++item) {
-      const std::string position = ItemFields(ar_profile_style_settings.Text(item))
-                                       .Text(BandSetting::kPosition);
+      const std::string position =
+          ItemFields(ar_profile_style_settings.Text(core::Field::At(item)))
+              .Text(BandSetting::kPosition);
       if (position == "999") continue;
       const double value = core::NumericValue(position);
       if (value < best && value > last) {
@@ -350,9 +351,9 @@ host::Point3 Profile::DrawProfileTable(
       case ProfileStyleItem::kSlopeBand:
       case ProfileStyleItem::kLengthBand:
       case ProfileStyleItem::kMaterialBand:
-        height = DrawHorizontalBand(sheet, band, style.Text(item), nodes,
-                                    PipeTexts(part, item, settings),
-                                    left_after);
+        height =
+            DrawHorizontalBand(sheet, band, style.Text(item), nodes,
+                               PipeTexts(part, item, settings), left_after);
         break;
       case ProfileStyleItem::kStationBand:
       case ProfileStyleItem::kCoordinateBand: {
@@ -364,8 +365,7 @@ host::Point3 Profile::DrawProfileTable(
                            settings.Text(StationBandSetting::kFormat))
                      : "";
         const std::vector<DistanceValue> values = DistanceValues(
-            part[stations ? Series::kStations : Series::kCoordinates],
-            pattern);
+            part[stations ? Series::kStations : Series::kCoordinates], pattern);
         std::vector<std::string> texts;
         for (const DistanceValue& value : values) texts.push_back(value.text);
         height = UprightBandHeight(sheet, text, texts);
@@ -462,8 +462,8 @@ double Profile::GetLongestTextLength(host::Document& document,
                                      double text_height) {
   double longest = 0;
   for (const std::string* text : {&string1, &string2, &string3, &string4})
-    longest = std::max(longest, GetTextLengthOnDrawing(document, *text,
-                                                       text_style, text_height));
+    longest = std::max(longest, GetTextLengthOnDrawing(
+                                    document, *text, text_style, text_height));
   return longest;
 }
 
@@ -479,9 +479,11 @@ double Profile::GetBandLabelsPartLength(
   double longest = 0;
   for (int item : GetBandOrder(ar_profile_style_settings))
     longest = std::max(
-        longest, measure.Length(ItemFields(ar_profile_style_settings.Text(item))
-                                    .Text(BandSetting::kLabel),
-                                text.style, text.label_height));
+        longest,
+        measure.Length(
+            ItemFields(ar_profile_style_settings.Text(core::Field::At(item)))
+                .Text(BandSetting::kLabel),
+            text.style, text.label_height));
   return longest + 2 * text.label_height;
 }
 

@@ -13,6 +13,7 @@
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "host/host.h"
 #include "viewstyle/annotation_layout.h"
 #include "viewstyle/annotation_record.h"
@@ -26,9 +27,6 @@ namespace col = format_column;
 using core::General;
 using core::NodeField;
 using core::PipeField;
-
-constexpr char kAnnotationLayerSuffix[] = " - Annotation";
-constexpr char kArrowLayerSuffix[] = " - Arrow";
 
 // The link fields an element keeps for its annotation and arrow.
 struct LinkFields {
@@ -85,8 +83,10 @@ void WriteOwnRecord(host::Entity& reference, const char* type,
                     std::string_view network, const std::string& label,
                     host::ObjectId element_id) {
   core::Record record = core::Record::WithCodes(kAnnotationRecordCodes);
-  record.SetText(AnnotationField::kCombinedLabel,
-                 ";" + std::string(network) + ";" + label + type);
+  // Annotations carry no kind; the type follows the element's label.
+  record.SetText(
+      AnnotationField::kCombinedLabel,
+      core::CombinedLabel{"", std::string(network), label + type}.Format());
   record.SetText(AnnotationField::kElementType, type);
   record.SetText(AnnotationField::kElementLabelRef,
                  core::ReferenceEntry(label));
@@ -169,7 +169,7 @@ void Insert(host::Document& document, host::Entity& entity,
     host::BlockReference& arrow =
         model.InsertBlock({anchor.x, anchor.y, 0}, kDirectionArrowBlock, 1, 1,
                           1, anchor.arrow_rotation);
-    arrow.SetLayer(std::string(net_name) + kArrowLayerSuffix);
+    arrow.SetLayer(std::string(net_name) + core::kArrowLayerSuffix);
     WriteOwnRecord(arrow, kArrow, net_name, element.label, entity.ObjectID());
     element.record.SetText(*links.arrow_label,
                            core::ReferenceEntry(element.label + kArrow));
@@ -206,7 +206,7 @@ void ViewStyle::InsertAnnotationsForNewEntity(host::Document& document,
   std::string network = General::EntityNetworkFromCombined(
       core::Record::ReadRequired(entity).Text(PipeField::kCombinedLabel));
   Insert(document, entity, texts, network, correction_angle_for_cs, format,
-         network + kAnnotationLayerSuffix);
+         network + core::kAnnotationLayerSuffix);
 }
 
 void ViewStyle::ApplyAnnotationsToNetwork(host::Document& document,
@@ -215,12 +215,14 @@ void ViewStyle::ApplyAnnotationsToNetwork(host::Document& document,
                                           double correction_angle_for_cs) {
   // Taken before drawing, so the new references are not visited.
   std::vector<host::Entity*> objects =
-      General::GetNetworkSet(document, net_name, 0).Entities();
+      General::GetNetworkSet(document, net_name,
+                             core::network_set::kElementsAndBlocks)
+          .Entities();
   core::SavedActiveLayer previous(document);
   General::CreateStandardLayer(document, net_name, "Annotation");
   General::CreateStandardLayer(document, net_name, "Arrow");
   const std::string annotation_layer =
-      std::string(net_name) + kAnnotationLayerSuffix;
+      std::string(net_name) + core::kAnnotationLayerSuffix;
   std::vector<core::LayerStatus> status =
       General::OpenLayerForWrite(document, annotation_layer);
   document.SetActiveLayer(document.GetLayers().Item(annotation_layer));
@@ -307,7 +309,9 @@ void ViewStyle::ChangeNetworkVisibility(host::Document& document,
                                         std::string_view net_name, int action) {
   if (action != kHide && action != kShow) return;
   for (host::Entity* entity :
-       General::GetNetworkSet(document, net_name, 0).Entities())
+       General::GetNetworkSet(document, net_name,
+                              core::network_set::kElementsAndBlocks)
+           .Entities())
     entity->SetVisible(action == kShow);
 }
 

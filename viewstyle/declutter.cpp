@@ -23,9 +23,6 @@ using core::PipeField;
 
 namespace {
 
-constexpr int16_t kLayerCode = 8;
-constexpr int kElementsAndBlocks = 0;
-
 constexpr double kSlideStep = 1.0;    // along the pipe, drawing units
 constexpr double kSlideMargin = 5.0;  // kept from the pipe's ends
 constexpr double kGap = 1.5;          // kept around a text box
@@ -140,7 +137,8 @@ Obstacles ObstaclesOf(host::Document& document,
   Obstacles obstacles;
   for (const std::string& network : networks)
     for (host::Entity* e :
-         General::GetNetworkSet(document, network, kElementsAndBlocks)
+         General::GetNetworkSet(document, network,
+                                core::network_set::kElementsAndBlocks)
              .Entities()) {
       if (auto* pipe = dynamic_cast<host::LwPolyline*>(e)) {
         obstacles.lines.push_back({pipe, pipe->Coordinates()});
@@ -157,7 +155,7 @@ Obstacles ObstaclesOf(host::Document& document,
   host::SelectionSet& leaders =
       General::InitializeSelectionSet(document, "SetCrossingLeaders");
   leaders.Select(host::SelectMode::kAll, {}, {},
-                 {{kLayerCode, core::kCrossingLinesLayer}});
+                 {{core::code::kLayer, core::kCrossingLinesLayer}});
   for (host::Entity* e : leaders.Entities())
     if (auto* line = dynamic_cast<host::Line*>(e))
       obstacles.lines.push_back({line,

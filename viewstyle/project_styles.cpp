@@ -13,39 +13,15 @@
 
 namespace kestrana::viewstyle {
 
-namespace {
-// Pieces of field 1.
-constexpr size_t kActivePiece = 0;
-constexpr size_t kVisibilityPiece = 1;
-constexpr size_t kFirstMarkerPiece = 2;
-}  // namespace
-
-StyleField StyleField::Parse(std::string_view field) {
-  std::vector<std::string> pieces = core::Split(field);
-  StyleField parsed;
-  parsed.active = pieces[kActivePiece];
-  if (pieces.size() > kVisibilityPiece)
-    parsed.visibility = pieces[kVisibilityPiece];
-  // The last piece is the empty text after the final ";".
-  for (size_t k = kFirstMarkerPiece; k + 1 < pieces.size(); ++k)
-    parsed.markers.push_back(pieces[k]);
-  return parsed;
-}
-
-StyleField StyleField::Read(host::Document& document) {
-  return Parse(
+core::ViewStylesField ReadStyleField(host::Document& document) {
+  return core::ViewStylesField::Parse(
       core::ReadProjectRecord(document).Text(core::ProjectField::kViewStyles));
-}
-
-std::string StyleField::Format() const {
-  std::string text = active + ";" + visibility + ";";
-  for (const std::string& marker : markers) text += marker + ";";
-  return text;
 }
 
 ViewStyleSettings SettingsOfRecord(const core::Record& record) {
   ViewStyleSettings settings;
-  for (int i = 0; i < record.Size(); ++i) settings.push_back(record.Text(i));
+  for (int i = 0; i < record.Size(); ++i)
+    settings.push_back(record.Text(core::Field::At(i)));
   return settings;
 }
 
@@ -59,7 +35,7 @@ ViewStyleSettings ReadMarkerSettings(host::Document& document,
 
 std::vector<ViewStyleSettings> ReadViewStyles(host::Document& document) {
   std::vector<ViewStyleSettings> styles;
-  for (const std::string& marker : StyleField::Read(document).markers)
+  for (const std::string& marker : ReadStyleField(document).markers)
     styles.push_back(ReadMarkerSettings(document, marker));
   return styles;
 }
@@ -94,14 +70,14 @@ constexpr char kInvisible = '0';
 
 bool NetworkVisible(host::Document& document, std::string_view network) {
   size_t k = NetworkPosition(document, network);
-  std::string visibility = StyleField::Read(document).visibility;
+  std::string visibility = ReadStyleField(document).visibility;
   return k >= visibility.size() || visibility[k] != kInvisible;
 }
 
 void SetNetworkVisibility(host::Document& document, std::string_view network,
                           bool visible) {
   size_t k = NetworkPosition(document, network);
-  StyleField field = StyleField::Read(document);
+  core::ViewStylesField field = ReadStyleField(document);
   std::string visibility = field.visibility;
   if (visibility.size() <= k) visibility.resize(k + 1, kVisible);
   visibility[k] = visible ? kVisible : kInvisible;

@@ -1,5 +1,4 @@
-// The view styles of a project as the project record lists them: field 1
-// is "<active style>;<network visibility>;<marker ID>;<marker ID>;...".
+// The view styles of a project as the project record lists them.
 #pragma once
 
 #include <optional>
@@ -7,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/values.h"
 #include "viewstyle/view_style_record.h"
 
 namespace kestrana::host {
@@ -23,17 +23,8 @@ namespace kestrana::viewstyle {
 // renamed.
 inline constexpr char kStandardViewStyleName[] = "Standard";
 
-// Project-record field 1, taken apart.
-struct StyleField {
-  std::string active;
-  std::string visibility;            // one "1" or "0" per network
-  std::vector<std::string> markers;  // object IDs as stored
-
-  static StyleField Parse(std::string_view field);
-  static StyleField Read(host::Document& document);
-  // Every piece followed by ";".
-  std::string Format() const;
-};
+// Project-record field 1 of the document, taken apart.
+core::ViewStylesField ReadStyleField(host::Document& document);
 
 // The texts of a record, field by field.
 ViewStyleSettings SettingsOfRecord(const core::Record& record);

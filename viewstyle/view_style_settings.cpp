@@ -9,6 +9,7 @@
 #include "core/project_setup.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/values.h"
 #include "host/host.h"
 #include "viewstyle/project_styles.h"
 #include "viewstyle/view_style.h"
@@ -42,7 +43,8 @@ host::XRecord XRecordOf(const ViewStyleSettings& settings) {
 }
 
 // Pieces 0 and 1 of the project record's field 1 and the marker IDs.
-void WriteStyleField(host::Document& document, const StyleField& field) {
+void WriteStyleField(host::Document& document,
+                     const core::ViewStylesField& field) {
   core::Record project = core::ReadProjectRecord(document);
   project.SetText(core::ProjectField::kViewStyles, field.Format());
   core::WriteProjectRecord(document, project);
@@ -52,7 +54,7 @@ void WriteStyleField(host::Document& document, const StyleField& field) {
 
 ViewStyleSettings ViewStyle::GetActiveViewStyleSettingsArray(
     host::Document& document) {
-  StyleField field = StyleField::Read(document);
+  core::ViewStylesField field = ReadStyleField(document);
   // Stops at the first match: later markers are not read.
   for (const std::string& marker : field.markers) {
     ViewStyleSettings settings = ReadMarkerSettings(document, marker);
@@ -177,11 +179,9 @@ host::ObjectId ViewStyle::CreateViewStyle(
     host::Document& document, const ViewStyleSettings& ar_parameters) {
   host::XRecord record = XRecordOf(ar_parameters);
   host::ObjectId id = core::AddMarkerPoint(document, record).ObjectID();
-  core::Record project = core::ReadProjectRecord(document);
-  project.SetText(
-      core::ProjectField::kViewStyles,
-      project.Text(core::ProjectField::kViewStyles) + core::IdListEntry(id));
-  core::WriteProjectRecord(document, project);
+  core::ViewStylesField field = ReadStyleField(document);
+  field.markers.push_back(core::IdText(id));
+  WriteStyleField(document, field);
   return id;
 }
 
@@ -189,7 +189,7 @@ void ViewStyle::UpdateViewStylePoints(
     host::Document& document,
     const std::vector<ViewStyleSettings>& ar_view_styles,
     int count_view_styles) {
-  StyleField field = StyleField::Read(document);
+  core::ViewStylesField field = ReadStyleField(document);
   for (const std::string& marker : field.markers)
     host::As<host::Entity>(
         document.ObjectIdToObject(core::ToInt32(core::NumericValue(marker))))
@@ -203,7 +203,7 @@ void ViewStyle::UpdateViewStylePoints(
 void ViewStyle::UpdateMoSpaceXdataForViewStyle(
     host::Document& document, std::string_view active_view_style_name,
     std::string_view final_networks_visibility) {
-  StyleField field = StyleField::Read(document);
+  core::ViewStylesField field = ReadStyleField(document);
   field.active = active_view_style_name;
   field.visibility = final_networks_visibility;
   WriteStyleField(document, field);

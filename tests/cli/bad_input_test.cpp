@@ -130,7 +130,7 @@ TEST_F(BadInput, NetworkAndStyleNamesAreOneNameWithoutLetterCase) {
   EXPECT_EQ(out_.str().rfind("view style \"Standard\" is active", 0), 0u)
       << out_.str();
   auto doc = dxf::LoadDrawing(path_);
-  EXPECT_EQ(viewstyle::StyleField::Read(*doc).active, "Standard");
+  EXPECT_EQ(viewstyle::ReadStyleField(*doc).active, "Standard");
   ASSERT_EQ(Run({"network", "delete", path_, "sEWER"}), 0) << err_.str();
   EXPECT_EQ(out_.str().rfind("deleted network \"Sewer\"", 0), 0u) << out_.str();
   doc = dxf::LoadDrawing(path_);
@@ -153,7 +153,7 @@ TEST_F(BadInput, TheProjectsOwnObjectsAreNotErasedByHandle) {
         handle(project.Text(core::ProjectField::kSizesLibrary)),
         "section-sizes library");
     markers.emplace_back(
-        handle(viewstyle::StyleField::Read(*doc).markers.front()),
+        handle(viewstyle::ReadStyleField(*doc).markers.front()),
         "view style \"Standard\"");
     const profile::StyleMarker style = profile::ReadStyleMarkers(*doc).front();
     markers.emplace_back(style.marker->Handle(),

@@ -80,7 +80,9 @@ TEST_F(Copies, CopiesTakeFreeLabelsAndLinkOnlyToEachOther) {
       Record::ReadRequired(test::ElementLabelled(*doc, "Sewer", "Node", "N-2"))
           .Text(NodeField::kPipesAtEndLabels),
       ";RelatedToP-1");
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 1).Count(), 3);
+  EXPECT_EQ(
+      General::GetNetworkSet(*doc, "Sewer", core::network_set::kPipes).Count(),
+      3);
   EXPECT_EQ(test::AnnotationTexts(*doc, copy).front(), "New P-2");
   // The copy crosses the main: its crossing is drawn and listed.
   EXPECT_EQ(crossing::Crossing::GetExistingCrossingPointsSet(*doc, "").Count(),
@@ -129,8 +131,12 @@ TEST_F(EraseCommand, NamedElementsGoAndBadNamesChangeNothing) {
             0u)
       << out_.str();
   auto doc = dxf::LoadDrawing(site);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 1).Count(), 1);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 2).Count(), 2);
+  EXPECT_EQ(
+      General::GetNetworkSet(*doc, "Sewer", core::network_set::kPipes).Count(),
+      1);
+  EXPECT_EQ(
+      General::GetNetworkSet(*doc, "Sewer", core::network_set::kNodes).Count(),
+      2);
   EXPECT_TRUE(test::DanglingLinks(*doc).empty());
 }
 

@@ -9,8 +9,6 @@
 #include "cli/command.h"
 #include "cli/command_fixture.h"
 #include "cli/demo.h"
-#include "profile/profile.h"
-#include "profile/profile_record.h"
 #include "commands/project.h"
 #include "core/general.h"
 #include "core/names.h"
@@ -21,6 +19,8 @@
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
 #include "memhost/document.h"
+#include "profile/profile.h"
+#include "profile/profile_record.h"
 #include "support/elements.h"
 
 namespace kestrana::cli {
@@ -110,8 +110,14 @@ TEST_F(EditingCommands, ConvertTurnsTheChosenLinesIntoANetwork) {
             std::string::npos)
       << out_.str();
   auto doc = Load();
-  EXPECT_EQ(core::General::GetNetworkSet(*doc, "Sewer", 1).Count(), 3);
-  EXPECT_EQ(core::General::GetNetworkSet(*doc, "Sewer", 2).Count(), 4);
+  EXPECT_EQ(
+      core::General::GetNetworkSet(*doc, "Sewer", core::network_set::kPipes)
+          .Count(),
+      3);
+  EXPECT_EQ(
+      core::General::GetNetworkSet(*doc, "Sewer", core::network_set::kNodes)
+          .Count(),
+      4);
   // The drawn lines are gone, replaced by the pipes.
   int lines = 0;
   for (host::Entity* e : doc->ModelSpace().Entities())
@@ -206,8 +212,14 @@ TEST_F(EditingCommands, ConvertPicksByHandlesOrWindowIntoAnExistingNetwork) {
       0)
       << err_.str();
   auto doc = Load();
-  EXPECT_EQ(core::General::GetNetworkSet(*doc, "Sewer", 1).Count(), 2);
-  EXPECT_EQ(core::General::GetNetworkSet(*doc, "Sewer", 2).Count(), 3);
+  EXPECT_EQ(
+      core::General::GetNetworkSet(*doc, "Sewer", core::network_set::kPipes)
+          .Count(),
+      2);
+  EXPECT_EQ(
+      core::General::GetNetworkSet(*doc, "Sewer", core::network_set::kNodes)
+          .Count(),
+      3);
 }
 
 TEST_F(EditingCommands, ConvertRefusalsLeaveTheDrawingAsItWas) {
@@ -413,7 +425,8 @@ TEST_F(EditingCommands, DemoDesignsTheExampleTown) {
   auto doc = dxf::LoadDrawing(out + "/town-network.dxf");
   // Every sewer falls in its direction at 1 in 200 or more, below cover.
   for (host::Entity* pipe :
-       core::General::GetNetworkSet(*doc, "Sewer", 1).Entities()) {
+       core::General::GetNetworkSet(*doc, "Sewer", core::network_set::kPipes)
+           .Entities()) {
     core::Record r = core::Record::ReadRequired(*pipe);
     const double fall =
         r.Number(PipeField::kStartInvert) - r.Number(PipeField::kEndInvert);

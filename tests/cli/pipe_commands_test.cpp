@@ -42,8 +42,12 @@ TEST_F(SplitCommand, APointOnThePipeSplitsItAndOthersAreRefused) {
             0u)
       << out_.str();
   auto doc = dxf::LoadDrawing(site);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 1).Count(), 2);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 2).Count(), 3);
+  EXPECT_EQ(
+      General::GetNetworkSet(*doc, "Sewer", core::network_set::kPipes).Count(),
+      2);
+  EXPECT_EQ(
+      General::GetNetworkSet(*doc, "Sewer", core::network_set::kNodes).Count(),
+      3);
   EXPECT_TRUE(test::DanglingLinks(*doc).empty());
 }
 
@@ -64,8 +68,12 @@ TEST_F(MergeCommand, RefusalsLeaveTheFileAndRunsMerge) {
             0)
       << err_.str();
   auto doc = dxf::LoadDrawing(site);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 1).Count(), 1);
-  EXPECT_EQ(General::GetNetworkSet(*doc, "Sewer", 2).Count(), 2);
+  EXPECT_EQ(
+      General::GetNetworkSet(*doc, "Sewer", core::network_set::kPipes).Count(),
+      1);
+  EXPECT_EQ(
+      General::GetNetworkSet(*doc, "Sewer", core::network_set::kNodes).Count(),
+      2);
   EXPECT_TRUE(test::DanglingLinks(*doc).empty());
 }
 

@@ -126,7 +126,8 @@ TEST_F(StyleCommands, ApplyDrawsOneAnnotationPerElementAndKeepsLocks) {
   EXPECT_EQ(Count(*doc, viewstyle::kArrow), 2);
   EXPECT_TRUE(doc->GetLayers().Item("Sewer - Network").Lock());
   // The links read back from the file.
-  host::SelectionSet& pipes = General::GetNetworkSet(*doc, "Sewer", 1);
+  host::SelectionSet& pipes =
+      General::GetNetworkSet(*doc, "Sewer", core::network_set::kPipes);
   for (host::Entity* pipe : pipes.Entities()) {
     core::Record record = core::Record::ReadRequired(*pipe);
     host::Object& annotation = doc->ObjectIdToObject(*core::ParseObjectId(
@@ -190,9 +191,11 @@ TEST_F(StyleCommands, ActivatingAndApplyingAnotherStyle) {
   EXPECT_NE(out_.str().find("* Plan"), std::string::npos);
   ASSERT_EQ(Run({"style", "apply", site_}), 0);
   auto doc = dxf::LoadDrawing(site_);
-  EXPECT_EQ(viewstyle::StyleField::Read(*doc).active, "Plan");
+  EXPECT_EQ(viewstyle::ReadStyleField(*doc).active, "Plan");
   EXPECT_EQ(Count(*doc, viewstyle::kArrow), 0);
-  host::Entity& pipe = *General::GetNetworkSet(*doc, "Sewer", 1).Entities()[0];
+  host::Entity& pipe =
+      *General::GetNetworkSet(*doc, "Sewer", core::network_set::kPipes)
+           .Entities()[0];
   auto& annotation = host::As<host::BlockReference>(doc->ObjectIdToObject(
       *core::ParseObjectId(core::Record::ReadRequired(pipe)
                                .Text(core::PipeField::kAnnotationOIDRef)
@@ -275,14 +278,17 @@ TEST_F(StyleCommands, HiddenNetworksStayHiddenWhenRedrawn) {
   auto hidden = [&](const std::string& network) {
     auto doc = dxf::LoadDrawing(site_);
     int visible = 0, invisible = 0;
-    for (host::Entity* e : General::GetNetworkSet(*doc, network, 0).Entities())
+    for (host::Entity* e :
+         General::GetNetworkSet(*doc, network,
+                                core::network_set::kElementsAndBlocks)
+             .Entities())
       (e->Visible() ? visible : invisible)++;
     EXPECT_EQ(visible * invisible, 0) << network;  // all one way
     return invisible > 0;
   };
   EXPECT_TRUE(hidden("Sewer"));
   EXPECT_FALSE(hidden("Water"));
-  EXPECT_EQ(viewstyle::StyleField::Read(*dxf::LoadDrawing(site_)).visibility,
+  EXPECT_EQ(viewstyle::ReadStyleField(*dxf::LoadDrawing(site_)).visibility,
             "01");
   ASSERT_EQ(Run({"network", "show", site_, "Sewer"}), 0);
   EXPECT_FALSE(hidden("Sewer"));

@@ -25,8 +25,8 @@ struct Tally {
 };
 
 Tally Count(host::Document& doc, const std::string& network) {
-  return {core::General::GetNetworkSet(doc, network, kPipes).Count(),
-          core::General::GetNetworkSet(doc, network, kNodes).Count(),
+  return {core::General::GetNetworkSet(doc, network, core::network_set::kPipes).Count(),
+          core::General::GetNetworkSet(doc, network, core::network_set::kNodes).Count(),
           crossing::Crossing::GetExistingCrossingPointsSet(doc, "").Count()};
 }
 

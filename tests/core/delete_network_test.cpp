@@ -107,7 +107,8 @@ TEST_F(DeleteNetwork, TheOtherNetworksKeepTheirsAndForgetIt) {
   ASSERT_EQ(profile::Profile::GetExistingProfileSet(*doc_, "").Count(), 2);
   General::DeleteNetwork(*doc_, "Water");
 
-  host::SelectionSet& pipes = General::GetNetworkSet(*doc_, "Sewer", 1);
+  host::SelectionSet& pipes =
+      General::GetNetworkSet(*doc_, "Sewer", core::network_set::kPipes);
   ASSERT_EQ(pipes.Count(), 3);
   for (host::Entity* pipe : pipes.Entities()) {
     Record record = Record::ReadRequired(*pipe);
@@ -119,7 +120,9 @@ TEST_F(DeleteNetwork, TheOtherNetworksKeepTheirsAndForgetIt) {
     EXPECT_NO_THROW(
         EntityFromReference(*doc_, record.Text(PipeField::kAnnotationOIDRef)));
   }
-  EXPECT_EQ(General::GetNetworkSet(*doc_, "Sewer", 2).Count(), 4);
+  EXPECT_EQ(
+      General::GetNetworkSet(*doc_, "Sewer", core::network_set::kNodes).Count(),
+      4);
 
   // The sewer's profile stays, and the style lists it alone.
   host::SelectionSet& profiles =

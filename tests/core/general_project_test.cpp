@@ -98,7 +98,7 @@ TEST_F(ProjectRecordTest, EventsFlagKeepsTheGroupCodeAndLaterFields) {
   EXPECT_EQ(record.Text(ProjectField::kEventsFlag), "0");
   EXPECT_EQ(General::CheckEventsFlag(*doc_), 0);
   ASSERT_EQ(record.Size(), 13);
-  EXPECT_EQ(record.Text(12), "add-on field");
+  EXPECT_EQ(record.Text(core::Field::At(12)), "add-on field");
 }
 
 TEST(EventsFlag, WithoutProjectIsZeroAndSwitchingFails) {

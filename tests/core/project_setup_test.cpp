@@ -37,7 +37,8 @@ TEST_P(ProjectSetup, ProjectRecordNamesItsMarkers) {
   Record project = ReadProjectRecord(doc_);
   ASSERT_EQ(project.Size(), kProjectRecordLength);
   for (int i = 1; i < project.Size(); ++i)
-    EXPECT_EQ(project.Code(i), kProjectRecordCodes[i - 1]) << i;
+    EXPECT_EQ(project.Code(core::Field::At(i)), kProjectRecordCodes[i - 1])
+        << i;
   // The view style and library markers are registered by their own
   // subsystems afterwards.
   EXPECT_EQ(project.Text(ProjectField::kViewStyles), "Standard;;");
@@ -56,7 +57,7 @@ TEST_P(ProjectSetup, ProjectRecordNamesItsMarkers) {
   EXPECT_TRUE(doc_.GetSession().Messages().empty());
 
   EXPECT_EQ(doc_.ModelSpace().Count(), 1);
-  EXPECT_EQ(MarkerRecord(doc_, markers.profile_style).Text(2),
+  EXPECT_EQ(MarkerRecord(doc_, markers.profile_style).Text(core::Field::At(2)),
             kProfileStylePoint);
 }
 
@@ -75,30 +76,32 @@ TEST_P(ProjectSetup, StandardProfileStylePassesImportValidation) {
   ProjectMarkers markers = CreateProjectRecord(doc_, GetParam());
   Record style = MarkerRecord(doc_, markers.profile_style);
   ASSERT_EQ(style.Size(), 21);
-  for (int i = 1; i < 21; ++i) EXPECT_EQ(style.Code(i), 1000) << i;
-  EXPECT_EQ(style.Text(1), ";;Standard");
-  EXPECT_EQ(Split(style.Text(1)).size(), 3u);
-  EXPECT_EQ(style.Text(3), "");
-  EXPECT_EQ(style.Text(4), "");
-  EXPECT_EQ(style.Text(20), "");
+  for (int i = 1; i < 21; ++i)
+    EXPECT_EQ(style.Code(core::Field::At(i)), 1000) << i;
+  EXPECT_EQ(style.Text(core::Field::At(1)), ";;Standard");
+  EXPECT_EQ(Split(style.Text(core::Field::At(1))).size(), 3u);
+  EXPECT_EQ(style.Text(core::Field::At(3)), "");
+  EXPECT_EQ(style.Text(core::Field::At(4)), "");
+  EXPECT_EQ(style.Text(core::Field::At(20)), "");
   const std::pair<int, size_t> fields[] = {
       {5, 4},  {6, 2},  {7, 4},  {8, 4},  {9, 3},  {10, 4}, {11, 7}, {12, 5},
       {13, 4}, {14, 4}, {15, 4}, {16, 4}, {17, 4}, {18, 7}, {19, 6}};
   for (const auto& [item, count] : fields)
-    EXPECT_EQ(Split(style.Text(item)).size(), count)
-        << item << ": " << style.Text(item);
+    EXPECT_EQ(Split(style.Text(core::Field::At(item))).size(), count)
+        << item << ": " << style.Text(core::Field::At(item));
   // Drawn bands have distinct positions, so none is dropped from the table.
   std::set<std::string> positions;
   int drawn = 0;
   for (int band = 10; band <= 19; ++band) {
-    std::string position = Split(style.Text(band))[0];
+    std::string position = Split(style.Text(core::Field::At(band)))[0];
     if (position == "999") continue;
     ++drawn;
     positions.insert(position);
   }
   EXPECT_EQ(positions.size(), static_cast<size_t>(drawn));
-  EXPECT_GT(NumericValue(Split(style.Text(7))[3]), 0);  // exaggeration
-  V stations = Split(style.Text(18));
+  EXPECT_GT(NumericValue(Split(style.Text(core::Field::At(7)))[3]),
+            0);  // exaggeration
+  V stations = Split(style.Text(core::Field::At(18)));
   EXPECT_EQ(FormatNumber(1234.5,
                          StationPattern(stations[2], stations[3], stations[4])),
             Metric() ? "1+234.50" : "12+34.50");

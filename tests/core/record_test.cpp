@@ -30,7 +30,8 @@ TEST(Record, SettersKeepTheGroupCode) {
   record.SetInt16(PipeField::kRise, 8);
   EXPECT_EQ(record.Value(PipeField::kRise), host::XValue(8.0));
   for (int i = 0; i < record.Size(); ++i)
-    EXPECT_EQ(record.Code(i), i == 0 ? 1001 : kPipeRecordCodes[i - 1]);
+    EXPECT_EQ(record.Code(core::Field::At(i)),
+              i == 0 ? 1001 : kPipeRecordCodes[i - 1]);
   record.Set(PipeField::kSpan, 1000, host::XValue("x"));
   EXPECT_EQ(record.Code(PipeField::kSpan), 1000);
 }
@@ -41,13 +42,13 @@ TEST(Record, ReadsNumbersFromAnyKind) {
                               {1040, host::XValue(200.0)},
                               {1070, host::XValue(int16_t{3})},
                               {1000, host::XValue("PVC")}});
-  EXPECT_EQ(record.Number(1), 12.75);
-  EXPECT_EQ(record.Text(2), "200");
-  EXPECT_EQ(record.Text(3), "3");
-  EXPECT_EQ(record.Number(4), 0);
-  EXPECT_EQ(record.Int16(1), 13);
-  EXPECT_THROW(record.Text(5), std::out_of_range);
-  EXPECT_THROW(record.SetText(-1, "x"), std::out_of_range);
+  EXPECT_EQ(record.Number(core::Field::At(1)), 12.75);
+  EXPECT_EQ(record.Text(core::Field::At(2)), "200");
+  EXPECT_EQ(record.Text(core::Field::At(3)), "3");
+  EXPECT_EQ(record.Number(core::Field::At(4)), 0);
+  EXPECT_EQ(record.Int16(core::Field::At(1)), 13);
+  EXPECT_THROW(record.Text(core::Field::At(5)), std::out_of_range);
+  EXPECT_THROW(record.SetText(core::Field::At(-1), "x"), std::out_of_range);
   EXPECT_THROW(Record(host::XRecord{}), std::invalid_argument);
   EXPECT_THROW(Record(host::XRecord{{1000, host::XValue("Kestrana")}}),
                std::invalid_argument);

@@ -54,7 +54,8 @@ void EditNodes(host::Document& document, const std::string& network) {
       General::InitializeSelectionSet(document, "EditedForLowHigh");
   int k = 0;
   for (host::Entity* node :
-       General::GetNetworkSet(document, network, 2).Entities()) {
+       General::GetNetworkSet(document, network, core::network_set::kNodes)
+           .Entities()) {
     ++k;
     Editing::UpdateNodeData(
         document, core::IdText(node->ObjectID()),
@@ -63,7 +64,8 @@ void EditNodes(host::Document& document, const std::string& network) {
         100 + k % 7, 98 - 0.01 * k, rules[k % 4], low_high);
   }
   host::Entity& pipe =
-      *General::GetNetworkSet(document, network, 1).Entities()[2];
+      *General::GetNetworkSet(document, network, core::network_set::kPipes)
+           .Entities()[2];
   Editing::UpdatePipeData(
       document, core::IdText(pipe.ObjectID()), "P-3", 97.5, 97.2, "PE",
       "Circular - 400", 1,
@@ -129,13 +131,18 @@ TEST(ConversionPaths, BatchLeavesTheDrawingTheStepsLeave) {
     EXPECT_TRUE(expected == Written(*batch, "batch"));
 
     // The site exercises what the comparison is about.
-    int sewer_pipes = General::GetNetworkSet(*batch, "Sewer", 1).Count();
-    int sewer_nodes = General::GetNetworkSet(*batch, "Sewer", 2).Count();
+    int sewer_pipes =
+        General::GetNetworkSet(*batch, "Sewer", core::network_set::kPipes)
+            .Count();
+    int sewer_nodes =
+        General::GetNetworkSet(*batch, "Sewer", core::network_set::kNodes)
+            .Count();
     EXPECT_GT(sewer_pipes, 2 * size);
     EXPECT_LT(sewer_nodes, sewer_pipes);
     int moved_inverts = 0, crossed = 0;
     for (host::Entity* pipe :
-         General::GetNetworkSet(*batch, "Water", 1).Entities()) {
+         General::GetNetworkSet(*batch, "Water", core::network_set::kPipes)
+             .Entities()) {
       core::Record record = core::Record::ReadRequired(*pipe);
       moved_inverts += record.Number(PipeField::kStartInvert) != 0;
       crossed += !record.Text(PipeField::kCrossingRefs).empty();

@@ -234,7 +234,9 @@ TEST_F(Conversion, PipesDrawnEveryWayReadUprightInATurnedSystem) {
   Convert(drawn, "Sewer", core::kGravity, false);
 
   int seen = 0;
-  for (host::Entity* e : General::GetNetworkSet(*doc_, "Sewer", 1).Entities()) {
+  for (host::Entity* e :
+       General::GetNetworkSet(*doc_, "Sewer", core::network_set::kPipes)
+           .Entities()) {
     SCOPED_TRACE(Text(*e, PipeField::kCombinedLabel));
     auto& pipe = static_cast<host::LwPolyline&>(*e);
     const std::vector<double> xy = pipe.Coordinates();

@@ -103,7 +103,9 @@ TEST_F(Merging, ARunBecomesOnePipeFromItsHigherEnd) {
   EXPECT_EQ(r.Text(PipeField::kEndNodeLabel), ";RelatedToN-3");
   EXPECT_EQ(r.Number(PipeField::kStartInvert), 101);
   EXPECT_EQ(r.Number(PipeField::kEndInvert), 100);
-  EXPECT_EQ(General::GetNetworkSet(*doc_, "Sewer", 1).Count(), 3);
+  EXPECT_EQ(
+      General::GetNetworkSet(*doc_, "Sewer", core::network_set::kPipes).Count(),
+      3);
   EXPECT_THROW(Node("N-2"), std::runtime_error);
   const std::string merged_ref =
       core::ReferenceEntry(core::IdText(merged.ObjectID()));

@@ -117,7 +117,7 @@ TEST_F(Reversing, TwiceGivesTheDrawingBackWithEntriesAtTheEnd) {
   for (const auto& [entity, items] : before) {
     if (entity == &Node("N-3")) continue;  // P-2 is now after P-4 there
     EXPECT_EQ(Record::ReadRequired(*entity).Items(), items)
-        << Record(items).Text(1);
+        << Record(items).Text(core::PipeField::kCombinedLabel);
   }
   EXPECT_EQ(Text(Node("N-3"), NodeField::kPipesAtEndLabels),
             ";RelatedToP-4;RelatedToP-2");

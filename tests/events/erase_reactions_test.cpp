@@ -76,7 +76,9 @@ class Erasing : public ::testing::Test {
     int n = 0;
     for (host::Entity* e : doc_->ModelSpace().Entities())
       if (auto r = Record::Read(*e))
-        n += r->Has(2) && r->Value(2).IsText() && r->Text(2) == type;
+        n += r->Has(core::PipeField::kElementType) &&
+             r->Value(core::PipeField::kElementType).IsText() &&
+             r->Text(core::PipeField::kElementType) == type;
     return n;
   }
 
@@ -124,7 +126,9 @@ TEST_F(Erasing, ANodeTakesItsPipesAndMarkersAndTheProfileGoesWhole) {
   Erase({&Node("Sewer", "N-1")});
   EXPECT_TRUE(test::DanglingLinks(*doc_).empty())
       << testing::PrintToString(test::DanglingLinks(*doc_));
-  EXPECT_EQ(General::GetNetworkSet(*doc_, "Sewer", 1).Count(), 2);
+  EXPECT_EQ(
+      General::GetNetworkSet(*doc_, "Sewer", core::network_set::kPipes).Count(),
+      2);
   EXPECT_EQ(profile::Profile::GetExistingProfileSet(*doc_, "").Count(), 0);
   for (const char* label : {"P-2", "P-3"})
     EXPECT_EQ(Record::ReadRequired(Pipe("Sewer", label))
@@ -137,13 +141,16 @@ TEST_F(Erasing, ANodeTakesItsPipesAndMarkersAndTheProfileGoesWhole) {
   Erase({&Node("Water", "N-2")});
   EXPECT_TRUE(test::DanglingLinks(*doc_).empty())
       << testing::PrintToString(test::DanglingLinks(*doc_));
-  EXPECT_EQ(General::GetNetworkSet(*doc_, "Water", 1).Count(), 1);
+  EXPECT_EQ(
+      General::GetNetworkSet(*doc_, "Water", core::network_set::kPipes).Count(),
+      1);
   EXPECT_EQ(crossing::Crossing::GetExistingCrossingPointsSet(*doc_, "").Count(),
             1);
   // Markers and the nodes naming them agree, the marker of N-2 gone.
   int linked = 0;
   for (host::Entity* node :
-       General::GetNetworkSet(*doc_, "Water", 2).Entities())
+       General::GetNetworkSet(*doc_, "Water", core::network_set::kNodes)
+           .Entities())
     linked +=
         !Record::ReadRequired(*node).Text(NodeField::kLowHighOIDRef).empty();
   EXPECT_GT(linked, 0);

@@ -75,7 +75,9 @@ class Moving : public ::testing::Test {
     int n = 0;
     for (host::Entity* e : doc_->ModelSpace().Entities())
       if (auto r = Record::Read(*e))
-        n += r->Has(2) && r->Value(2).IsText() && r->Text(2) == type;
+        n += r->Has(PipeField::kElementType) &&
+             r->Value(PipeField::kElementType).IsText() &&
+             r->Text(PipeField::kElementType) == type;
     return n;
   }
   // What the editor and then the add-on do.
@@ -116,7 +118,8 @@ TEST_F(Moving, PipeEndsGoBackOntoTheirNodesAndInnerVerticesStay) {
 TEST_F(Moving, AMarkerReturnsToItsNodeAndANodeTakesItsMarkerAlong) {
   host::BlockReference* marked = nullptr;
   for (host::Entity* node :
-       core::General::GetNetworkSet(*doc_, "Water", 2).Entities())
+       core::General::GetNetworkSet(*doc_, "Water", core::network_set::kNodes)
+           .Entities())
     if (!Record::ReadRequired(*node).Text(NodeField::kLowHighOIDRef).empty())
       marked = &host::As<host::BlockReference>(*node);
   ASSERT_NE(marked, nullptr) << "the mains have no low or high point";

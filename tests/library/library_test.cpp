@@ -178,7 +178,8 @@ TEST_F(LibraryTest, DeletingANetworkTakesItsPipesOff) {
                           .material = "Concrete"});
   storm.AddPipeWithNodes("P-1", {0, 20, 10, 20}, {.material = "Steel"});
 
-  host::SelectionSet& set = core::General::GetNetworkSet(*doc_, "Sewer", 0);
+  host::SelectionSet& set = core::General::GetNetworkSet(
+      *doc_, "Sewer", core::network_set::kElementsAndBlocks);
   Library::UpdateMaterialLibraryForDeleteNetwork(*doc_, set);
   Library::UpdateSizeLibraryForDeleteNetwork(*doc_, set);
   core::Record materials = Marker(core::ProjectField::kMaterialsLibrary);

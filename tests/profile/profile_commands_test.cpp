@@ -103,7 +103,8 @@ TEST_F(ProfileCommands, AnExportedStyleImportsAsTheSameStyle) {
       *profile::Profile::GetProfileStyleSettings(*doc_, "Standard");
   const core::Record copy =
       *profile::Profile::GetProfileStyleSettings(*doc_, "Copy");
-  for (int k = 5; k <= 19; ++k) EXPECT_EQ(copy.Text(k), standard.Text(k));
+  for (int k = 5; k <= 19; ++k)
+    EXPECT_EQ(copy.Text(core::Field::At(k)), standard.Text(core::Field::At(k)));
   EXPECT_EQ(copy.Text(profile::ProfileStyleItem::kCombinedLabel), ";;Copy");
   EXPECT_EQ(copy.Text(profile::ProfileStyleItem::kProfileNames), "")
       << "the original's profiles stay with it";

@@ -1,12 +1,13 @@
 // Drawing, redrawing and deleting profiles: the block a run of pipes gives,
 // its layers, levels and texts, its records and back-references.
+#include "commands/profile_draw.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <map>
 
-#include "commands/profile_draw.h"
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/names.h"
@@ -31,8 +32,8 @@ using core::General;
 
 constexpr double kTol = 1e-6;
 
-std::vector<host::Entity*> On(const host::Block& block, const std::string& layer,
-                              host::EntityKind kind) {
+std::vector<host::Entity*> On(const host::Block& block,
+                              const std::string& layer, host::EntityKind kind) {
   std::vector<host::Entity*> found;
   for (host::Entity* e : block.Entities())
     if (e->Layer() == layer && e->Kind() == kind) found.push_back(e);
@@ -129,8 +130,8 @@ TEST_F(DrawnProfile, LevelsStandWhereTheDataSays) {
   const host::Block& block = BlockOf("Main");
 
   // Four manholes, the first from its sump 101 to its ground 103.
-  const auto manholes = On(block, "Profile - Manhole",
-                           host::EntityKind::kLwPolyline);
+  const auto manholes =
+      On(block, "Profile - Manhole", host::EntityKind::kLwPolyline);
   ASSERT_EQ(manholes.size(), 4u);
   const host::BoundingBox first = manholes[0]->GetBoundingBox();
   EXPECT_NEAR(first.min.x, -0.6, kTol);
@@ -176,17 +177,17 @@ TEST_F(DrawnProfile, LevelsStandWhereTheDataSays) {
 TEST_F(DrawnProfile, FrameTableAndTextsAreComplete) {
   Drawn(Options("Main"));
   const host::Block& block = BlockOf("Main");
-  for (const auto& [layer, color] :
-       std::vector<std::pair<std::string, int>>{{"Profile - Label", 4},
-                                                {"Profile - Data", 2},
-                                                {"Profile - Dimension", 1},
-                                                {"Profile - Frame", 4},
-                                                {"Profile - Ground", 3},
-                                                {"Profile - Pipe", 6},
-                                                {"Profile - Manhole", 4},
-                                                {"Profile - Grid", 9},
-                                                {"Profile - Plan Title", 4},
-                                                {"Profile - Plan Stations", 3}}) {
+  for (const auto& [layer, color] : std::vector<std::pair<std::string, int>>{
+           {"Profile - Label", 4},
+           {"Profile - Data", 2},
+           {"Profile - Dimension", 1},
+           {"Profile - Frame", 4},
+           {"Profile - Ground", 3},
+           {"Profile - Pipe", 6},
+           {"Profile - Manhole", 4},
+           {"Profile - Grid", 9},
+           {"Profile - Plan Title", 4},
+           {"Profile - Plan Stations", 3}}) {
     const host::Layer* found = document().GetLayers().Find(layer);
     ASSERT_NE(found, nullptr) << layer;
     EXPECT_EQ(found->TrueColor(), color) << layer;
@@ -196,9 +197,9 @@ TEST_F(DrawnProfile, FrameTableAndTextsAreComplete) {
   EXPECT_TRUE(Has(labels, "DATUM  97.00"));
   EXPECT_TRUE(Has(labels, "MH-A1"));
   EXPECT_TRUE(Has(labels, "OUT"));
-  for (const char* band : {"Section", "Slope", "Length", "Material",
-                           "Ground Level", "Invert Level", "Cover Depth",
-                           "Invert Depth", "Station"})
+  for (const char* band :
+       {"Section", "Slope", "Length", "Material", "Ground Level",
+        "Invert Level", "Cover Depth", "Invert Depth", "Station"})
     EXPECT_TRUE(Has(labels, band)) << band;
   EXPECT_FALSE(Has(labels, "Coordinates"));  // at 999: not drawn
 
@@ -212,7 +213,8 @@ TEST_F(DrawnProfile, FrameTableAndTextsAreComplete) {
   ASSERT_EQ(frames.size(), 1u);
   const host::BoundingBox frame = frames[0]->GetBoundingBox();
   EXPECT_NEAR(frame.min.y, 0, kTol);
-  for (host::Entity* text : On(block, "Profile - Data", host::EntityKind::kText)) {
+  for (host::Entity* text :
+       On(block, "Profile - Data", host::EntityKind::kText)) {
     const host::BoundingBox box = text->GetBoundingBox();
     EXPECT_LT(box.max.y, 0) << host::As<host::Text>(*text).TextString();
     EXPECT_GT(box.min.x, frame.min.x);
@@ -224,9 +226,9 @@ TEST_F(DrawnProfile, ACustomDatumIsKeptAndUsed) {
   ProfileDrawOptions options = Options("Main");
   options.datum = 95;
   const std::string id = Drawn(options);
-  EXPECT_EQ(core::Record::ReadRequired(Reference(id))
-                .Text(ProfileField::kDatum),
-            "0;95");
+  EXPECT_EQ(
+      core::Record::ReadRequired(Reference(id)).Text(ProfileField::kDatum),
+      "0;95");
   const auto manholes =
       On(BlockOf("Main"), "Profile - Manhole", host::EntityKind::kLwPolyline);
   ASSERT_FALSE(manholes.empty());
@@ -255,7 +257,7 @@ TEST_F(DrawnProfile, LongRunsAreDrawnInPartsSideBySide) {
       *Profile::GetProfileStyleSettings(*doc_, "Standard");
   std::vector<std::string> items;
   for (int i = 0; i < kProfileStyleRecordLength; ++i)
-    items.push_back(standard.Text(i));
+    items.push_back(standard.Text(core::Field::At(i)));
   items[static_cast<int>(ProfileStyleItem::kCombinedLabel)] = ";;Short";
   items[static_cast<int>(ProfileStyleItem::kPartSplitting)] = "1;50";
   Profile::CreateProfileStyle(*doc_, items,
@@ -266,15 +268,16 @@ TEST_F(DrawnProfile, LongRunsAreDrawnInPartsSideBySide) {
 
   const host::Block& block = BlockOf("Main");
   const auto labels = TextsOn(block, "Profile - Label");
-  for (const char* title : {"%%uMain  (Part 1/3)", "%%uMain  (Part 2/3)",
-                            "%%uMain  (Part 3/3)"})
+  for (const char* title :
+       {"%%uMain  (Part 1/3)", "%%uMain  (Part 2/3)", "%%uMain  (Part 3/3)"})
     EXPECT_TRUE(Has(labels, title)) << title;
   auto frames = On(block, "Profile - Frame", host::EntityKind::kLwPolyline);
   ASSERT_EQ(frames.size(), 3u);
   // Each part's table (label column included) starts right of the frame
   // before it.
   std::vector<double> column_lefts;
-  for (host::Entity* line : On(block, "Profile - Frame", host::EntityKind::kLine)) {
+  for (host::Entity* line :
+       On(block, "Profile - Frame", host::EntityKind::kLine)) {
     const auto& l = host::As<host::Line>(*line);
     if (l.StartPoint().x == l.EndPoint().x && l.StartPoint().y == 0 &&
         l.EndPoint().y < 0)
@@ -309,8 +312,9 @@ TEST_F(DrawnProfile, PlanAnnotationWritesNameAndStationsAlongThePipes) {
   for (host::Entity* e :
        On(plan, "Profile - Plan Stations", host::EntityKind::kText)) {
     const auto& text = host::As<host::Text>(*e);
-    EXPECT_TRUE(station_x.emplace(text.TextString(),
-                                  text.TextAlignmentPoint().x).second)
+    EXPECT_TRUE(
+        station_x.emplace(text.TextString(), text.TextAlignmentPoint().x)
+            .second)
         << text.TextString() << " written twice";
   }
   ASSERT_EQ(station_x.size(), 4u);
@@ -362,8 +366,7 @@ TEST_F(DrawnProfile, BackReferencesNameTheBlock) {
   const std::string id = Drawn(Options("Main"));
   EXPECT_EQ(PipeProfileIds(*p1_), std::vector<std::string>{id});
   EXPECT_EQ(StyleProfileIds(), std::vector<std::string>{id});
-  const core::Record record =
-      core::Record::ReadRequired(Reference(id));
+  const core::Record record = core::Record::ReadRequired(Reference(id));
   EXPECT_EQ(record.Text(ProfileField::kCombinedLabel), "Profile;Sewer;Main");
   EXPECT_EQ(record.Int16(ProfileField::kUpdateFlag), kCurrent);
 }
@@ -414,7 +417,8 @@ TEST_F(DrawnProfile, RedrawAfterAnEditMatchesAFreshDrawing) {
   const auto redrawn = shape(BlockOf("Main"));
   EXPECT_EQ(redrawn, shape(BlockOf("Fresh")));
   // The edit shows: the first invert now starts at 101.4.
-  const auto pipes = On(BlockOf("Main"), "Profile - Pipe", host::EntityKind::kLine);
+  const auto pipes =
+      On(BlockOf("Main"), "Profile - Pipe", host::EntityKind::kLine);
   ASSERT_FALSE(pipes.empty());
   EXPECT_NEAR(host::As<host::Line>(*pipes[0]).StartPoint().y,
               (101.4 - 0.02 * 0.6 - 97) * 10, kTol);
@@ -424,14 +428,14 @@ TEST_F(DrawnProfile, UpdateAndDeleteOfMissingOrBrokenProfiles) {
   ProfileDrawOptions options = Options("Main");
   options.name_on_plan = true;
   const std::string id = Drawn(options);
-  EXPECT_THROW(commands::ProfileUpdate(*doc_, {.network = "Sewer",
-                                               .name = "Nope"}),
-               NotFoundError);
+  EXPECT_THROW(
+      commands::ProfileUpdate(*doc_, {.network = "Sewer", .name = "Nope"}),
+      NotFoundError);
   // A pipe gone behind the system's back: the profile cannot be redrawn.
   p1_->Delete();
-  EXPECT_THROW(commands::ProfileUpdate(*doc_, {.network = "Sewer",
-                                               .name = "main"}),
-               RefusedError);
+  EXPECT_THROW(
+      commands::ProfileUpdate(*doc_, {.network = "Sewer", .name = "main"}),
+      RefusedError);
 
   commands::ProfileDelete(*doc_, {.network = "Sewer", .name = "Main"});
   EXPECT_THROW(Reference(id), host::HostError);
@@ -498,7 +502,7 @@ TEST_F(DrawnProfile, NodeLabelSwitchHidesLabelsAndPipeTextsNotSections) {
       *Profile::GetProfileStyleSettings(*doc_, "Standard");
   std::vector<std::string> items;
   for (int i = 0; i < kProfileStyleRecordLength; ++i)
-    items.push_back(standard.Text(i));
+    items.push_back(standard.Text(core::Field::At(i)));
   items[static_cast<int>(ProfileStyleItem::kCombinedLabel)] = ";;Quiet";
   items[static_cast<int>(ProfileStyleItem::kDrawing)] = "1000;100;0;10";
   Profile::CreateProfileStyle(*doc_, items,

@@ -164,14 +164,15 @@ class BandLayout : public ::testing::Test {
                      const std::string& long_hidden_label = "") {
     core::Record style = *Profile::GetProfileStyleSettings(*doc_, "Standard");
     for (int item = 10; item <= 19; ++item) {
-      std::vector<std::string> fields = core::Split(style.Text(item));
+      std::vector<std::string> fields =
+          core::Split(style.Text(core::Field::At(item)));
       fields[0] = positions[item - 10];
       if (fields[0] == "999" && !long_hidden_label.empty())
         fields[1] = long_hidden_label;
       std::string text;
       for (size_t i = 0; i < fields.size(); ++i)
         text += (i ? ";" : "") + fields[i];
-      style.SetText(item, text);
+      style.SetText(core::Field::At(item), text);
     }
     return style;
   }
@@ -184,7 +185,8 @@ TEST_F(BandLayout, OrderFollowsPositionsAndSkipsHiddenAndRepeatedBands) {
   std::vector<std::string> positions = hidden;
   positions[0] = "1";
   positions[2] = "2";
-  EXPECT_EQ(Profile::GetBandOrder(Style(positions)), (std::vector<int>{10, 12}));
+  EXPECT_EQ(Profile::GetBandOrder(Style(positions)),
+            (std::vector<int>{10, 12}));
   positions = hidden;
   positions[8] = "1";
   positions[3] = "5";

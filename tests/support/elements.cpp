@@ -65,8 +65,9 @@ std::vector<std::string> DanglingLinks(host::Document& doc) {
     std::optional<core::Record> record = core::Record::Read(*e);
     if (!record) continue;
     for (int f = 1; f < record->Size(); ++f) {
-      if (!record->Value(f).IsText()) continue;
-      for (const std::string& piece : core::Split(record->Text(f))) {
+      const core::Field field = core::Field::At(f);
+      if (!record->Value(field).IsText()) continue;
+      for (const std::string& piece : core::Split(record->Text(field))) {
         if (piece.rfind("RelatedTo", 0) != 0) continue;
         const std::string id = piece.substr(9);
         uint64_t value = 0;
@@ -77,8 +78,9 @@ std::vector<std::string> DanglingLinks(host::Document& doc) {
         try {
           core::EntityFromIdText(doc, id);
         } catch (const host::HostError&) {
-          found.push_back(record->Text(1) + " field " + std::to_string(f) +
-                          " names " + id + ", which is gone");
+          found.push_back(record->Text(core::PipeField::kCombinedLabel) +
+                          " field " + std::to_string(f) + " names " + id +
+                          ", which is gone");
         }
       }
     }

@@ -303,7 +303,9 @@ TEST_F(Placing, NetworkVisibilityHidesElementsAndAnnotations) {
   auto visible = [&](const std::string& network) {
     std::vector<bool> states;
     for (host::Entity* e :
-         core::General::GetNetworkSet(*doc_, network, 0).Entities())
+         core::General::GetNetworkSet(*doc_, network,
+                                      core::network_set::kElementsAndBlocks)
+             .Entities())
       states.push_back(e->Visible());
     return states;
   };
@@ -317,16 +319,16 @@ TEST_F(Placing, NetworkVisibilityHidesElementsAndAnnotations) {
   EXPECT_EQ(visible("Sewer"), std::vector<bool>(sewer_objects, false));
   EXPECT_FALSE(PipeAnnotation(*p1_)->Visible());
   EXPECT_EQ(visible("Water"), std::vector<bool>(visible("Water").size(), true));
-  EXPECT_EQ(StyleField::Read(*doc_).visibility, "01");
+  EXPECT_EQ(ReadStyleField(*doc_).visibility, "01");
   EXPECT_FALSE(NetworkVisible(*doc_, "Sewer"));
   EXPECT_TRUE(NetworkVisible(*doc_, "Water"));
   SetNetworkVisibility(*doc_, "Water", false);
   SetNetworkVisibility(*doc_, "Sewer", true);
-  EXPECT_EQ(StyleField::Read(*doc_).visibility, "10");
+  EXPECT_EQ(ReadStyleField(*doc_).visibility, "10");
   EXPECT_EQ(visible("Sewer"), std::vector<bool>(sewer_objects, true));
   EXPECT_THROW(SetNetworkVisibility(*doc_, "Storm", true),
                std::invalid_argument);
-  EXPECT_EQ(StyleField::Read(*doc_).active, "Standard");
+  EXPECT_EQ(ReadStyleField(*doc_).active, "Standard");
 }
 
 }  // namespace

@@ -141,7 +141,7 @@ TEST_F(StoredStyles, CreateUpdateAndActivateKeepField1InStep) {
                                            StandardViewStyle(true, "Plan"),
                                            StandardViewStyle(false, "Print")};
   ViewStyle::UpdateViewStylePoints(*doc_, styles, 3);
-  StyleField field = StyleField::Read(*doc_);
+  core::ViewStylesField field = ReadStyleField(*doc_);
   EXPECT_EQ(field.active, "Standard");
   EXPECT_EQ(field.visibility, "11");
   ASSERT_EQ(field.markers.size(), 3u);
@@ -153,16 +153,17 @@ TEST_F(StoredStyles, CreateUpdateAndActivateKeepField1InStep) {
     EXPECT_FALSE(point.Visible());
     EXPECT_EQ(point.Layer(), "0");
     core::Record record = core::Record::ReadRequired(point);
-    EXPECT_EQ(record.Code(0), 1001);
-    for (int i = 1; i < record.Size(); ++i) EXPECT_EQ(record.Code(i), 1000);
+    EXPECT_EQ(record.Code(core::Field::At(0)), 1001);
+    for (int i = 1; i < record.Size(); ++i)
+      EXPECT_EQ(record.Code(core::Field::At(i)), 1000);
   }
 
   // Only the count given is stored.
   ViewStyle::UpdateViewStylePoints(*doc_, styles, 2);
-  EXPECT_EQ(StyleField::Read(*doc_).markers.size(), 2u);
+  EXPECT_EQ(ReadStyleField(*doc_).markers.size(), 2u);
 
   ViewStyle::UpdateMoSpaceXdataForViewStyle(*doc_, "Plan", "10");
-  field = StyleField::Read(*doc_);
+  field = ReadStyleField(*doc_);
   EXPECT_EQ(Field1(),
             "Plan;10;" + field.markers[0] + ";" + field.markers[1] + ";");
   EXPECT_EQ(StyleNameOf(ViewStyle::GetActiveViewStyleSettingsArray(*doc_)),
@@ -173,7 +174,7 @@ TEST_F(StoredStyles, CreateUpdateAndActivateKeepField1InStep) {
   EXPECT_THROW(ViewStyle::CreateViewStyle(*doc_, bad), std::invalid_argument);
   EXPECT_THROW(ViewStyle::CreateViewStyle(*doc_, V(10, "Kestrana")),
                std::out_of_range);
-  EXPECT_EQ(StyleField::Read(*doc_).markers.size(), 2u);
+  EXPECT_EQ(ReadStyleField(*doc_).markers.size(), 2u);
 }
 
 // The settings dialog, with every control it names.

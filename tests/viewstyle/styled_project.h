@@ -57,8 +57,8 @@ class StyledProject : public ::testing::Test {
   // blocks.
   void StoreStyle() {
     ViewStyle::UpdateViewStylePoints(*doc_, {style_}, 1);
-    ViewStyle::UpdateMoSpaceXdataForViewStyle(
-        *doc_, StyleNameOf(style_), StyleField::Read(*doc_).visibility);
+    ViewStyle::UpdateMoSpaceXdataForViewStyle(*doc_, StyleNameOf(style_),
+                                              ReadStyleField(*doc_).visibility);
     ViewStyle::DefineAttributeBlocks(*doc_, Format());
   }
   void Apply(const std::string& network, double correction = 0) {
