@@ -201,7 +201,15 @@ void CheckRecords(const DrawingIndex& index, Reporter& report) {
   std::map<std::string, std::vector<const Item*>> labels;
   for (const auto& [id, item] : index.items()) {
     int length = DrawingIndex::RecordLength(item.type);
-    if (length == 0) continue;
+    if (length == 0) {
+      // Cut before its type: the combined label may still tell what it was.
+      if (item.record.Size() < 3 && !FieldText(item.record, 1).empty())
+        report.Add("record-short", {RefOf(item)},
+                   "The record of " + Describe(item) + " is cut short after '" +
+                       FieldText(item.record, 1) + "'; it is not checked "
+                       "further.");
+      continue;
+    }
     if (!item.whole) {
       report
           .Add("record-short", {RefOf(item)},

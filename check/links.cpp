@@ -77,7 +77,7 @@ void Dangling(Reporter& report, const Item& item, const std::string& id,
   report
       .Add("dangling-reference", {RefOf(item)},
            Describe(item) + " names " + what + " '" + id +
-               "', which is not in the drawing.")
+               "', but the drawing holds no such object with a whole record.")
       .values = {{"id", id}, {"expected", what}};
 }
 
