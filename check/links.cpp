@@ -229,9 +229,17 @@ void CheckSingleLink(const DrawingIndex& index, Reporter& report,
   }
   if (!Lists(ValuesOf(*target, link.back_id), IdOf(owner)))
     OneWay(report, owner, *target, "the " + link.what + " names another object");
+  // Renewal finds the object by the label stored here; a label that does
+  // not follow its owner's would meet a new element given the old label.
+  if (e.label != target->label)
+    LabelMismatch(report, owner, *target, e.label, target->label);
   std::string expected = owner.label + link.suffix;
-  if (!link.suffix.empty() && e.label != expected)
-    LabelMismatch(report, owner, *target, e.label, expected);
+  if (!link.suffix.empty() && target->label != expected)
+    report
+        .Add("label-mismatch", {RefOf(*target), RefOf(owner)},
+             Describe(*target) + " is labelled '" + target->label +
+                 "' instead of '" + expected + "' after its owner.")
+        .values = {{"stored", target->label}, {"expected", expected}};
   std::vector<std::string> back = ValuesOf(*target, link.back_label);
   if (back.size() != 1 || back[0] != owner.label)
     LabelMismatch(report, *target, owner, back.empty() ? "" : back[0],
