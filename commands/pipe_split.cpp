@@ -5,6 +5,7 @@
 #include <limits>
 #include <vector>
 
+#include "commands/pipe_crossings.h"
 #include "core/general.h"
 #include "core/guards.h"
 #include "editing/editing.h"
@@ -74,6 +75,7 @@ SplitResult SplitPipe(memhost::MemDocument& document,
   Editing::UpdateCrossingsAfterSplitting(document, *pipe, *first, *second);
   Editing::UpdateProfilesAfterSplitting(document, *pipe, *first, *second);
   Editing::DeleteSplitPipe(document, *pipe);
+  CrossNewPipes(document, {first, second});
   // Low and high points around the new node, as after any edit.
   host::SelectionSet& touched =
       core::General::InitializeSelectionSet(document, "SetNodesForLowHigh");
