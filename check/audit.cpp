@@ -155,7 +155,7 @@ void CheckProject(const DrawingIndex& index, Reporter& report) {
   // "<threshold>;<net>;<net>..." pairs of defined networks.
   std::vector<std::string> crossing =
       core::Split(ProjectText(index, ProjectField::kCrossingSettings));
-  if (!core::ParseNumber(crossing[0]))
+  if (!SafeNumber(crossing[0]))
     report.Add("crossing-settings", {},
                "The crossing clearance threshold '" + crossing[0] +
                    "' is not a number.");
@@ -208,6 +208,18 @@ void CheckRecords(const DrawingIndex& index, Reporter& report) {
                    "The record of " + Describe(item) + " is cut short after '" +
                        FieldText(item.record, 1) + "'; it is not checked "
                        "further.");
+      continue;
+    }
+    if (!item.not_a_number.empty()) {
+      const std::string field = item.not_a_number;
+      report
+          .Add("not-a-number", {RefOf(item)},
+               "Field " + field + " of " + Describe(item) +
+                   " should hold a number but holds '" +
+                   FieldText(item.record, std::stoi(field)) +
+                   "'; it is not checked further.")
+          .values = {{"field", field},
+                     {"text", FieldText(item.record, std::stoi(field))}};
       continue;
     }
     if (!item.whole) {

@@ -64,7 +64,7 @@ void CompareCounts(Reporter& report, const Item& marker,
     auto it = used.find(names[i]);
     int actual = it == used.end() ? 0 : it->second;
     std::string stored = i < counts.size() ? counts[i] : "";
-    std::optional<double> value = core::ParseNumber(stored);
+    std::optional<double> value = SafeNumber(stored);
     if (value && std::abs(*value - actual) < kCountTolerance) continue;
     report
         .Add("library-count", {RefOf(marker)},
@@ -161,7 +161,7 @@ void CheckCrossings(const DrawingIndex& index, Reporter& report, bool design) {
 
   std::string threshold_text = core::Split(FieldText(
       *index.project(), F(core::ProjectField::kCrossingSettings)))[0];
-  std::optional<double> threshold = core::ParseNumber(threshold_text);
+  std::optional<double> threshold = SafeNumber(threshold_text);
 
   std::map<std::pair<std::string, std::string>, const Item*> annotated;
   for (host::ObjectId id : index.OfType(crossing::kCrossingPointAnnotation)) {
@@ -197,9 +197,9 @@ void CheckCrossings(const DrawingIndex& index, Reporter& report, bool design) {
     // The clearance at the annotated point from the levels of now.
     std::vector<std::string> point =
         core::Split(FieldText(anno.record, F(CrossingAnnoField::kPoint)));
-    std::optional<double> e = core::ParseNumber(point[0]);
+    std::optional<double> e = SafeNumber(point[0]);
     std::optional<double> n =
-        point.size() == 2 ? core::ParseNumber(point[1]) : std::nullopt;
+        point.size() == 2 ? SafeNumber(point[1]) : std::nullopt;
     if (!e || !n) {
       report.Add("crossing-point", {RefOf(anno)},
                  Describe(anno) + " holds no crossing point.");

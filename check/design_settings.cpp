@@ -5,6 +5,7 @@
 #include <vector>
 #include <string>
 
+#include "check/drawing_index.h"
 #include "core/names.h"
 #include "core/text.h"
 #include "host/errors.h"
@@ -54,7 +55,7 @@ std::string Trim(std::string_view text) {
 }
 
 double NumberOf(const std::string& text, int line, const std::string& what) {
-  std::optional<double> value = core::ParseNumber(text);
+  std::optional<double> value = SafeNumber(text);
   if (!value) Refuse(line, what + " '" + text + "' is not a number");
   if (*value < 0) Refuse(line, what + " must not be negative");
   return *value;

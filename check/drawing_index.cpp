@@ -1,5 +1,9 @@
 #include "check/drawing_index.h"
 
+#include <cmath>
+#include <span>
+#include <stdexcept>
+
 #include "core/lists.h"
 #include "core/names.h"
 #include "core/node_record.h"
@@ -18,6 +22,42 @@ namespace kestrana::check {
 std::string FieldText(const core::Record& record, int field) {
   return record.Has(field) ? record.Text(field) : std::string();
 }
+
+std::optional<double> SafeNumber(std::string_view text) {
+  try {
+    return core::ParseNumber(text);
+  } catch (const std::overflow_error&) {
+    return std::nullopt;
+  }
+}
+
+namespace {
+
+// The group codes of fields 1 on of the kinds whose numbers the audit reads.
+std::span<const int16_t> CodesOf(std::string_view type) {
+  if (type == core::kGravityPipe || type == core::kPressurePipe)
+    return core::kPipeRecordCodes;
+  if (type == core::kGravityNode || type == core::kPressureNode)
+    return core::kNodeRecordCodes;
+  if (type == crossing::kCrossingPointAnnotation)
+    return crossing::kCrossingAnnoRecordCodes;
+  return {};
+}
+
+// The first field meant to hold a number that holds none, or "".
+std::string NotANumber(const core::Record& record, std::string_view type) {
+  std::span<const int16_t> codes = CodesOf(type);
+  for (size_t i = 0; i < codes.size(); ++i) {
+    if (codes[i] == core::code::kText) continue;
+    const host::XValue& value = record.Value(static_cast<int>(i) + 1);
+    bool number = value.IsText() ? SafeNumber(value.Text()).has_value()
+                                 : !value.IsReal() || std::isfinite(value.Real());
+    if (!number) return std::to_string(i + 1);
+  }
+  return "";
+}
+
+}  // namespace
 
 int DrawingIndex::RecordLength(std::string_view type) {
   if (type == core::kGravityPipe || type == core::kPressurePipe)
@@ -63,6 +103,10 @@ DrawingIndex::DrawingIndex(host::Document& document) : document_(&document) {
     if (pieces.size() > 2) item.label = pieces[2];
     int length = RecordLength(item.type);
     item.whole = length > 0 && record->Size() >= length;
+    if (item.whole) {
+      item.not_a_number = NotANumber(*record, item.type);
+      item.whole = item.not_a_number.empty();
+    }
     by_type_[item.type].push_back(entity->ObjectID());
     items_.emplace(entity->ObjectID(), std::move(item));
   }

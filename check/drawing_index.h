@@ -25,7 +25,10 @@ struct Item {
   std::string type;     // field 2, "" when missing
   std::string network;  // piece 1 of field 1
   std::string label;    // piece 2 of field 1
-  bool whole = false;   // the record has every field of its kind
+  // The record has every field of its kind, and each numeric field reads as
+  // a number; the checks of links and levels take only whole records.
+  bool whole = false;
+  std::string not_a_number;  // the first numeric field that is not: "9"
 };
 
 struct Network {
@@ -64,6 +67,10 @@ class DrawingIndex {
   std::map<host::ObjectId, Item> items_;
   std::map<std::string, std::vector<host::ObjectId>, std::less<>> by_type_;
 };
+
+// The number a text holds wholly, or nullopt (also for one beyond the range
+// of a real, which the system's reading would refuse).
+std::optional<double> SafeNumber(std::string_view text);
 
 // A field's text, or "" when the record lacks it.
 std::string FieldText(const core::Record& record, int field);
