@@ -81,6 +81,13 @@ class AuditedDrawing : public ::testing::Test {
     record.SetText(field, text);
     record.Write(entity);
   }
+  // Stores a text where the record holds a number, as a damaged file can.
+  void PokeText(host::Entity& entity, int field, const std::string& text) {
+    core::UnlockedLayers unlocked(*doc_);
+    Record record = *Record::Read(entity);
+    record.Set(field, core::code::kText, host::XValue(text));
+    record.Write(entity);
+  }
   std::vector<Finding> Run(bool design = false) {
     return Audit(*doc_, {.design = design});
   }
@@ -269,8 +276,8 @@ TEST_F(AuditedDrawing, DamagedRecordsAreFindingsNotFailures) {
   core::UnlockedLayers unlocked(*doc_);
   Element("Sewer", "Pipe", "P-2").SetXData(
       {{1001, host::XValue("Kestrana")}, {1000, host::XValue("Pipe;Sewer;P-2")}});
-  Poke(Element("Water", "Node", "N-3"),
-       static_cast<int>(NodeField::kSumpLevel), "deep");
+  PokeText(Element("Water", "Node", "N-3"),
+           static_cast<int>(NodeField::kSumpLevel), "deep");
   Poke(Element("Water", "Pipe", "P-2"),
        static_cast<int>(PipeField::kCrossingOIDRefs), "17;42;");
   Poke(Element("Sewer", "Pipe", "P-1"),
@@ -285,6 +292,12 @@ TEST_F(AuditedDrawing, DamagedRecordsAreFindingsNotFailures) {
   EXPECT_TRUE(Has(findings, "reference-form", "P-2")) << Codes(findings);
   EXPECT_TRUE(Has(findings, "dangling-reference", "P-1")) << Codes(findings);
   EXPECT_TRUE(Has(findings, "crossing-settings")) << Codes(findings);
+  EXPECT_TRUE(Has(findings, "not-a-number", "N-3")) << Codes(findings);
+  // A number too large to read is no number either.
+  PokeText(Element("Water", "Node", "N-3"),
+           static_cast<int>(NodeField::kSumpLevel), "1e999");
+  ASSERT_NO_THROW(findings = Run(true));
+  EXPECT_TRUE(Has(findings, "not-a-number", "N-3")) << Codes(findings);
   // The crossings of the pipe cut short, and those of a damaged list, are
   // reported once as what they are, not as a failure of the audit.
   EXPECT_FALSE(Has(findings, "crossings-not-checked")) << Codes(findings);
