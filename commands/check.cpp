@@ -3,6 +3,7 @@
 #include "check/fix.h"
 #include "commands/project.h"
 #include "core/project_record.h"
+#include "host/errors.h"
 
 namespace kestrana::commands {
 
@@ -19,6 +20,12 @@ CheckResult Check(host::Document& document, const CheckOptions& options) {
     } catch (const std::exception& e) {
       // A project too damaged to renew (short records, IDs that are not
       // numbers) is audited as it stands; the audit says what is damaged.
+      // Repairs would start from a half-renewed drawing: refused.
+      if (options.fix)
+        throw RefusedError(
+            std::string("the object IDs of this drawing cannot be renewed (") +
+            e.what() + "), so it is not repaired; run check without --fix "
+            "to see what is damaged");
       renewal.push_back({"ids-not-renewed", check::Severity::kError, {},
                          std::string("The stored object IDs could not be "
                                      "renewed from their labels: ") + e.what(),

@@ -31,7 +31,8 @@ struct CheckResult {
 
 // Audits the drawing as it is; with `fix` repairs it and audits again.
 // Object IDs another session stored are renewed first, as every command
-// does. Never throws for a damaged drawing.
+// does. Without `fix` never throws for a damaged drawing; with it,
+// RefusedError when the IDs cannot be renewed.
 CheckResult Check(host::Document& document, const CheckOptions& options);
 
 }  // namespace kestrana::commands
