@@ -57,7 +57,10 @@ Finding& Warn(Reporter& report, std::string code, std::vector<ObjectRef> refs,
                     Severity::kWarning);
 }
 
-std::string T(double v) { return core::GeneralText(core::RoundHalfEven(v, 4)); }
+// A level, slope or length as a sentence shows it.
+std::string Shown(double v) {
+  return core::GeneralText(core::RoundHalfEven(v, 4));
+}
 
 // The distance from a point to a polyline's segments.
 double DistanceToLine(const std::vector<double>& xy, double px, double py) {
@@ -114,14 +117,14 @@ void CheckDesign(const DrawingIndex& index, Reporter& report,
               : limits.min_slope;
       if (slope < 0)
         Warn(report, "adverse-slope", {RefOf(pipe)},
-             Describe(pipe) + " rises by " + T(-slope * length) +
+             Describe(pipe) + " rises by " + Shown(-slope * length) +
                  " along its drawn direction: a gravity pipe must fall.")
-            .values = {{"slope", T(slope)}};
+            .values = {{"slope", Shown(slope)}};
       else if (slope < minimum - kSlopeTolerance)
         Warn(report, "flat-slope", {RefOf(pipe)},
-             Describe(pipe) + " falls at " + T(slope) +
-                 ", flatter than the minimum " + T(minimum) + " for its size.")
-            .values = {{"slope", T(slope)}, {"minimum", T(minimum)}};
+             Describe(pipe) + " falls at " + Shown(slope) +
+                 ", flatter than the minimum " + Shown(minimum) + " for its size.")
+            .values = {{"slope", Shown(slope)}, {"minimum", Shown(minimum)}};
     }
     for (bool start : {true, false}) {
       const Item* node = start ? from : to;
@@ -132,17 +135,17 @@ void CheckDesign(const DrawingIndex& index, Reporter& report,
       double crown = invert + rise;
       if (ground < crown)
         Warn(report, "ground-below-crown", {RefOf(pipe), RefOf(*node)},
-             "At node " + node->label + " the ground " + T(ground) +
-                 " lies below the crown " + T(crown) + " of " +
+             "At node " + node->label + " the ground " + Shown(ground) +
+                 " lies below the crown " + Shown(crown) + " of " +
                  Describe(pipe) + ".")
-            .values = {{"ground", T(ground)}, {"crown", T(crown)}};
+            .values = {{"ground", Shown(ground)}, {"crown", Shown(crown)}};
       else if (ground - crown < limits.min_cover)
         Warn(report, "low-cover", {RefOf(pipe), RefOf(*node)},
-             Describe(pipe) + " has " + T(ground - crown) + " of cover at " +
+             Describe(pipe) + " has " + Shown(ground - crown) + " of cover at " +
                  node->label + ", less than the minimum " +
-                 T(limits.min_cover) + ".")
-            .values = {{"cover", T(ground - crown)},
-                       {"minimum", T(limits.min_cover)}};
+                 Shown(limits.min_cover) + ".")
+            .values = {{"cover", Shown(ground - crown)},
+                       {"minimum", Shown(limits.min_cover)}};
     }
     if (!sizes_in_library.empty()) {
       library::PipeSize size = library::PipeSizeOf(pipe.record);
@@ -170,9 +173,9 @@ void CheckDesign(const DrawingIndex& index, Reporter& report,
     double sump = Num(node, F(NodeField::kSumpLevel));
     if (ground != 0 && sump != 0 && ground < sump)
       Warn(report, "ground-below-sump", {RefOf(node)},
-           "The ground " + T(ground) + " of " + Describe(node) +
-               " lies below its sump " + T(sump) + ".")
-          .values = {{"ground", T(ground)}, {"sump", T(sump)}};
+           "The ground " + Shown(ground) + " of " + Describe(node) +
+               " lies below its sump " + Shown(sump) + ".")
+          .values = {{"ground", Shown(ground)}, {"sump", Shown(sump)}};
     // A gravity node where a pipe leaves smaller than one that arrives.
     if (node.type != core::kGravityNode) continue;
     double largest_in = 0;
@@ -192,8 +195,8 @@ void CheckDesign(const DrawingIndex& index, Reporter& report,
         Warn(report, "smaller-downstream", {RefOf(*largest), RefOf(*out)},
              Describe(*largest) + " flows at " + node.label + " into " +
                  Describe(*out) + ", which is smaller.")
-            .values = {{"upstream rise", T(largest_in)},
-                       {"downstream rise", T(rise)}};
+            .values = {{"upstream rise", Shown(largest_in)},
+                       {"downstream rise", Shown(rise)}};
     }
   }
 

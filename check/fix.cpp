@@ -248,15 +248,13 @@ class Repairer {
                        : F(PipeField::kAnnotationOIDRef);
         // Read the owner as written by Links(): a dropped link frees it.
         std::optional<core::Record> now = core::Record::Read(*owner->entity);
-        owned = now && ValuesOf(*now, back) == std::vector<std::string>{id_text(id)};
+        owned = now && ValuesOf(*now, back) == std::vector<std::string>{core::IdText(id)};
       }
       if (owned) continue;
       changes_.push_back("erased " + Describe(item) + ", which belonged to nothing");
       item.entity->Delete();
     }
   }
-
-  static std::string id_text(host::ObjectId id) { return std::to_string(id); }
 
   void RebuildCrossings() {
     core::UnlockedLayers unlocked(document_);
