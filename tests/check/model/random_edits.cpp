@@ -24,7 +24,9 @@
 #include "commands/pipes.h"
 #include "commands/project.h"
 #include "commands/styles.h"
+#include "core/lists.h"
 #include "core/names.h"
+#include "core/project_record.h"
 #include "core/text.h"
 #include "dxf/reader.h"
 #include "dxf/writer.h"
@@ -107,10 +109,14 @@ class Model {
 
   static constexpr int kMostPipes = 250;
 
+  // Read straight from the drawing: listing every network through the
+  // commands' selections would cost more than the step itself.
   int PipeCount() {
     int pipes = 0;
-    for (const commands::NetworkInfo& n : commands::ListNetworks(*doc_))
-      pipes += n.pipes;
+    for (host::Entity* e : doc_->ModelSpace().Entities())
+      if (e->Kind() == host::EntityKind::kLwPolyline &&
+          e->GetXData(core::kAppName))
+        ++pipes;
     return pipes;
   }
 
@@ -125,10 +131,8 @@ class Model {
 
  private:
   std::vector<std::string> Networks() {
-    std::vector<std::string> names;
-    for (const commands::NetworkInfo& n : commands::ListNetworks(*doc_))
-      names.push_back(n.name);
-    return names;
+    return core::ListEntries(
+        core::ReadProjectRecord(*doc_).Text(core::ProjectField::kNetworkNames));
   }
   commands::NetworkElements Elements(const std::string& network) {
     return commands::ListElements(*doc_, {network});
