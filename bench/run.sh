@@ -74,3 +74,8 @@ build-bench/bench_conversion ${CONVERSION_SIZES:-1000 5000 10000}
 echo
 build-bench/surface_bench --benchmark_repetitions=${REPETITIONS:-5} \
   --benchmark_report_aggregates_only=true 2>/dev/null | grep -E "^Benchmark|_median"
+
+# Drawing a profile of 20 to 200 pipes, and `profile update --all-flagged`
+# of 20 profiles against drawing them fresh.
+echo
+build-bench/bench_profile_draw ${PROFILE_DRAW_SIZES:-20 50 100 200}

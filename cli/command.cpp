@@ -5,8 +5,10 @@
 #include <cstdio>
 #include <ostream>
 
+#include "cli/files.h"
 #include "cli/session.h"
 #include "commands/command.h"
+#include "core/text.h"
 #include "host/types.h"
 
 namespace kestrana::cli {
@@ -95,9 +97,37 @@ int ListGroup(const std::vector<CommandInfo>& commands,
   return help ? 0 : 2;
 }
 
+// Whether the command writes its drawing or file to standard output.
+bool WritesStandardOutput(const std::vector<std::string>& args) {
+  auto standard = [](const std::string& output) {
+    return output == kStandardOutput || output == "/dev/stdout";
+  };
+  for (size_t i = 0; i < args.size(); ++i) {
+    if (args[i].rfind("--output=", 0) == 0 && standard(args[i].substr(9)))
+      return true;
+    if ((args[i] == "-o" || args[i] == "--output") && i + 1 < args.size() &&
+        standard(args[i + 1]))
+      return true;
+  }
+  return false;
+}
+
+// "-" names the command's standard output while it runs.
+class StandardOutputScope {
+ public:
+  explicit StandardOutputScope(std::ostream& out) { SetStandardOutput(&out); }
+  ~StandardOutputScope() { SetStandardOutput(nullptr); }
+  StandardOutputScope(const StandardOutputScope&) = delete;
+  StandardOutputScope& operator=(const StandardOutputScope&) = delete;
+};
+
 // Runs a command and maps the kind of its failure to the exit code.
 int Run(const CommandInfo& command, const std::vector<std::string>& args,
         Io& io) {
+  StandardOutputScope standard_output(io.out);
+  // Standard output then holds the file alone; what the command says goes
+  // to stderr.
+  Io command_io = WritesStandardOutput(args) ? Io{io.err, io.err} : io;
   auto fail = [&](const std::exception& e, const std::string& kind, int code) {
     PrintShownMessages(io.err, e.what());
     io.err << "kestrana " << command.name << ": " << kind << e.what() << '\n';
@@ -105,7 +135,7 @@ int Run(const CommandInfo& command, const std::vector<std::string>& args,
     return code;
   };
   try {
-    int code = command.run(args, io);
+    int code = command.run(args, command_io);
     PrintShownMessages(io.err);
     return code;
   } catch (const UsageError& e) {
@@ -274,8 +304,13 @@ double ParseReal(const std::string& text, const std::string& what) {
   const char* first = text.data();
   const char* last = text.data() + text.size();
   auto [ptr, ec] = std::from_chars(first, last, value);
-  if (text.empty() || ec != std::errc() || ptr != last)
+  // from_chars takes "nan" and "inf", and a value too large sets ec.
+  if (text.empty() || ptr != last ||
+      (ec != std::errc() && ec != std::errc::result_out_of_range))
     throw UsageError(what + ": '" + text + "' is not a number");
+  if (ec != std::errc() || !core::InNumberRange(value))
+    throw UsageError(what + ": '" + text + "' is out of range; numbers go " +
+                     core::NumberRangeText());
   return value;
 }
 

@@ -96,7 +96,8 @@ class Args {
 // pieces for the empty text.
 std::vector<std::string> SplitAtCommas(const std::string& text);
 
-// Parses a real; UsageError naming the option when the text is not one.
+// Parses a real; UsageError naming the option when the text is not one or
+// lies outside the numbers a drawing holds (core::InNumberRange).
 double ParseReal(const std::string& text, const std::string& what);
 int ParseInt(const std::string& text, const std::string& what);
 

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "cli/command.h"
+#include "cli/progress.h"
 #include "cli/session.h"
 #include "core/names.h"
 #include "memhost/document.h"
@@ -38,7 +39,10 @@ int Run(const std::vector<std::string>& args, Io& io) {
     for (int i = 0; i < 4; ++i) w[i] = ParseReal(corners[i], "--window");
     options.selection.window = w;
   }
+  ProgressLine progress(io.err, IsTerminal(io.err));
+  options.progress = progress.Callback();
   const commands::ConvertResult r = EditProject(a, commands::Convert, options);
+  progress.Finish();
   io.out << "converted " << r.pipes << " pipe" << (r.pipes == 1 ? "" : "s")
          << " and " << r.nodes << " new node" << (r.nodes == 1 ? "" : "s")
          << " into the " << r.type << " network \"" << r.network << "\""
@@ -61,7 +65,11 @@ Registrar convert_command(
      "NAME (lines become two-vertex polylines; entities that already belong\n"
      "to a network are left alone). Pipe ends that agree to 5 decimal\n"
      "places share a node; new pipes and nodes are labelled P-<n> and N-<n>\n"
-     "with the smallest free numbers, annotated in the active view style,\n"
+     "with the smallest free numbers in the order of the selection: the\n"
+     "polylines in the order they stand in the drawing (with --handles, in\n"
+     "the order given), then the lines, so a line drawn before a polyline\n"
+     "is still labelled after it. They are annotated in the active view "
+     "style,\n"
      "and their crossings with other networks and, in a pressure network,\n"
      "the low and high points are drawn.\n\n"
      "  --network NAME        the network; made first when it is new\n"

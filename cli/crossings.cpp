@@ -5,6 +5,8 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/json.h"
+#include "cli/progress.h"
 #include "cli/session.h"
 #include "core/text.h"
 #include "memhost/document.h"
@@ -18,16 +20,15 @@ using commands::CrossingListing;
 using commands::CrossingsResult;
 using commands::NetworkPair;
 
+// Levels and clearances, in every form.
+constexpr int kPlaces = 3;
+
 std::string Number(double value) {
-  return core::FormatNumber(core::RoundHalfEven(value, 3), "0.000");
+  return core::FormatNumber(core::RoundHalfEven(value, kPlaces), "0.000");
 }
 
 std::string OptionalNumber(const std::optional<double>& value) {
   return value ? Number(*value) : "-";
-}
-
-std::string JsonNumber(const std::optional<double>& value) {
-  return value ? core::GeneralText(*value) : "null";
 }
 
 std::string CrossingsText(const CrossingsResult& r,
@@ -63,36 +64,57 @@ std::string CrossingsText(const CrossingsResult& r,
   return out.str();
 }
 
+void PipeJson(JsonWriter& json, const std::string& network,
+              const std::string& label,
+              const std::optional<core::SectionSize>& size,
+              const std::optional<double>& invert) {
+  json.BeginObject();
+  json.Key("network").String(network);
+  json.Key("label").String(label);
+  json.Key("size");
+  size ? json.Size(*size) : json.Null();
+  json.Key("invert");
+  invert ? json.Number(*invert, kPlaces) : json.Null();
+  json.EndObject();
+}
+
 std::string CrossingsJson(const CrossingsResult& r,
                           const std::optional<std::string>& written) {
-  std::ostringstream out;
-  out << "{\"threshold\": " << JsonString(r.threshold) << ", \"pairs\": [";
-  for (size_t i = 0; i < r.pairs.size(); ++i)
-    out << (i ? ", " : "") << "{\"networks\": [" << JsonString(r.pairs[i].first)
-        << ", " << JsonString(r.pairs[i].second)
-        << "], \"enabled\": " << (r.pairs[i].enabled ? "true" : "false") << "}";
-  out << "], \"annotations\": " << r.annotations << ", \"shown\": " << r.shown
-      << ", \"drawn\": " << r.drawn;
-  if (written) out << ", \"written\": " << JsonString(*written);
-  out << ", \"crossings\": [";
-  for (size_t i = 0; i < r.crossings.size(); ++i) {
-    const CrossingListing& c = r.crossings[i];
-    out << (i ? ",\n  " : "")
-        << "{\"pipe1\": {\"network\": " << JsonString(c.network1)
-        << ", \"label\": " << JsonString(c.label1)
-        << ", \"size\": " << JsonString(c.size1)
-        << ", \"invert\": " << JsonNumber(c.invert1)
-        << "}, \"pipe2\": {\"network\": " << JsonString(c.network2)
-        << ", \"label\": " << JsonString(c.label2)
-        << ", \"size\": " << JsonString(c.size2)
-        << ", \"invert\": " << JsonNumber(c.invert2)
-        << "}, \"clearance\": " << core::GeneralText(c.clearance)
-        << ", \"easting\": " << core::GeneralText(c.easting)
-        << ", \"northing\": " << core::GeneralText(c.northing)
-        << ", \"shown\": " << (c.shown ? "true" : "false") << "}";
+  JsonWriter json;
+  json.BeginObject();
+  json.Key("threshold");
+  if (r.threshold.empty())
+    json.Null();
+  else
+    json.Real(core::NumericValue(r.threshold));
+  json.Key("pairs").BeginArray();
+  for (const NetworkPair& p : r.pairs) {
+    json.BeginObject();
+    json.Key("networks").BeginArray().String(p.first).String(p.second);
+    json.EndArray();
+    json.Key("enabled").Bool(p.enabled);
+    json.EndObject();
   }
-  out << "]}\n";
-  return out.str();
+  json.EndArray();
+  json.Key("annotations").Int(r.annotations);
+  json.Key("shown").Int(r.shown);
+  json.Key("drawn").Int(r.drawn);
+  if (written) json.Key("written").String(*written);
+  json.Key("crossings").BeginArray();
+  for (const CrossingListing& c : r.crossings) {
+    json.BeginObject();
+    json.Key("pipe1");
+    PipeJson(json, c.network1, c.label1, c.section1, c.invert1);
+    json.Key("pipe2");
+    PipeJson(json, c.network2, c.label2, c.section2, c.invert2);
+    json.Key("clearance").Number(c.clearance, kPlaces);
+    json.Key("easting").Real(c.easting);
+    json.Key("northing").Real(c.northing);
+    json.Key("shown").Bool(c.shown);
+    json.EndObject();
+  }
+  json.EndArray().EndObject();
+  return json.Text();
 }
 
 int Run(const std::vector<std::string>& args, Io& io) {
@@ -108,8 +130,11 @@ int Run(const std::vector<std::string>& args, Io& io) {
   options.apply = a.Flag("apply");
   options.reset_locations = a.Flag("reset-locations");
   options.list = a.Flag("list");
+  ProgressLine progress(io.err, IsTerminal(io.err));
+  options.progress = progress.Callback();
   const auto [result, written] =
       ReadOrEditProject(a, options.Changes(), commands::Crossings, options);
+  progress.Finish();
   io.out << (a.Json() ? CrossingsJson(result, written)
                       : CrossingsText(result, written));
   return 0;

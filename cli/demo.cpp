@@ -4,11 +4,15 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <ostream>
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/files.h"
+#include "cli/list.h"
 #include "cli/session.h"
 #include "commands/convert.h"
 #include "commands/crossings.h"
@@ -16,6 +20,7 @@
 #include "commands/ground.h"
 #include "commands/lowhigh.h"
 #include "commands/networks.h"
+#include "commands/profile_draw.h"
 #include "commands/project.h"
 #include "core/names.h"
 #include "core/text.h"
@@ -44,34 +49,72 @@ constexpr char kWaterLayer[] = "Water lines";
 constexpr char kDrawingOut[] = "town-network.dxf";
 constexpr char kPictureOut[] = "town-network.png";
 constexpr char kReportOut[] = "report.txt";
+constexpr char kProfilePictureOut[] = "sewer-profile.png";
+// The main sewer line from its head N-8 to the outlet N-4, and the water
+// main N-1 - N-2 - N-3, as the conversion of the example labels them.
+constexpr char kSewerProfile[] = "Main Sewer";
+constexpr char kWaterProfile[] = "Water Main";
+const std::vector<std::string> kSewerProfilePipes = {"P-2", "P-3", "P-4",
+                                                     "P-5", "P-6", "P-7"};
+const std::vector<std::string> kWaterProfilePipes = {"P-1", "P-2"};
+// The profiles stand under the town.
+constexpr host::Point3 kSewerProfileAt{0, -260, 0};
+constexpr host::Point3 kWaterProfileAt{0, -640, 0};
+
+// The plan area of everything in model space, a little larger.
+render::Window PlanWindow(memhost::MemDocument& document) {
+  host::Box2 box;
+  for (host::Entity* e : document.ModelSpace().Entities()) {
+    const host::BoundingBox b = e->GetBoundingBox();
+    box.Add(b.min.x, b.min.y);
+    box.Add(b.max.x, b.max.y);
+  }
+  const double margin = 0.03 * std::max(box.max_x - box.min_x,
+                                        box.max_y - box.min_y);
+  return {box.min_x - margin, box.min_y - margin, box.max_x + margin,
+          box.max_y + margin};
+}
+
+// Profiles of the main sewer line (ground from the surface, name and
+// stations in plan) and of a water main.
+std::vector<commands::ProfileDrawResult> DrawProfiles(
+    memhost::MemDocument& document, const fs::path& surface_file) {
+  const std::string surface_xml =
+      ReadInput(surface_file.string(), InputKind::kSurface);
+  std::vector<commands::ProfileDrawResult> drawn;
+  commands::ProfileDrawOptions sewer;
+  sewer.name = kSewerProfile;
+  sewer.run = {.network = kSewer,
+               .pipes = kSewerProfilePipes,
+               .surface_xml = surface_xml,
+               .surface_file = surface_file.string()};
+  sewer.at = kSewerProfileAt;
+  sewer.name_on_plan = true;
+  sewer.stations_on_plan = true;
+  drawn.push_back(commands::ProfileDraw(document, sewer));
+  commands::ProfileDrawOptions water;
+  water.name = kWaterProfile;
+  water.run = {.network = kWater, .pipes = kWaterProfilePipes};
+  water.at = kWaterProfileAt;
+  water.name_on_plan = true;
+  drawn.push_back(commands::ProfileDraw(document, water));
+  return drawn;
+}
 
 std::string Fixed(double value, int places = 2) {
   return core::FormatNumber(core::RoundHalfEven(value, places),
                             places == 2 ? "0.00" : "0.000");
 }
 
+// The tables `kestrana list` prints.
 void ReportNetwork(host::Document& document, const std::string& network,
                    std::ostream& out) {
-  const commands::NetworkElements elements =
-      commands::ListElements(document, {network});
   out << "\n"
-      << network << " pipes (start node to end node; inverts at "
-      << "start and end)\n";
-  for (const commands::PipeListing& pipe : elements.pipes)
-    out << "  " << pipe.label << "  " << pipe.from << " -> " << pipe.to << "  "
-        << memhost::DisplayText(pipe.size) << " " << pipe.material << "  "
-        << Fixed(pipe.length) << " m  I.L. " << Fixed(pipe.start_invert)
-        << " -> " << Fixed(pipe.end_invert) << "  slope "
-        << Fixed((pipe.start_invert - pipe.end_invert) / pipe.length * 100)
-        << " %\n";
-  out << network << " nodes\n";
-  for (const commands::NodeListing& node : elements.nodes)
-    out << "  " << node.label << "  ground " << Fixed(node.ground) << "  sump "
-        << Fixed(node.sump) << "  depth " << Fixed(node.ground - node.sump)
-        << "  " << (node.matching.empty() ? "?" : node.matching) << "\n";
+      << ElementsTables(network, commands::ListElements(document, {network}));
 }
 
-std::string Report(memhost::MemDocument& document, const std::string& surface) {
+std::string Report(memhost::MemDocument& document, const std::string& surface,
+                   const std::vector<commands::ProfileDrawResult>& profiles) {
   std::ostringstream out;
   out << "kestrana demo: the example town with a sewer and a water network\n"
       << "ground levels from the surface \"" << surface << "\"; sewer tops at "
@@ -98,6 +141,13 @@ std::string Report(memhost::MemDocument& document, const std::string& surface) {
        commands::ListLowHighPoints(document))
     out << "  " << p.kind << "  " << p.network << " " << p.node << "  at ("
         << core::GeneralText(p.x) << ", " << core::GeneralText(p.y) << ")\n";
+  out << "\nProfiles\n";
+  for (const commands::ProfileDrawResult& p : profiles) {
+    out << "  " << p.profile.name << "  " << p.profile.network << "  "
+        << p.parts << (p.parts == 1 ? " part" : " parts") << "  pipes";
+    for (const std::string& pipe : p.profile.pipes) out << " " << pipe;
+    out << "  block \"" << p.profile.block << "\"\n";
+  }
   return out.str();
 }
 
@@ -124,18 +174,22 @@ std::string FindExampleDir() {
       "is neither beside the program nor in " KESTRANA_SOURCE_DIR);
 }
 
-DemoResult RunDemo(const DemoOptions& options) {
-  const fs::path examples = options.example_dir.value_or(FindExampleDir());
-  const fs::path out = options.out_dir;
-  fs::create_directories(out);
-  DemoResult result{(out / kDrawingOut).string(), (out / kPictureOut).string(),
-                    (out / kReportOut).string(), ""};
+namespace {
 
-  commands::GroundOptions ground{.surfaces = memhost::ReadLandXmlSurfaces(
-                                     (examples / kExampleSurface).string()),
-                                 .networks = {kSewer, kWater}};
+// The demo's steps, writing into the folder `out`, which exists.
+DemoResult Demo(const DemoOptions& options, const fs::path& examples,
+                const fs::path& out) {
+  DemoResult result{(out / kDrawingOut).string(), (out / kPictureOut).string(),
+                    (out / kReportOut).string(), "",
+                    (out / kProfilePictureOut).string()};
+
+  const std::string surface_file = (examples / kExampleSurface).string();
+  commands::GroundOptions ground{
+      .surfaces = memhost::ParseLandXmlSurfaces(
+          ReadInput(surface_file, InputKind::kSurface), surface_file),
+      .networks = {kSewer, kWater}};
   const std::string surface = ground.surfaces.front()->Name();
-  std::unique_ptr<memhost::MemDocument> document = dxf::LoadDrawing(
+  std::unique_ptr<memhost::MemDocument> document = LoadDrawingFile(
       (examples / kExampleDrawing).string(), CommandLoadOptions());
   commands::NewProject(*document, {core::kMetric});
   // Sewers are drawn in the direction of flow.
@@ -152,15 +206,67 @@ DemoResult RunDemo(const DemoOptions& options) {
   commands::DesignNetwork(*document,
                           {kWater, commands::DesignRules::kWaterMains});
   viewstyle::MoveAnnotationsClear(*document, {kSewer, kWater});
+  // The plan picture shows the town, not the profiles under it.
+  const render::Window plan = PlanWindow(*document);
+  const std::vector<commands::ProfileDrawResult> profiles =
+      DrawProfiles(*document, examples / kExampleSurface);
 
-  dxf::SaveDrawing(*document, result.drawing);
+  SaveDrawingFile(*document, result.drawing);
   render::Options picture;
   picture.size_px = options.picture_px;
-  render::SavePicture(render::RenderSvg(*document, picture).svg,
-                      result.picture);
-  result.report = Report(*document, surface);
-  dxf::WriteFileAtomically(result.report_file, result.report);
+  picture.window = plan;
+  WriteOutput(result.picture,
+              render::PictureBytes(render::RenderSvg(*document, picture).svg,
+                                   render::PictureFormat::kPng));
+  render::Options profile_picture;
+  profile_picture.size_px = options.picture_px;
+  profile_picture.block = profiles.front().profile.block;
+  WriteOutput(result.profile_picture,
+              render::PictureBytes(
+                  render::RenderSvg(*document, profile_picture).svg,
+                  render::PictureFormat::kPng));
+  result.report = Report(*document, surface, profiles);
+  WriteOutput(result.report_file, result.report);
   return result;
+}
+
+// A folder the demo can write into; `made` receives the outermost folder
+// made for it, which a failed demo removes again.
+void MakeOutputFolder(const fs::path& out, fs::path& made) {
+  std::error_code error;
+  for (fs::path p = out;
+       !p.empty() && !fs::exists(p, error) && p != p.parent_path();
+       p = p.parent_path())
+    made = p;
+  fs::create_directories(out, error);
+  if (error)
+    throw RefusedError("cannot make the folder '" + out.string() +
+                       "': " + error.message());
+  if (!fs::is_directory(out, error))
+    throw RefusedError("'" + out.string() + "' is not a folder");
+  if (access(out.c_str(), W_OK) != 0) {
+    const std::string why = std::strerror(errno);
+    if (!made.empty()) fs::remove_all(made, error);
+    throw RefusedError("cannot write into the folder '" + out.string() +
+                       "': " + why);
+  }
+}
+
+}  // namespace
+
+DemoResult RunDemo(const DemoOptions& options) {
+  const fs::path examples = options.example_dir.value_or(FindExampleDir());
+  const fs::path out = options.out_dir;
+  fs::path made;
+  MakeOutputFolder(out, made);
+  try {
+    return Demo(options, examples, out);
+  } catch (...) {
+    // Nothing half-made stays behind; the failure goes on as it was.
+    std::error_code error;
+    if (!made.empty()) fs::remove_all(made, error);
+    throw;
+  }
 }
 
 namespace {
@@ -177,8 +283,8 @@ int Run(const std::vector<std::string>& args, Io& io) {
       throw UsageError("--size: a picture is 16 to 20000 pixels across");
   }
   DemoResult r = RunDemo(options);
-  io.out << r.report << "\nwrote " << r.drawing << ", " << r.picture << " and "
-         << r.report_file << "\n";
+  io.out << r.report << "\nwrote " << r.drawing << ", " << r.picture << ", "
+         << r.profile_picture << " and " << r.report_file << "\n";
   return 0;
 }
 
@@ -194,7 +300,11 @@ Registrar demo_command(
      "their levels (sewers falling at least 1 in 200 to the outlet), and\n"
      "writes OUTDIR/town-network.dxf, a picture OUTDIR/town-network.png and\n"
      "OUTDIR/report.txt (networks, pipes, nodes, crossings with their\n"
-     "clearances, low and high points). The example is only read.\n\n"
+     "clearances, low and high points, profiles). It draws the profile\n"
+     "of the main sewer line (ground from the surface, its name and\n"
+     "stations in plan) and of a water main under the town, and writes the\n"
+     "sewer profile's picture as OUTDIR/sewer-profile.png. The example is\n"
+     "only read.\n\n"
      "  OUTDIR          where to write (default ./demo-out)\n"
      "  --size PX       the picture's longer side in pixels (default 3200)\n"
      "  --examples DIR  the folder holding town.dxf and town-surface.xml\n",

@@ -20,6 +20,7 @@ struct DemoResult {
   std::string picture;
   std::string report_file;
   std::string report;  // the report's text
+  std::string profile_picture;
 };
 
 // The folder holding the bundled example; NotFoundError when there is none.

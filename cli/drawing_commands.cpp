@@ -3,6 +3,9 @@
 
 #include "cli/command.h"
 #include "cli/info.h"
+#include "cli/json.h"
+#include "cli/session.h"
+#include "core/text.h"
 #include "dxf/io.h"
 #include "dxf/tags.h"
 
@@ -25,11 +28,6 @@ std::string ValueText(const host::XValue& v) {
   return std::to_string(v.Int());
 }
 
-std::string ValueJson(const host::XValue& v) {
-  if (v.IsText()) return JsonString(v.Text());
-  return ValueText(v);
-}
-
 }  // namespace
 
 InfoSectionRegistrar::InfoSectionRegistrar(InfoSectionFn fn) {
@@ -37,7 +35,7 @@ InfoSectionRegistrar::InfoSectionRegistrar(InfoSectionFn fn) {
 }
 
 InfoResult Info(const InfoOptions& options) {
-  auto doc = dxf::LoadDrawing(options.drawing);
+  auto doc = LoadDrawingFile(options.drawing);
   InfoResult result;
   result.drawing = options.drawing;
   result.summary = dxf::Summarize(*doc);
@@ -50,38 +48,45 @@ std::string FormatInfo(const InfoResult& r, bool json) {
   const dxf::DrawingSummary& s = r.summary;
   std::ostringstream out;
   if (json) {
-    out << "{\"drawing\": " << JsonString(r.drawing)
-        << ", \"version\": " << JsonString(s.version)
-        << ", \"project\": " << (s.has_project ? "true" : "false")
-        << ", \"model_space\": {\"total\": " << s.model_space_total
-        << ", \"by_type\": {";
-    for (size_t i = 0; i < s.model_space.size(); ++i)
-      out << (i ? ", " : "") << JsonString(s.model_space[i].first) << ": "
-          << s.model_space[i].second;
-    out << "}}, \"paper_space\": {\"total\": " << s.paper_space_total
-        << "}, \"block_definitions\": " << s.block_definitions
-        << ", \"layers\": [";
-    for (size_t i = 0; i < s.layers.size(); ++i) {
-      const auto& l = s.layers[i];
-      out << (i ? ", " : "") << "{\"name\": " << JsonString(l.name)
-          << ", \"color\": " << l.color
-          << ", \"on\": " << (l.on ? "true" : "false")
-          << ", \"frozen\": " << (l.frozen ? "true" : "false")
-          << ", \"locked\": " << (l.locked ? "true" : "false")
-          << ", \"entities\": " << l.entities << "}";
+    JsonWriter j;
+    j.BeginObject();
+    j.Key("drawing").String(r.drawing);
+    j.Key("version").String(s.version);
+    j.Key("project").Bool(s.has_project);
+    j.Key("model_space").BeginObject();
+    j.Key("total").Int(s.model_space_total);
+    // Entity types as they stand in the file.
+    j.Key("by_type").BeginObject();
+    for (const auto& [type, count] : s.model_space) j.Key(type).Int(count);
+    j.EndObject().EndObject();
+    j.Key("paper_space").BeginObject().Key("total").Int(s.paper_space_total);
+    j.EndObject();
+    j.Key("block_definitions").Int(s.block_definitions);
+    j.Key("layers").BeginArray();
+    for (const auto& l : s.layers) {
+      j.BeginObject();
+      j.Key("name").String(l.name);
+      j.Key("color").Int(l.color);
+      j.Key("on").Bool(l.on);
+      j.Key("frozen").Bool(l.frozen);
+      j.Key("locked").Bool(l.locked);
+      j.Key("entities").Int(l.entities);
+      j.EndObject();
     }
-    out << "]";
+    j.EndArray();
     for (const auto& section : r.sections) {
-      out << ", " << JsonString(section.title) << ": {";
-      for (size_t i = 0; i < section.fields.size(); ++i) {
-        const auto& f = section.fields[i];
-        out << (i ? ", " : "") << JsonString(f.key) << ": "
-            << (f.is_number ? f.value : JsonString(f.value));
+      j.Key(SnakeCase(section.title)).BeginObject();
+      for (const auto& f : section.fields) {
+        j.Key(SnakeCase(f.key));
+        if (f.is_number)
+          j.Real(core::NumericValue(f.value));
+        else
+          j.String(f.value);
       }
-      out << "}";
+      j.EndObject();
     }
-    out << "}\n";
-    return out.str();
+    j.EndObject();
+    return j.Text();
   }
   out << "drawing: " << r.drawing << "\n"
       << "version: " << s.version << "\n"
@@ -107,27 +112,38 @@ std::string FormatInfo(const InfoResult& r, bool json) {
 }
 
 std::vector<dxf::RecordDump> Dump(const DumpOptions& options) {
-  auto doc = dxf::LoadDrawing(options.drawing);
+  auto doc = LoadDrawingFile(options.drawing);
   return dxf::KestranaRecords(*doc);
 }
 
 std::string FormatDump(const std::vector<dxf::RecordDump>& records, bool json) {
   std::ostringstream out;
   if (json) {
-    out << "[";
-    for (size_t i = 0; i < records.size(); ++i) {
-      const auto& d = records[i];
-      out << (i ? ",\n " : "") << "{\"handle\": " << JsonString(d.handle)
-          << ", \"id\": " << d.id << ", \"type\": " << JsonString(d.type)
-          << ", \"layer\": " << JsonString(d.layer)
-          << ", \"block\": " << JsonString(d.block) << ", \"record\": [";
-      for (size_t k = 0; k < d.record.size(); ++k)
-        out << (k ? ", " : "") << "[" << d.record[k].code << ", "
-            << ValueJson(d.record[k].value) << "]";
-      out << "]}";
+    JsonWriter j;
+    j.BeginArray();
+    for (const auto& d : records) {
+      j.BeginObject();
+      j.Key("handle").String(d.handle);
+      j.Key("id").Int(d.id);
+      j.Key("type").String(d.type);
+      j.Key("layer").String(d.layer);
+      j.Key("block").String(d.block);
+      // Group code and value pairs, each value as the record types it.
+      j.Key("record").BeginArray();
+      for (const auto& item : d.record) {
+        j.BeginArray().Int(item.code);
+        if (item.value.IsText())
+          j.String(item.value.Text());
+        else if (item.value.IsReal())
+          j.Real(item.value.Real());
+        else
+          j.Int(item.value.Int());
+        j.EndArray();
+      }
+      j.EndArray().EndObject();
     }
-    out << "]\n";
-    return out.str();
+    j.EndArray();
+    return j.Text();
   }
   for (const auto& d : records) {
     out << d.type << " " << d.handle << " (ID " << d.id << ")";
@@ -163,7 +179,7 @@ int RunSave(const std::vector<std::string>& args, Io& io) {
   a.ExpectPositionals(1);
   const std::string& input = a.Positional(0, "the drawing (DRAWING.dxf)");
   auto output = a.Option("output");
-  dxf::EditDrawing(input, output, [](memhost::MemDocument&) {});
+  EditDrawingFile(input, output, [](memhost::MemDocument&) {});
   io.out << "saved " << output.value_or(input) << "\n";
   return 0;
 }

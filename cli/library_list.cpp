@@ -4,8 +4,10 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/json.h"
 #include "cli/session.h"
 #include "commands/library.h"
+#include "core/text.h"
 
 namespace kestrana::cli {
 
@@ -31,40 +33,53 @@ std::string Table(const std::vector<std::vector<std::string>>& rows) {
   return out.str();
 }
 
+// The shape word of a section in JSON, as `kestrana list` writes it.
+std::string ShapeKey(const std::string& shape) {
+  return shape == "Box" ? "box" : "circular";
+}
+
 std::string MaterialsListing(const std::vector<commands::MaterialUse>& uses,
                              bool json) {
-  std::ostringstream out;
   if (json) {
-    out << "[";
-    for (size_t i = 0; i < uses.size(); ++i)
-      out << (i ? ",\n " : "") << "{\"name\": " << JsonString(uses[i].name)
-          << ", \"count\": " << JsonString(uses[i].count) << "}";
-    out << "]\n";
-    return out.str();
+    JsonWriter out;
+    out.BeginArray();
+    for (const commands::MaterialUse& use : uses) {
+      out.BeginObject();
+      out.Key("name").String(use.name);
+      out.Key("pipes").Int(use.pipes);
+      out.EndObject();
+    }
+    out.EndArray();
+    return out.Text();
   }
   std::vector<std::vector<std::string>> rows = {{"MATERIAL", "PIPES"}};
   for (const commands::MaterialUse& use : uses)
-    rows.push_back({use.name, use.count});
+    rows.push_back({use.name, std::to_string(use.pipes)});
   return Table(rows);
 }
 
 std::string SizesListing(const std::vector<commands::SizeUse>& uses,
                          bool json) {
-  std::ostringstream out;
   if (json) {
-    out << "[";
-    for (size_t i = 0; i < uses.size(); ++i)
-      out << (i ? ",\n " : "") << "{\"shape\": " << JsonString(uses[i].shape)
-          << ", \"size\": " << JsonString(uses[i].size)
-          << ", \"count\": " << JsonString(uses[i].count)
-          << ", \"area\": " << JsonString(uses[i].area) << "}";
-    out << "]\n";
-    return out.str();
+    JsonWriter out;
+    out.BeginArray();
+    for (const commands::SizeUse& use : uses) {
+      out.BeginObject();
+      out.Key("shape").String(ShapeKey(use.shape));
+      out.Key("span").Real(use.span);
+      out.Key("rise").Real(use.rise);
+      out.Key("pipes").Int(use.pipes);
+      out.Key("area").Real(use.area);
+      out.EndObject();
+    }
+    out.EndArray();
+    return out.Text();
   }
   std::vector<std::vector<std::string>> rows = {
       {"SHAPE", "SIZE", "PIPES", "AREA"}};
   for (const commands::SizeUse& use : uses)
-    rows.push_back({use.shape, use.size, use.count, use.area});
+    rows.push_back({use.shape, use.size, std::to_string(use.pipes),
+                    core::GeneralText(use.area)});
   return Table(rows);
 }
 

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/json.h"
 #include "cli/session.h"
 #include "core/text.h"
 #include "memhost/document.h"
@@ -35,25 +36,32 @@ std::string LowHighText(const LowHighResult& r,
 
 std::string LowHighJson(const LowHighResult& r,
                         const std::optional<std::string>& written) {
-  std::ostringstream out;
-  out << "{\"networks\": [";
-  for (size_t i = 0; i < r.networks.size(); ++i)
-    out << (i ? ", " : "") << "{\"name\": " << JsonString(r.networks[i].name)
-        << ", \"shown\": " << (r.networks[i].shown ? "true" : "false") << "}";
-  out << "], \"low\": " << r.low << ", \"high\": " << r.high;
-  if (written) out << ", \"written\": " << JsonString(*written);
-  out << ", \"points\": [";
-  for (size_t i = 0; i < r.points.size(); ++i) {
-    const LowHighListing& p = r.points[i];
-    out << (i ? ",\n  " : "") << "{\"kind\": " << JsonString(p.kind)
-        << ", \"network\": " << JsonString(p.network)
-        << ", \"node\": " << JsonString(p.node)
-        << ", \"x\": " << core::GeneralText(p.x)
-        << ", \"y\": " << core::GeneralText(p.y)
-        << ", \"shown\": " << (p.shown ? "true" : "false") << "}";
+  JsonWriter json;
+  json.BeginObject();
+  json.Key("networks").BeginArray();
+  for (const LowHighNetwork& n : r.networks) {
+    json.BeginObject();
+    json.Key("name").String(n.name);
+    json.Key("shown").Bool(n.shown);
+    json.EndObject();
   }
-  out << "]}\n";
-  return out.str();
+  json.EndArray();
+  json.Key("low").Int(r.low);
+  json.Key("high").Int(r.high);
+  if (written) json.Key("written").String(*written);
+  json.Key("points").BeginArray();
+  for (const LowHighListing& p : r.points) {
+    json.BeginObject();
+    json.Key("kind").String(p.kind);
+    json.Key("network").String(p.network);
+    json.Key("node").String(p.node);
+    json.Key("x").Real(p.x);
+    json.Key("y").Real(p.y);
+    json.Key("shown").Bool(p.shown);
+    json.EndObject();
+  }
+  json.EndArray().EndObject();
+  return json.Text();
 }
 
 int Run(const std::vector<std::string>& args, Io& io) {

@@ -3,11 +3,12 @@
 #include "commands/profile_data.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/files.h"
+#include "cli/json.h"
+#include "cli/profile_options.h"
 #include "cli/session.h"
 #include "core/names.h"
 #include "core/text.h"
@@ -28,15 +29,6 @@ constexpr int kDistancePlaces = 7;  // as the series count lengths
 constexpr size_t kSectionValues = 4;
 constexpr char kSlopePattern[] = "0.00";
 
-std::string ReadSurfaceFile(const std::string& path) {
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error))
-    throw NotFoundError("there is no surface file " + path);
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw NotFoundError("cannot read the surface file " + path);
-  return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
 host::Point3 ParsePoint(const std::string& text) {
   const std::vector<std::string> xy = SplitAtCommas(text);
   if (xy.size() != 2)
@@ -44,27 +36,46 @@ host::Point3 ParsePoint(const std::string& text) {
   return {ParseReal(xy[0], "--start X"), ParseReal(xy[1], "--start Y"), 0};
 }
 
-std::string JsonList(const std::vector<std::string>& values) {
-  std::string json = "[";
-  for (size_t i = 0; i < values.size(); ++i)
-    json += (i ? ", " : "") + JsonString(values[i]);
-  return json + "]";
+// Whether a value of a series is a text: materials, node labels and the
+// coordinate text after each distance. Every other value is a number.
+bool IsText(Series series, size_t index) {
+  return series == Series::kMaterials || series == Series::kNodeLabels ||
+         (series == Series::kCoordinates && index % 2 == 1);
+}
+
+// Numbers as JSON numbers, as the series hold them (unrounded).
+void Values(JsonWriter& json, const std::vector<std::string>& values,
+            std::optional<Series> series = std::nullopt) {
+  json.BeginArray();
+  for (size_t i = 0; i < values.size(); ++i) {
+    std::optional<double> number;
+    if (series && !IsText(*series, i)) number = core::ParseNumber(values[i]);
+    if (number)
+      json.Real(*number);
+    else
+      json.String(values[i]);
+  }
+  json.EndArray();
 }
 
 std::string Json(const commands::ProfileDataResult& r) {
-  std::ostringstream out;
-  out << "{\"labels\": " << JsonList(r.labels)
-      << ",\n \"oids\": " << JsonList(r.oids)
-      << ",\n \"directions\": " << JsonList(r.directions) << ",\n \"parts\": [";
-  for (size_t p = 0; p < r.parts.size(); ++p) {
-    out << (p ? ",\n  " : "\n  ") << "{\"series\": [";
-    for (size_t s = 0; s < r.parts[p].series.size(); ++s)
-      out << (s ? ",\n    " : "\n    ")
-          << JsonList(SeriesValues(r.parts[p].series[s]));
-    out << "]}";
+  JsonWriter json;
+  json.BeginObject();
+  json.Key("labels");
+  Values(json, r.labels);
+  json.Key("oids");
+  Values(json, r.oids, Series::kPipeOIDs);
+  json.Key("directions");
+  Values(json, r.directions, Series::kDirections);
+  json.Key("parts").BeginArray();
+  for (const PartData& part : r.parts) {
+    json.BeginObject().Key("series").BeginArray();
+    for (size_t s = 0; s < part.series.size(); ++s)
+      Values(json, SeriesValues(part.series[s]), static_cast<Series>(s));
+    json.EndArray().EndObject();
   }
-  out << "]}\n";
-  return out.str();
+  json.EndArray().EndObject();
+  return json.Text();
 }
 
 // Columns: the first left-aligned, the others right-aligned.
@@ -195,6 +206,16 @@ int Run(const std::vector<std::string>& args, Io& io) {
           "surface-name"});
   a.ExpectPositionals(1);
   const std::string drawing = a.Positional(0, "the drawing (DRAWING.dxf)");
+  commands::ProfileDataOptions options = ProfileRunOptions(a);
+  const commands::ProfileDataResult result =
+      commands::ProfileData(*OpenProjectDrawing(drawing), options);
+  io.out << (a.Flag("json") ? Json(result) : Plain(result));
+  return 0;
+}
+
+}  // namespace
+
+commands::ProfileDataOptions ProfileRunOptions(const Args& a) {
   commands::ProfileDataOptions options;
   options.network = a.Required("network");
   options.pipes = a.Names("pipes");
@@ -206,16 +227,15 @@ int Run(const std::vector<std::string>& args, Io& io) {
   options.style = a.Option("style");
   options.surface_name = a.Option("surface-name");
   if (std::optional<std::string> surface = a.Option("surface")) {
-    options.surface_xml = ReadSurfaceFile(*surface);
+    options.surface_xml = ReadInput(*surface, InputKind::kSurface);
     options.surface_file = *surface;
   } else if (options.surface_name) {
     throw UsageError("--surface-name needs --surface FILE.xml");
   }
-  const commands::ProfileDataResult result =
-      commands::ProfileData(*OpenProjectDrawing(drawing), options);
-  io.out << (a.Flag("json") ? Json(result) : Plain(result));
-  return 0;
+  return options;
 }
+
+namespace {
 
 Registrar data_command(
     {"profile data", "the data of every part of a profile, as it is drawn",

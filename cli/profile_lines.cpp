@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "cli/command.h"
+#include "cli/json.h"
 #include "cli/session.h"
 
 namespace kestrana::cli {
@@ -17,16 +18,16 @@ int Run(const std::vector<std::string>& args, Io& io) {
       *OpenProjectDrawing(a.Positional(0, "the drawing (DRAWING.dxf)")),
       {a.Required("network")});
   if (a.Flag("json")) {
-    io.out << "[";
-    for (size_t i = 0; i < result.lines.size(); ++i) {
-      const commands::ProfileLine& line = result.lines[i];
-      io.out << (i ? ",\n " : "") << "{\"name\": " << JsonString(line.name)
-             << ", \"pipes\": [";
-      for (size_t k = 0; k < line.pipes.size(); ++k)
-        io.out << (k ? ", " : "") << JsonString(line.pipes[k]);
-      io.out << "]}";
+    JsonWriter json;
+    json.BeginArray();
+    for (const commands::ProfileLine& line : result.lines) {
+      json.BeginObject().Key("name").String(line.name);
+      json.Key("pipes").BeginArray();
+      for (const std::string& pipe : line.pipes) json.String(pipe);
+      json.EndArray().EndObject();
     }
-    io.out << "]\n";
+    json.EndArray();
+    io.out << json.Text();
     return 0;
   }
   if (result.lines.empty()) {

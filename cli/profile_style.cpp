@@ -6,6 +6,8 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/files.h"
+#include "cli/json.h"
 #include "cli/session.h"
 #include "core/text.h"
 #include "dxf/io.h"
@@ -30,13 +32,15 @@ std::string ProfilesText(const ProfileStyleSummary& style) {
   return text;
 }
 
-std::string ProfilesJson(const ProfileStyleSummary& style) {
-  std::string json = "[";
-  for (const profile::StyleProfile& p : style.profiles)
-    json += std::string(json.size() > 1 ? ", " : "") +
-            "{\"name\": " + JsonString(p.name) +
-            ", \"network\": " + JsonString(p.network) + "}";
-  return json + "]";
+void ProfilesJson(JsonWriter& json, const ProfileStyleSummary& style) {
+  json.BeginArray();
+  for (const profile::StyleProfile& p : style.profiles) {
+    json.BeginObject();
+    json.Key("name").String(p.name);
+    json.Key("network").String(p.network);
+    json.EndObject();
+  }
+  json.EndArray();
 }
 
 int RunList(const std::vector<std::string>& args, Io& io) {
@@ -45,12 +49,16 @@ int RunList(const std::vector<std::string>& args, Io& io) {
   const commands::ProfileStyleListResult result = commands::ProfileStyleList(
       *OpenProjectDrawing(a.Positional(0, kDrawing)), {});
   if (a.Flag("json")) {
-    io.out << "[";
-    for (size_t i = 0; i < result.styles.size(); ++i)
-      io.out << (i ? ",\n " : "")
-             << "{\"name\": " << JsonString(result.styles[i].name)
-             << ", \"profiles\": " << ProfilesJson(result.styles[i]) << "}";
-    io.out << "]\n";
+    JsonWriter json;
+    json.BeginArray();
+    for (const ProfileStyleSummary& style : result.styles) {
+      json.BeginObject().Key("name").String(style.name);
+      json.Key("profiles");
+      ProfilesJson(json, style);
+      json.EndObject();
+    }
+    json.EndArray();
+    io.out << json.Text();
     return 0;
   }
   if (result.styles.empty()) {
@@ -74,12 +82,15 @@ int RunShow(const std::vector<std::string>& args, Io& io) {
       commands::ProfileStyleShow(*OpenProjectDrawing(a.Positional(0, kDrawing)),
                                  {a.Positional(1, kStyleName)});
   if (a.Flag("json")) {
-    io.out << "{\"name\": " << JsonString(result.style.name)
-           << ", \"profiles\": " << ProfilesJson(result.style)
-           << ", \"items\": [";
-    for (size_t k = 0; k < result.items.size(); ++k)
-      io.out << (k ? ", " : "") << JsonString(result.items[k]);
-    io.out << "]}\n";
+    // The items as the style file writes them.
+    JsonWriter json;
+    json.BeginObject().Key("name").String(result.style.name);
+    json.Key("profiles");
+    ProfilesJson(json, result.style);
+    json.Key("items").BeginArray();
+    for (const std::string& item : result.items) json.String(item);
+    json.EndArray().EndObject();
+    io.out << json.Text();
     return 0;
   }
   io.out << "profile style \"" << result.style.name
@@ -114,10 +125,19 @@ int RunExport(const std::vector<std::string>& args, Io& io) {
     io.out << result.text;
     return 0;
   }
-  dxf::WriteFileAtomically(*output, result.text);
+  WriteOutput(*output, result.text);
   io.out << "wrote profile style \"" << result.name << "\" to " << *output
          << "\n";
   return 0;
+}
+
+std::vector<std::string> ReadStyleItems(const std::string& path) {
+  const std::string text = ReadInput(path, InputKind::kProfileStyle);
+  try {
+    return profile::ReadProfileStyleText(text);
+  } catch (const profile::ProfileStyleFileError& e) {
+    throw profile::ProfileStyleFileError(e.line(), path + ": " + e.what());
+  }
 }
 
 int RunImport(const std::vector<std::string>& args, Io& io) {
@@ -126,8 +146,7 @@ int RunImport(const std::vector<std::string>& args, Io& io) {
   const std::string drawing = a.Positional(0, kDrawing);
   const std::optional<std::string> output = a.Option("output");
   commands::ProfileStyleImportOptions options;
-  options.items =
-      profile::ReadProfileStyleFile(a.Positional(1, "the style file"));
+  options.items = ReadStyleItems(a.Positional(1, "the style file"));
   options.name = a.Option("name");
   commands::ProfileStyleImportResult result;
   EditProjectDrawing(drawing, output, [&](memhost::MemDocument& document) {

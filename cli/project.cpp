@@ -5,6 +5,7 @@
 
 #include "cli/command.h"
 #include "cli/info.h"
+#include "cli/json.h"
 #include "cli/session.h"
 #include "commands/networks.h"
 #include "commands/project.h"
@@ -16,16 +17,18 @@ namespace kestrana::cli {
 using commands::NetworkInfo;
 
 std::string NetworksJson(const std::vector<NetworkInfo>& networks) {
-  std::ostringstream out;
-  out << "[";
-  for (size_t i = 0; i < networks.size(); ++i) {
-    const NetworkInfo& n = networks[i];
-    out << (i ? ",\n " : "") << "{\"name\": " << JsonString(n.name)
-        << ", \"type\": " << JsonString(n.type) << ", \"pipes\": " << n.pipes
-        << ", \"nodes\": " << n.nodes << "}";
+  JsonWriter json;
+  json.BeginArray();
+  for (const NetworkInfo& n : networks) {
+    json.BeginObject();
+    json.Key("name").String(n.name);
+    json.Key("type").String(n.type);
+    json.Key("pipes").Int(n.pipes);
+    json.Key("nodes").Int(n.nodes);
+    json.EndObject();
   }
-  out << "]\n";
-  return out.str();
+  json.EndArray();
+  return json.Text();
 }
 
 std::string NetworksTable(const std::vector<NetworkInfo>& networks) {
@@ -54,13 +57,13 @@ int RunNew(const std::vector<std::string>& args, Io& io) {
   std::error_code error;
   const bool exists = std::filesystem::exists(drawing, error);
   if (exists) {
-    dxf::EditDrawing(drawing, a.Output(), [&](memhost::MemDocument& document) {
+    EditDrawingFile(drawing, a.Output(), [&](memhost::MemDocument& document) {
       commands::NewProject(document, options);
     });
   } else {
     memhost::MemDocument document;
     commands::NewProject(document, options);
-    dxf::SaveDrawing(document, a.Written());
+    SaveDrawingFile(document, a.Written());
   }
   io.out << (exists ? "started a project in " : "created ") << a.Written()
          << " (" << options.units << ")\n";
@@ -94,8 +97,8 @@ int RunNetworkDelete(const std::vector<std::string>& args, Io& io) {
   a.Drawing();
   const commands::DeleteNetworkOptions options{
       a.Positional(1, "the network name")};
-  EditProject(a, commands::DeleteNetwork, options);
-  io.out << "deleted network \"" << options.name << "\" from " << a.Written()
+  const std::string deleted = EditProject(a, commands::DeleteNetwork, options);
+  io.out << "deleted network \"" << deleted << "\" from " << a.Written()
          << "\n";
   return 0;
 }
@@ -104,7 +107,7 @@ int RunRenewIds(const std::vector<std::string>& args, Io& io) {
   Args a(args, {}, {"output"});
   a.ExpectPositionals(1);
   commands::RenewIdsResult r;
-  dxf::EditDrawing(
+  EditDrawingFile(
       a.Drawing(), a.Output(),
       [&](memhost::MemDocument& document) { r = commands::RenewIds(document); },
       CommandLoadOptions());
@@ -138,8 +141,10 @@ Registrar network_add_command(
      "\"NAME - Network\", \"NAME - Annotation\" and \"NAME - Arrow\", shows "
      "it\n"
      "in the active view style and enables its crossings with every\n"
-     "network before it. Names are unique and cannot hold : ; \" / \\ > < *\n"
-     "| ? , =\n\n"
+     "network before it. Names are unique regardless of letter case (as\n"
+     "layer names are: \"sewer\" is the network \"Sewer\"), at most 100\n"
+     "characters long, without blanks at either end or control characters,\n"
+     "and cannot hold : ; \" / \\ > < * | ? , =\n\n"
      "  --type Gravity|Pressure   sewers and storm drains, or water mains\n"
      "  -o, --output OUT          write to OUT instead of DRAWING\n",
      RunNetworkAdd});

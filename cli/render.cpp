@@ -5,6 +5,9 @@
 #include <stdexcept>
 
 #include "cli/command.h"
+#include "cli/files.h"
+#include "cli/progress.h"
+#include "cli/session.h"
 #include "dxf/io.h"
 #include "memhost/document.h"
 #include "render/picture.h"
@@ -48,6 +51,8 @@ const char* kUsage =
     "  --size PX              the picture's longer side in pixels (default "
     "1200)\n";
 
+constexpr char kRenderingStage[] = "rendering";
+
 int Run(const std::vector<std::string>& args, Io& io) {
   Args parsed(args, {}, {"output", "block", "layers", "window", "size"});
   RenderRequest request;
@@ -81,7 +86,13 @@ int Run(const std::vector<std::string>& args, Io& io) {
     if (request.picture.size_px < 16 || request.picture.size_px > 20000)
       throw UsageError("--size: a picture is 16 to 20000 pixels across");
   }
+  ProgressLine progress(io.err, IsTerminal(io.err));
+  if (core::ProgressFn report = progress.Callback())
+    request.picture.progress = [report](size_t done, size_t total) {
+      report(kRenderingStage, done, total);
+    };
   RenderOutcome outcome = RenderDrawing(request);
+  progress.Finish();
   io.out << "wrote " << request.output << " (" << outcome.elements
          << " elements)\n";
   if (!outcome.skipped.empty()) {
@@ -106,9 +117,11 @@ const Registrar kRegistrar({"render",
 RenderOutcome RenderDrawing(const RenderRequest& request) {
   // Refuse a name without a picture format before reading anything.
   render::FormatOf(request.output);
-  std::unique_ptr<memhost::MemDocument> doc = dxf::LoadDrawing(request.drawing);
+  std::unique_ptr<memhost::MemDocument> doc = LoadDrawingFile(request.drawing);
   render::Result picture = render::RenderSvg(*doc, request.picture);
-  render::SavePicture(picture.svg, request.output);
+  WriteOutput(
+      request.output,
+      render::PictureBytes(picture.svg, render::FormatOf(request.output)));
   return {picture.elements, picture.skipped};
 }
 

@@ -2,7 +2,9 @@
 
 #include <ostream>
 
+#include "cli/files.h"
 #include "commands/project.h"
+#include "dxf/writer.h"
 
 namespace kestrana::cli {
 
@@ -30,10 +32,29 @@ void PrintShownMessages(std::ostream& err, const std::string& except) {
   session.ClearLog();
 }
 
+std::unique_ptr<memhost::MemDocument> LoadDrawingFile(
+    const std::string& path, const dxf::LoadOptions& options) {
+  return dxf::ParseDrawing(path, ReadInput(path, InputKind::kDrawing), options);
+}
+
+void SaveDrawingFile(memhost::MemDocument& document, const std::string& path) {
+  WriteOutput(path, dxf::WriteDxf(document));
+}
+
+void EditDrawingFile(const std::string& input,
+                     const std::optional<std::string>& output,
+                     const std::function<void(memhost::MemDocument&)>& change,
+                     const dxf::LoadOptions& options) {
+  std::unique_ptr<memhost::MemDocument> document =
+      LoadDrawingFile(input, options);
+  change(*document);
+  SaveDrawingFile(*document, output.value_or(input));
+}
+
 std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
     const std::string& path) {
   std::unique_ptr<memhost::MemDocument> document =
-      dxf::LoadDrawing(path, CommandLoadOptions());
+      LoadDrawingFile(path, CommandLoadOptions());
   commands::OpenProject(*document);
   return document;
 }
@@ -41,7 +62,7 @@ std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(
 void EditProjectDrawing(
     const std::string& input, const std::optional<std::string>& output,
     const std::function<void(memhost::MemDocument&)>& change) {
-  dxf::EditDrawing(
+  EditDrawingFile(
       input, output,
       [&](memhost::MemDocument& document) {
         commands::OpenProject(document);

@@ -28,6 +28,18 @@ dxf::LoadOptions CommandLoadOptions();
 // printed anyway), and forgets them.
 void PrintShownMessages(std::ostream& err, const std::string& except = "");
 
+// The drawing at `path`, read as cli/files.h reads every input.
+std::unique_ptr<memhost::MemDocument> LoadDrawingFile(
+    const std::string& path, const dxf::LoadOptions& options = {});
+// `document` to `path` through WriteOutput ("-" is standard output).
+void SaveDrawingFile(memhost::MemDocument& document, const std::string& path);
+// Loads `input`, runs `change`, then saves to `output` when given, else
+// over `input`; nothing is written when anything fails.
+void EditDrawingFile(const std::string& input,
+                     const std::optional<std::string>& output,
+                     const std::function<void(memhost::MemDocument&)>& change,
+                     const dxf::LoadOptions& options = {});
+
 // How every command opens a drawing whose project it works on: load, then
 // commands::OpenProject (the project checked, stale object IDs renewed).
 std::unique_ptr<memhost::MemDocument> OpenProjectDrawing(

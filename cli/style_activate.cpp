@@ -15,8 +15,8 @@ int RunStyleActivate(const std::vector<std::string>& args, Io& io) {
   a.ExpectPositionals(2);
   a.Drawing();
   const commands::StyleOptions options{a.Positional(1, "the view style name")};
-  EditProject(a, commands::ActivateStyle, options);
-  io.out << "view style \"" << options.name << "\" is active in " << a.Written()
+  const std::string name = EditProject(a, commands::ActivateStyle, options);
+  io.out << "view style \"" << name << "\" is active in " << a.Written()
          << " (redraw the annotations with `kestrana style apply`)\n";
   return 0;
 }

@@ -1,9 +1,8 @@
 // kestrana style create: a new view style from a style file.
-#include <fstream>
 #include <ostream>
-#include <sstream>
 
 #include "cli/command.h"
+#include "cli/files.h"
 #include "cli/session.h"
 #include "commands/styles.h"
 #include "memhost/document.h"
@@ -12,20 +11,13 @@ namespace kestrana::cli {
 
 namespace {
 
-std::string ReadTextFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw NotFoundError("cannot read the style file '" + path + "'");
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
 int RunStyleCreate(const std::vector<std::string>& args, Io& io) {
   Args a(args, {}, {"from", "output"});
   a.ExpectPositionals(2);
   a.Drawing();
   const commands::StyleCreateOptions options{
-      a.Positional(1, "the view style name"), ReadTextFile(a.Required("from"))};
+      a.Positional(1, "the view style name"),
+      ReadInput(a.Required("from"), InputKind::kViewStyle)};
   EditProject(a, commands::CreateStyle, options);
   io.out << "created view style \"" << options.name << "\" in " << a.Written()
          << "\n";

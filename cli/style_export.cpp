@@ -2,6 +2,7 @@
 #include <ostream>
 
 #include "cli/command.h"
+#include "cli/files.h"
 #include "cli/session.h"
 #include "commands/styles.h"
 #include "memhost/document.h"
@@ -19,7 +20,7 @@ int RunStyleExport(const std::vector<std::string>& args, Io& io) {
   const std::string text =
       commands::ExportStyle(*OpenProjectDrawing(drawing), options).text;
   if (output) {
-    dxf::WriteFileAtomically(*output, text);
+    WriteOutput(*output, text);
     io.out << "wrote view style \"" << options.name << "\" to " << *output
            << "\n";
   } else {

@@ -4,9 +4,11 @@
 
 #include "cli/command.h"
 #include "cli/info.h"
+#include "cli/json.h"
 #include "cli/session.h"
 #include "commands/styles.h"
 #include "core/project_record.h"
+#include "core/text.h"
 
 namespace kestrana::cli {
 
@@ -34,17 +36,18 @@ std::string StylesTable(const std::vector<StyleSummary>& styles) {
 }
 
 std::string StylesJson(const std::vector<StyleSummary>& styles) {
-  std::ostringstream out;
-  out << "[";
-  for (size_t i = 0; i < styles.size(); ++i) {
-    const StyleSummary& s = styles[i];
-    out << (i ? ",\n " : "") << "{\"name\": " << JsonString(s.name)
-        << ", \"active\": " << (s.active ? "true" : "false")
-        << ", \"text style\": " << JsonString(s.text_style)
-        << ", \"text height\": " << JsonString(s.text_height) << "}";
+  JsonWriter json;
+  json.BeginArray();
+  for (const StyleSummary& s : styles) {
+    json.BeginObject();
+    json.Key("name").String(s.name);
+    json.Key("active").Bool(s.active);
+    json.Key("text_style").String(s.text_style);
+    json.Key("text_height").Real(core::NumericValue(s.text_height));
+    json.EndObject();
   }
-  out << "]\n";
-  return out.str();
+  json.EndArray();
+  return json.Text();
 }
 
 int RunStyleList(const std::vector<std::string>& args, Io& io) {

@@ -2,8 +2,10 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/json.h"
 #include "cli/session.h"
 #include "commands/styles.h"
+#include "core/text.h"
 #include "viewstyle/style_text.h"
 
 namespace kestrana::cli {
@@ -15,53 +17,56 @@ using viewstyle::ViewStyleField;
 
 // One item as a JSON object; an item the style file cannot express is
 // shown as the record holds it.
-std::string ItemJson(const viewstyle::ItemInfo& item, const std::string& text) {
+void ItemJson(JsonWriter& json, const viewstyle::ItemInfo& item,
+              const std::string& text) {
   viewstyle::ItemSettings s;
   try {
     s = viewstyle::ReadItem(item, text);
   } catch (const viewstyle::StyleTextError&) {
-    return "{\"raw\": " + JsonString(text) + "}";
+    json.BeginObject().Key("raw").String(text).EndObject();
+    return;
   }
-  std::ostringstream out;
-  out << "{\"show\": " << (s.show ? "true" : "false");
+  json.BeginObject();
+  json.Key("show").Bool(s.show);
   if (item.form == ItemForm::kText || item.form == ItemForm::kNumber ||
-      item.form == ItemForm::kSlope)
-    out << ", \"prefix\": " << JsonString(s.prefix)
-        << ", \"suffix\": " << JsonString(s.suffix);
-  if (!s.precision.empty())
-    out << ", \"precision\": " << s.precision
-        << ", \"decimals\": " << s.decimals;
+      item.form == ItemForm::kSlope) {
+    json.Key("prefix").String(s.prefix);
+    json.Key("suffix").String(s.suffix);
+  }
+  if (!s.precision.empty()) {
+    json.Key("precision").Real(core::NumericValue(s.precision));
+    json.Key("decimals").Real(core::NumericValue(s.decimals));
+  }
   if (item.form == ItemForm::kSlope)
-    out << ", \"notation\": "
-        << JsonString(viewstyle::NotationName(s.notation));
-  return out.str() + "}";
+    json.Key("notation").String(viewstyle::NotationName(s.notation));
+  json.EndObject();
 }
 
 std::string StyleJson(const commands::StyleShowResult& style) {
-  std::ostringstream out;
-  out << "{\"name\": " << JsonString(style.name)
-      << ", \"active\": " << (style.active ? "true" : "false")
-      << ",\n \"text style\": "
-      << JsonString(
-             style.settings[static_cast<int>(ViewStyleField::kTextStyle)])
-      << ", \"text height\": "
-      << JsonString(
-             style.settings[static_cast<int>(ViewStyleField::kTextHeight)])
-      << ",\n \"items\": {";
+  auto setting = [&](ViewStyleField field) {
+    return style.settings[static_cast<int>(field)];
+  };
+  JsonWriter json;
+  json.BeginObject();
+  json.Key("name").String(style.name);
+  json.Key("active").Bool(style.active);
+  json.Key("text_style").String(setting(ViewStyleField::kTextStyle));
+  json.Key("text_height")
+      .Real(core::NumericValue(setting(ViewStyleField::kTextHeight)));
+  json.Key("items").BeginObject();
   std::optional<viewstyle::ElementKind> kind;
   for (const viewstyle::ItemInfo& item : viewstyle::Items()) {
     if (kind != item.kind) {
-      out << (kind ? "},\n  " : "\n  ")
-          << JsonString(viewstyle::KindName(item.kind)) << ": {";
+      if (kind) json.EndObject();
+      json.Key(SnakeCase(viewstyle::KindName(item.kind))).BeginObject();
       kind = item.kind;
-    } else {
-      out << ", ";
     }
-    out << JsonString(item.name) << ": "
-        << ItemJson(item, style.settings[item.field]);
+    json.Key(SnakeCase(item.name));
+    ItemJson(json, item, style.settings[item.field]);
   }
-  out << "}}}\n";
-  return out.str();
+  if (kind) json.EndObject();
+  json.EndObject().EndObject();
+  return json.Text();
 }
 
 int RunStyleShow(const std::vector<std::string>& args, Io& io) {

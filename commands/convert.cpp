@@ -7,6 +7,7 @@
 #include "core/general.h"
 #include "core/names.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "crossing/crossing.h"
 #include "editing/editing.h"
 #include "host/host.h"
@@ -92,7 +93,12 @@ Counts CountsOf(host::Document& document, const std::string& network) {
 }  // namespace
 
 ConvertResult Convert(memhost::MemDocument& document,
-                      const ConvertOptions& options) {
+                      const ConvertOptions& typed) {
+  ConvertOptions options = typed;
+  // An existing network however it is typed; else a new one as typed.
+  options.network =
+      core::FindNetworkName(document, typed.network).value_or(typed.network);
+  core::ProgressScope progress(options.progress);
   ConvertResult result;
   result.network = options.network;
   if (options.type && *options.type != core::kGravity &&

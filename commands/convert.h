@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "core/progress.h"
+
 namespace kestrana::memhost {
 class MemDocument;
 }
@@ -25,6 +27,7 @@ struct ConvertOptions {
   std::string network{};
   std::optional<std::string> type{};  // needed when the network is new
   ConvertSelection selection{};
+  core::ProgressFn progress{};  // the pipes converted, and crossings found
 };
 
 struct ConvertResult {

@@ -10,6 +10,7 @@
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "crossing/crossing.h"
 #include "crossing/crossing_record.h"
 #include "host/host.h"
@@ -34,9 +35,12 @@ std::pair<std::string, std::string> ParsePair(const std::string& text) {
   return {text.substr(0, at), text.substr(at + 1)};
 }
 
-void RequirePairNetwork(host::Document& document, const std::string& name) {
-  if (!General::CheckNetworkExists(document, name))
-    throw NotFoundError("The project has no network named \"" + name + "\"");
+// The network as the project spells it.
+std::string RequirePairNetwork(host::Document& document,
+                               const std::string& name) {
+  if (std::optional<std::string> stored = core::FindNetworkName(document, name))
+    return *stored;
+  throw NotFoundError("The project has no network named \"" + name + "\"");
 }
 
 // The settings row of a pair, in either order; the pair's networks exist.
@@ -76,16 +80,16 @@ void ChangeCrossingSettings(host::Document& document,
                             const std::vector<std::string>& disable) {
   core::TextTable settings = Crossing::GetCrossingSettings(document);
   if (threshold) {
-    std::optional<double> value = core::ParseNumber(*threshold);
+    std::optional<double> value = core::ParseNumberInRange(*threshold);
     if (!value)
-      throw OptionError("--threshold: '" + *threshold + "' is not a number");
+      throw OptionError("--threshold: '" + *threshold + "' is not a number " +
+                        core::NumberRangeText());
     settings(0, 0) = core::GeneralText(*value);
   }
   auto row_of = [&](const std::string& text) {
     auto [a, b] = ParsePair(text);
-    RequirePairNetwork(document, a);
-    RequirePairNetwork(document, b);
-    return PairRow(settings, a, b);
+    return PairRow(settings, RequirePairNetwork(document, a),
+                   RequirePairNetwork(document, b));
   };
   SwitchRows(
       settings,
@@ -138,6 +142,8 @@ std::vector<CrossingListing> ListCrossings(host::Document& document) {
     c.label2 = first_value(CrossingAnnoField::kPipe2LabelRef);
     c.size1 = record.Text(CrossingAnnoField::kPipe1SizeString);
     c.size2 = record.Text(CrossingAnnoField::kPipe2SizeString);
+    c.section1 = core::SectionSize::Parse(c.size1);
+    c.section2 = core::SectionSize::Parse(c.size2);
     c.clearance = record.Number(CrossingAnnoField::kClearance);
     std::vector<std::string> point =
         core::Split(record.Text(CrossingAnnoField::kPoint));
@@ -161,6 +167,7 @@ std::vector<CrossingListing> ListCrossings(host::Document& document) {
 
 CrossingsResult Crossings(host::Document& document,
                           const CrossingsOptions& options) {
+  core::ProgressScope progress(options.progress);
   CrossingsResult result;
   if (options.Changes()) {
     ChangeCrossingSettings(document, options.threshold, options.enable,

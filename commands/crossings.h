@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "core/progress.h"
+#include "core/section_size.h"
+
 namespace kestrana::host {
 class Document;
 }
@@ -22,6 +25,7 @@ struct CrossingsOptions {
   bool apply = false;                    // apply the settings without a change
   bool reset_locations = false;          // and put annotations back in place
   bool list = false;
+  core::ProgressFn progress{};  // the pipes searched for crossings
 
   // Whether the command changes the drawing or only reads it.
   bool Changes() const {
@@ -40,6 +44,8 @@ struct NetworkPair {
 struct CrossingListing {
   std::string network1, label1, size1;
   std::string network2, label2, size2;
+  // The sizes as numbers; none for a size text of no size.
+  std::optional<core::SectionSize> section1, section2;
   std::optional<double> invert1, invert2;  // as the annotation shows them
   double clearance = 0.0;
   double easting = 0.0, northing = 0.0;

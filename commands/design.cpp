@@ -1,12 +1,14 @@
 #include "commands/design.h"
 
 #include "commands/element_data.h"
+#include "commands/elements.h"
 #include "editing/flow_graph.h"
 
 namespace kestrana::commands {
 
 DesignResult DesignNetwork(host::Document& document,
-                           const DesignOptions& options) {
+                           const DesignOptions& typed) {
+  const DesignOptions options = WithStoredNetwork(document, typed);
   const editing::FlowGraph graph =
       editing::ReadFlowGraph(document, options.network);
   DesignResult result{options.rules == DesignRules::kSewer

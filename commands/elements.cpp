@@ -1,5 +1,7 @@
 #include "commands/elements.h"
 
+#include <unordered_map>
+
 #include "commands/command.h"
 #include "core/general.h"
 #include "core/lists.h"
@@ -7,6 +9,7 @@
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "editing/editing.h"
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
@@ -24,12 +27,16 @@ const char* KindName(ElementKind kind) {
 
 }  // namespace
 
-void RequireNetwork(host::Document& document, const std::string& network) {
-  if (!General::CheckNetworkExists(document, network))
-    throw NotFoundError("the project has no network named \"" + network + "\"");
+std::string RequireNetwork(host::Document& document,
+                           const std::string& network) {
+  if (std::optional<std::string> stored =
+          core::FindNetworkName(document, network))
+    return *stored;
+  throw NotFoundError("the project has no network named \"" + network + "\"");
 }
 
-std::string NetworkType(host::Document& document, const std::string& network) {
+std::string NetworkType(host::Document& document, const std::string& typed) {
+  const std::string network = RequireNetwork(document, typed);
   core::TextTable networks = General::GetNetworkDefinitions(document);
   for (int row = 0; row < networks.Rows(); ++row)
     if (networks(row, 0) == network) return networks(row, 1);
@@ -50,38 +57,59 @@ std::string ElementLabel(const host::Entity& element) {
           core::PipeField::kCombinedLabel));
 }
 
-host::Entity& FindElement(host::Document& document, const std::string& network,
-                          ElementKind kind, const std::string& label) {
-  RequireNetwork(document, network);
-  std::vector<host::Entity*> found;
+std::vector<host::Entity*> FindElements(
+    host::Document& document, const std::string& typed, ElementKind kind,
+    const std::vector<std::string>& labels) {
+  const std::string network = RequireNetwork(document, typed);
+  std::unordered_map<std::string, std::vector<host::Entity*>> by_label;
+  for (const std::string& label : labels) by_label[label];
   for (host::Entity* element :
        General::GetNetworkSet(document, network,
                               kind == ElementKind::kPipe ? kPipes : kNodes)
-           .Entities())
-    if (ElementLabel(*element) == label) found.push_back(element);
-  if (found.empty())
-    throw NotFoundError("the network \"" + network + "\" has no " +
-                        KindName(kind) + " labelled \"" + label + "\"");
-  if (found.size() > 1)
-    throw RefusedError("the label \"" + label + "\" names " +
-                       std::to_string(found.size()) + " " + KindName(kind) +
-                       "s of the network \"" + network +
-                       "\"; give one of them another label first");
-  return *found.front();
+           .Entities()) {
+    auto it = by_label.find(ElementLabel(*element));
+    if (it != by_label.end()) it->second.push_back(element);
+  }
+  std::vector<host::Entity*> elements;
+  for (const std::string& label : labels) {
+    const std::vector<host::Entity*>& found = by_label[label];
+    if (found.empty())
+      throw NotFoundError("the network \"" + network + "\" has no " +
+                          KindName(kind) + " labelled \"" + label + "\"");
+    if (found.size() > 1)
+      throw RefusedError("the label \"" + label + "\" names " +
+                         std::to_string(found.size()) + " " + KindName(kind) +
+                         "s of the network \"" + network +
+                         "\"; give one of them another label first");
+    elements.push_back(found.front());
+  }
+  return elements;
 }
 
-void CheckName(const std::string& what, const std::string& name) {
-  if (General::CheckTextForBannedCharacters(name, 1))
-    throw InvalidInputError(what + " \"" + name +
-                            "\" contains a character that names cannot hold "
-                            "(: ; \" / \\ > < * | ? , =)");
+host::Entity& FindElement(host::Document& document, const std::string& network,
+                          ElementKind kind, const std::string& label) {
+  return *FindElements(document, network, kind, {label}).front();
 }
 
-void CheckNewLabel(host::Document& document, const std::string& network,
+host::Entity& EntityOfHandle(host::Document& document,
+                             const std::string& handle) {
+  host::Entity* entity = nullptr;
+  try {
+    entity = dynamic_cast<host::Entity*>(&document.HandleToObject(handle));
+  } catch (const host::HostError&) {
+    // No object has it.
+  }
+  if (entity == nullptr)
+    throw NotFoundError("no entity of the drawing has the handle \"" + handle +
+                        "\"");
+  return *entity;
+}
+
+void CheckNewLabel(host::Document& document, const std::string& typed,
                    ElementKind kind, const std::string& label,
                    const host::Entity& element) {
-  if (label.empty()) throw OptionError("the new label is empty");
-  CheckName("The label", label);
+  const std::string network = RequireNetwork(document, typed);
+  core::CheckUserName("The label", label);
   const std::string type =
       NetworkType(document, network) +
       (kind == ElementKind::kPipe ? core::kPipeKind : core::kNodeKind);
@@ -104,12 +132,16 @@ void AnalyseLowHighAfterEdit(host::Document& document,
 }
 
 void AnswerWithPipes(memhost::MemDocument& document, const PipeLabels& pipes) {
-  RequireNetwork(document, pipes.network);
+  const std::string network = RequireNetwork(document, pipes.network);
   std::vector<host::ObjectId> ids;
+  for (size_t i = 0; i < pipes.labels.size(); ++i)
+    for (size_t j = 0; j < i; ++j)
+      if (pipes.labels[i] == pipes.labels[j])
+        throw OptionError("the pipe \"" + pipes.labels[i] +
+                          "\" is named twice; name each pipe once");
   for (const std::string& label : pipes.labels)
     ids.push_back(
-        FindElement(document, pipes.network, ElementKind::kPipe, label)
-            .ObjectID());
+        FindElement(document, network, ElementKind::kPipe, label).ObjectID());
   document.GetSession().Push(memhost::Input::Objects(std::move(ids)));
 }
 

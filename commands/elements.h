@@ -25,8 +25,19 @@ inline constexpr int kNodes = 2;
 
 enum class ElementKind { kPipe, kNode };
 
-// NotFoundError for a network the project does not define.
-void RequireNetwork(host::Document& document, const std::string& network);
+// The network a user names, spelt as the project holds it (letter case
+// ignored, core::FindNetworkName); NotFoundError for a network the project
+// does not define.
+std::string RequireNetwork(host::Document& document,
+                           const std::string& network);
+// Options with their `network` spelt as the project holds it, so that every
+// step below, which compares names exactly, finds the same network as the
+// layers and filters do.
+template <class Options>
+Options WithStoredNetwork(host::Document& document, Options options) {
+  options.network = RequireNetwork(document, options.network);
+  return options;
+}
 // The network's type, "Gravity" or "Pressure"; NotFoundError as above.
 std::string NetworkType(host::Document& document, const std::string& network);
 
@@ -35,14 +46,20 @@ std::string NetworkType(host::Document& document, const std::string& network);
 // not guess.
 host::Entity& FindElement(host::Document& document, const std::string& network,
                           ElementKind kind, const std::string& label);
+// The same for several labels, in their order, looked up in one pass.
+std::vector<host::Entity*> FindElements(host::Document& document,
+                                        const std::string& network,
+                                        ElementKind kind,
+                                        const std::vector<std::string>& labels);
 
-// InvalidInputError for a name with a character names cannot hold; `what`
-// begins the message ("The label").
-void CheckName(const std::string& what, const std::string& name);
+// The entity of the drawing with that DXF handle; NotFoundError when no
+// entity has it.
+host::Entity& EntityOfHandle(host::Document& document,
+                             const std::string& handle);
 
-// OptionError for an empty label, InvalidInputError for a banned character,
-// RefusedError for a label another element of the same kind in the network
-// already has (letter case ignored).
+// InvalidInputError for a label that cannot be a name
+// (core::CheckUserName), RefusedError for a label another element of the same
+// kind in the network already has (letter case ignored).
 void CheckNewLabel(host::Document& document, const std::string& network,
                    ElementKind kind, const std::string& label,
                    const host::Entity& element);

@@ -3,6 +3,8 @@
 #include "commands/command.h"
 #include "commands/elements.h"
 #include "core/general.h"
+#include "core/node_record.h"
+#include "core/record.h"
 #include "editing/ground_levels.h"
 #include "host/host.h"
 #include "memhost/document.h"
@@ -42,10 +44,11 @@ std::string ChooseSurface(const GroundOptions& options) {
 }  // namespace
 
 GroundResult Ground(memhost::MemDocument& document, GroundOptions options) {
+  core::ProgressScope progress(options.progress);
   if (options.networks.empty())
     throw OptionError("--networks names no network");
-  for (const std::string& network : options.networks)
-    RequireNetwork(document, network);
+  for (std::string& network : options.networks)
+    network = RequireNetwork(document, network);
   GroundResult result;
   result.surface = ChooseSurface(options);
   // The civil document holds the surfaces this command brings, no others.
@@ -64,6 +67,11 @@ GroundResult Ground(memhost::MemDocument& document, GroundOptions options) {
                            : "no node lies on the surface \"" + result.surface +
                                  "\"; nothing was changed");
   result.updated = static_cast<int>(update.updated.size());
+  for (host::Entity* node : update.updated)
+    result.levels.push_back({core::General::GetElementNetwork(*node),
+                             ElementLabel(*node),
+                             core::Record::ReadRequired(*node).Number(
+                                 core::NodeField::kGroundLevel)});
   return result;
 }
 

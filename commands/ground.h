@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "core/progress.h"
+
 namespace kestrana::memhost {
 class MemDocument;
 class MemSurface;
@@ -21,11 +23,21 @@ struct GroundOptions {
   std::string source{};
   std::optional<std::string> surface_name{};  // needed when there are several
   std::vector<std::string> networks{};
+  core::ProgressFn progress{};  // the nodes given their levels
+};
+
+// The ground level a node took.
+struct NodeLevel {
+  std::string network{};
+  std::string label{};
+  double ground = 0;
 };
 
 struct GroundResult {
   std::string surface{};
   int updated = 0;
+  // The levels taken, in the order the nodes were updated.
+  std::vector<NodeLevel> levels{};
   // "<network> <label>" of the nodes outside the surface, which keep their
   // ground levels.
   std::vector<std::string> outside{};

@@ -1,6 +1,7 @@
 #include "commands/library.h"
 
 #include "commands/command.h"
+#include "core/text.h"
 #include "library/library.h"
 
 namespace kestrana::commands {
@@ -12,7 +13,9 @@ std::vector<MaterialUse> ListMaterials(host::Document& document) {
   core::TextTable materials = Library::GetMaterialsArray(document);
   std::vector<MaterialUse> uses;
   for (int r = 0; r < materials.Rows(); ++r)
-    uses.push_back({materials(r, column::kName), materials(r, column::kCount)});
+    uses.push_back(
+        {materials(r, column::kName),
+         core::ToInt32(core::NumericValue(materials(r, column::kCount)))});
   return uses;
 }
 
@@ -30,9 +33,16 @@ std::vector<SizeUse> ListSizes(host::Document& document,
   std::vector<SizeUse> uses;
   for (const std::string& s : shapes) {
     core::TextTable sizes = Library::GetSizesArray(document, s);
-    for (int r = 0; r < sizes.Rows(); ++r)
-      uses.push_back({s, sizes(r, column::kSize), sizes(r, column::kCount),
-                      sizes(r, column::kArea)});
+    for (int r = 0; r < sizes.Rows(); ++r) {
+      SizeUse use{s, sizes(r, column::kSize)};
+      // "1200 x 800", or a diameter alone.
+      const std::vector<std::string> sides = core::Split(use.size, 'x');
+      use.span = core::NumericValue(sides.front());
+      use.rise = sides.size() > 1 ? core::NumericValue(sides[1]) : use.span;
+      use.pipes = core::ToInt32(core::NumericValue(sizes(r, column::kCount)));
+      use.area = core::NumericValue(sizes(r, column::kArea));
+      uses.push_back(std::move(use));
+    }
   }
   return uses;
 }

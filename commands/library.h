@@ -12,9 +12,9 @@ class Document;
 
 namespace kestrana::commands {
 
-// Counts and areas as the library records hold them.
 struct MaterialUse {
-  std::string name, count;
+  std::string name;
+  int pipes = 0;  // pipes of the project made of it
 };
 std::vector<MaterialUse> ListMaterials(host::Document& document);
 
@@ -22,7 +22,12 @@ struct SizesOptions {
   std::optional<std::string> shape;  // "Circular" or "Box"; both when unset
 };
 struct SizeUse {
-  std::string shape, size, count, area;
+  std::string shape;  // "Circular" or "Box"
+  std::string size;   // as the library writes it: "200", "1200 x 800"
+  double span = 0;    // the diameter of a circular size
+  double rise = 0;    // the rise of a box; the diameter of a circular size
+  int pipes = 0;
+  double area = 0;  // of the section
 };
 // Circular sizes before box sizes, each smallest first. OptionError for
 // another shape.

@@ -12,6 +12,7 @@
 #include "core/names.h"
 #include "core/references.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "host/host.h"
 #include "lowhigh/lowhigh.h"
 
@@ -50,10 +51,12 @@ void ChangeLowHighSettings(host::Document& document,
                            const std::vector<std::string>& show,
                            const std::vector<std::string>& hide) {
   core::TextTable settings = LowHigh::GetLowHighSettings(document);
-  auto row_of = [&](const std::string& name) {
+  auto row_of = [&](const std::string& typed) {
+    const std::string name =
+        core::FindNetworkName(document, typed).value_or(typed);
     for (int row = 0; row < settings.Rows(); ++row)
       if (settings(row, 0) == name) return row;
-    throw NotFoundError("\"" + name +
+    throw NotFoundError("\"" + typed +
                         "\" is not a pressure network of the project");
   };
   SwitchRows(

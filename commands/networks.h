@@ -2,8 +2,11 @@
 // command: command.h.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "core/section_size.h"
 
 namespace kestrana::host {
 class Document;
@@ -26,8 +29,9 @@ struct DeleteNetworkOptions {
 };
 // The network and everything that belongs to it; NotFoundError for a
 // network that is not there.
-void DeleteNetwork(host::Document& document,
-                   const DeleteNetworkOptions& options);
+// Returns the name as the project spelt it.
+std::string DeleteNetwork(host::Document& document,
+                          const DeleteNetworkOptions& options);
 
 struct NetworkInfo {
   std::string name;
@@ -42,18 +46,32 @@ std::vector<NetworkInfo> ListNetworks(host::Document& document);
 struct ListElementsOptions {
   std::string network;
 };
+struct PlanPoint {
+  double x = 0, y = 0;
+  friend bool operator==(const PlanPoint&, const PlanPoint&) = default;
+};
 struct PipeListing {
   std::string label;
-  std::string from, to;  // node labels
-  std::string size;      // as annotations write it: "%%c300", "1200X800"
+  std::string handle;
+  std::string from, to;       // node labels
+  std::string size;           // as annotations write it: "%%c300", "1200X800"
+  core::SectionSize section;  // the size as numbers
   std::string material;
   double length = 0;
   double start_invert = 0, end_invert = 0;
+  // Fall from start to end over the length (negative when the pipe
+  // rises); none for a pipe of no length.
+  std::optional<double> slope;
+  std::vector<PlanPoint> vertices;
 };
 struct NodeListing {
   std::string label;
+  std::string handle;
+  PlanPoint position;
   double ground = 0, sump = 0;
+  double depth = 0;      // ground less sump
   std::string matching;  // "" for a rule code of no rule
+  std::string low_high;  // "low" or "high" when marked so, else ""
 };
 struct NetworkElements {
   std::vector<PipeListing> pipes;

@@ -45,7 +45,8 @@ NodeState StateOf(const std::string& network, const host::Entity& node) {
 
 }  // namespace
 
-NodeState SetNode(host::Document& document, const NodeSetOptions& options) {
+NodeState SetNode(host::Document& document, const NodeSetOptions& typed) {
+  const NodeSetOptions options = WithStoredNetwork(document, typed);
   if (options.matching) CheckRuleText(*options.matching);
   host::Entity& node =
       FindElement(document, options.network, ElementKind::kNode, options.label);

@@ -10,9 +10,10 @@ ReverseResult ReversePipes(memhost::MemDocument& document,
                            const ReverseOptions& options) {
   AnswerWithPipes(document, options);
   host::SelectionSet& pipes = editing::Editing::GetPipesToReverse(document);
+  const int reversed = pipes.Count();
   core::UnlockedLayers unlocked(document);
   editing::Editing::ReverseSelectedPipes(document, pipes);
-  return {static_cast<int>(options.labels.size())};
+  return {reversed};
 }
 
 }  // namespace kestrana::commands

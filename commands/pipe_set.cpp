@@ -10,8 +10,10 @@
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "editing/editing.h"
 #include "host/host.h"
+#include "host/limits.h"
 #include "library/library.h"
 
 namespace kestrana::commands {
@@ -29,16 +31,12 @@ constexpr char kBoxForm[] = "Box - ";
 constexpr int kMaxCells = 32767;
 
 double PositiveSize(const std::string& text, const std::string& size) {
-  std::optional<double> value;
-  try {
-    value = core::ParseNumber(text);
-  } catch (const std::overflow_error&) {
-    // Too large for any pipe: refused below.
-  }
+  const std::optional<double> value = core::ParseNumberInRange(text);
   if (!value || *value <= 0)
     throw OptionError(
-        "--size takes a diameter such as 300 or a box such as 1200x800, not '" +
-        size + "'");
+        "--size takes a diameter such as 300 or a box such as 1200x800 (up "
+        "to " +
+        core::GeneralText(host::kLargestNumber) + "), not '" + size + "'");
   return *value;
 }
 
@@ -69,17 +67,17 @@ std::string SectionFormText(const std::string& size) {
          "x" + core::GeneralText(PositiveSize(size.substr(x + 1), size));
 }
 
-PipeState SetPipe(host::Document& document, const PipeSetOptions& options) {
+PipeState SetPipe(host::Document& document, const PipeSetOptions& typed) {
+  const PipeSetOptions options = WithStoredNetwork(document, typed);
   const std::optional<std::string> section =
       options.size ? std::optional(SectionFormText(*options.size))
                    : std::nullopt;
   if (options.cells && (*options.cells < 1 || *options.cells > kMaxCells))
     throw OptionError("--cells takes a whole number from 1 to " +
                       std::to_string(kMaxCells));
-  if (options.material &&
-      (options.material->empty() ||
-       General::CheckTextForBannedCharacters(*options.material, 0)))
-    throw OptionError("--material takes a name without \";\"");
+  if (options.material)
+    core::CheckUserName("The material name", *options.material,
+                        core::NameRule::kSemicolonOnly);
   host::Entity& pipe =
       FindElement(document, options.network, ElementKind::kPipe, options.label);
   if (options.new_label && *options.new_label != options.label)

@@ -38,7 +38,8 @@ host::Point3 NearestOnLine(const std::vector<double>& xy,
 }  // namespace
 
 SplitResult SplitPipe(memhost::MemDocument& document,
-                      const SplitOptions& options) {
+                      const SplitOptions& typed) {
+  const SplitOptions options = WithStoredNetwork(document, typed);
   RequireNetwork(document, options.network);
   host::Entity& chosen =
       FindElement(document, options.network, ElementKind::kPipe, options.label);

@@ -13,6 +13,7 @@
 #include "core/project_defaults.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "host/errors.h"
 #include "host/host.h"
 #include "memhost/document.h"
@@ -114,6 +115,28 @@ std::vector<host::ObjectId> PipesOfLine(host::Document& document,
                       "\" (its lines: " + Quoted(names) + ")");
 }
 
+// Puts the surfaces of a LandXML text in the civil document, in place of
+// any there; answers their names.
+std::vector<std::string> PutSurfaces(memhost::MemDocument& document,
+                                     const std::string& xml,
+                                     const std::string& file) {
+  std::vector<std::unique_ptr<memhost::MemSurface>> surfaces;
+  try {
+    surfaces = memhost::ParseLandXmlSurfaces(xml, file);
+  } catch (const memhost::LandXmlError& e) {
+    throw InvalidInputError(e.what());
+  }
+  std::vector<std::string> names;
+  // The civil document holds the surfaces this command brings, no others.
+  memhost::MemSurfaces& civil = document.App().Civil().Document().Surfaces();
+  civil.Clear();
+  for (auto& surface : surfaces) {
+    names.push_back(surface->Name());
+    civil.Add(std::move(surface));
+  }
+  return names;
+}
+
 // Puts the surfaces of the LandXML text in the civil document and answers
 // the name of the one to use; "" when the ground comes from the nodes.
 std::string UseSurface(memhost::MemDocument& document,
@@ -124,15 +147,8 @@ std::string UseSurface(memhost::MemDocument& document,
                               "\") needs the surface file that holds it");
     return "";
   }
-  std::vector<std::unique_ptr<memhost::MemSurface>> surfaces;
-  try {
-    surfaces = memhost::ParseLandXmlSurfaces(*options.surface_xml,
-                                             options.surface_file);
-  } catch (const memhost::LandXmlError& e) {
-    throw InvalidInputError(e.what());
-  }
-  std::vector<std::string> names;
-  for (const auto& surface : surfaces) names.push_back(surface->Name());
+  const std::vector<std::string> names = PutSurfaces(
+      document, *options.surface_xml, options.surface_file);
   std::string chosen;
   if (options.surface_name) {
     for (const std::string& name : names)
@@ -148,10 +164,6 @@ std::string UseSurface(memhost::MemDocument& document,
                             std::to_string(names.size()) + " surfaces (" +
                             Quoted(names) + "); choose one by its name");
   }
-  // The civil document holds the surfaces this command brings, no others.
-  memhost::MemSurfaces& civil = document.App().Civil().Document().Surfaces();
-  civil.Clear();
-  for (auto& surface : surfaces) civil.Add(std::move(surface));
   return chosen;
 }
 
@@ -190,8 +202,12 @@ std::vector<std::string> SeriesValues(const std::string& series) {
   return values;
 }
 
-ProfileDataResult ProfileData(memhost::MemDocument& document,
-                              const ProfileDataOptions& options) {
+ProfileRun SelectProfileRun(memhost::MemDocument& document,
+                            const ProfileDataOptions& typed) {
+  ProfileDataOptions options = typed;
+  // An existing network however it is typed.
+  options.network =
+      core::FindNetworkName(document, typed.network).value_or(typed.network);
   const std::string type = RequireProfileNetwork(document, options.network);
   if (options.pipes.empty() == !options.line)
     throw InvalidInputError(
@@ -201,53 +217,61 @@ ProfileDataResult ProfileData(memhost::MemDocument& document,
     throw InvalidInputError("\"" + options.network +
                             "\" is a pressure network; lines are named "
                             "after the manholes of gravity networks");
-  const profile::StyleMarker style = RequireProfileStyle(
+  profile::StyleMarker style = RequireProfileStyle(
       document, options.style.value_or(core::kStandardStyleName));
   const std::vector<host::ObjectId> ids = options.line
                                               ? PipesOfLine(document, options)
                                               : PipesByLabel(document, options);
-
-  ProfileDataResult result;
-  result.network = options.network;
-  result.style = style.name;
-  result.surface = UseSurface(document, options);
-  result.units = General::GetModelUnits(document);
-  {
-    using F = profile::StationBandSetting;
-    const profile::ItemFields stations(
-        style.record.Text(profile::ProfileStyleItem::kStationBand));
-    result.station_pattern = core::StationPattern(stations.Text(F::kPrecision),
-                                                  stations.Text(F::kDecimals),
-                                                  stations.Text(F::kFormat));
-  }
+  const std::string surface = UseSurface(document, options);
+  host::Point3 start;
   if (options.start) {
-    result.start = *options.start;
+    start = *options.start;
   } else {
     std::string id_list;
     for (host::ObjectId id : ids) id_list += core::IdListEntry(id);
-    result.start =
+    start =
         profile::Profile::GetProfileStartFromDirection(document, id_list, 0);
   }
-
   std::optional<profile::SortedPipes> sorted;
   {
     std::vector<Input> answers;
     answers.push_back(Input::Objects(ids));
-    answers.push_back(Input::PointAt(result.start.x, result.start.y));
+    answers.push_back(Input::PointAt(start.x, start.y));
     ScriptedAnswers scripted(document.GetSession(), std::move(answers));
     sorted = profile::Profile::SelectPipesForProfile(document, options.network);
   }
   if (!sorted) throw RefusedError(kNotOneLine);
-  result.labels = core::ReferenceValues(sorted->labels);
-  result.oids = core::ReferenceValues(sorted->oids);
-  result.directions = SeriesValues(sorted->directions);
+  return ProfileRun{type, std::move(style), surface, start, *sorted};
+}
+
+ProfileDataResult ProfileData(memhost::MemDocument& document,
+                              const ProfileDataOptions& options) {
+  const ProfileRun run = SelectProfileRun(document, options);
+  ProfileDataResult result;
+  result.network =
+      core::FindNetworkName(document, options.network).value_or(options.network);
+  result.style = run.style.name;
+  result.surface = run.surface;
+  result.units = General::GetModelUnits(document);
+  {
+    using F = profile::StationBandSetting;
+    const profile::ItemFields stations(
+        run.style.record.Text(profile::ProfileStyleItem::kStationBand));
+    result.station_pattern = core::StationPattern(stations.Text(F::kPrecision),
+                                                  stations.Text(F::kDecimals),
+                                                  stations.Text(F::kFormat));
+  }
+  result.start = run.start;
+  result.labels = core::ReferenceValues(run.sorted.labels);
+  result.oids = core::ReferenceValues(run.sorted.oids);
+  result.directions = SeriesValues(run.sorted.directions);
 
   host::Application& application = document.GetApplication();
   host::CivilDocument& civil =
       application.GetInterfaceObject(General::GetAeccAppString(application))
           .ActiveDocument();
   result.parts = profile::Profile::GetProfilePartsDataArrays(
-      document, civil, options.network, style.record, *sorted,
+      document, civil, options.network, run.style.record, run.sorted,
       !result.surface.empty(), result.surface);
   return result;
 }

@@ -8,6 +8,8 @@
 
 #include "host/types.h"
 #include "profile/part_data.h"
+#include "profile/profile.h"
+#include "profile/style_markers.h"
 
 namespace kestrana::memhost {
 class MemDocument;
@@ -55,6 +57,19 @@ struct ProfileDataResult {
 // unbranched run. The drawing itself is not changed.
 ProfileDataResult ProfileData(memhost::MemDocument& document,
                               const ProfileDataOptions& options);
+
+// The run a profile command names, ordered from its start point, with the
+// style and the surface the ground comes from (put in the civil document).
+struct ProfileRun {
+  std::string network_type;
+  profile::StyleMarker style;
+  std::string surface;  // "" when the ground comes from the nodes
+  host::Point3 start;
+  profile::SortedPipes sorted;
+};
+// The checks and errors of ProfileData, without the gathering.
+ProfileRun SelectProfileRun(memhost::MemDocument& document,
+                            const ProfileDataOptions& options);
 
 // The values of a series: the pieces after the leading empty one.
 std::vector<std::string> SeriesValues(const std::string& series);

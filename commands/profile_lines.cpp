@@ -7,6 +7,7 @@
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/references.h"
+#include "core/user_names.h"
 #include "host/errors.h"
 #include "host/host.h"
 #include "profile/profile.h"
@@ -14,7 +15,10 @@
 namespace kestrana::commands {
 
 ProfileLinesResult ProfileLines(host::Document& document,
-                                const ProfileLinesOptions& options) {
+                                const ProfileLinesOptions& typed) {
+  ProfileLinesOptions options = typed;
+  options.network =
+      core::FindNetworkName(document, typed.network).value_or(typed.network);
   if (RequireProfileNetwork(document, options.network) != core::kGravity)
     throw InvalidInputError("\"" + options.network +
                             "\" is a pressure network; lines are named "

@@ -4,6 +4,7 @@
 #include "core/general.h"
 #include "core/lists.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "host/errors.h"
 #include "host/host.h"
 #include "profile/profile.h"
@@ -15,9 +16,6 @@ namespace kestrana::commands {
 namespace {
 
 using profile::ProfileStyleItem;
-
-// Names must not hold the characters the system bans from names.
-constexpr int kAllBannedCharacters = 1;
 
 std::vector<std::string> ItemsOf(const core::Record& record) {
   std::vector<std::string> items;
@@ -77,13 +75,14 @@ ProfileStyleImportResult ProfileStyleImport(
         "the style file names no style (its second line is \"" +
         items[static_cast<int>(ProfileStyleItem::kCombinedLabel)] +
         "\"); give the name with --name");
-  if (core::General::CheckTextForBannedCharacters(name, kAllBannedCharacters))
-    throw InvalidInputError("The style name \"" + name +
-                            "\" contains a character that names cannot hold "
-                            "(: ; \" / \\ > < * | ? , =)");
-  if (profile::FindStyleMarker(document, name))
+  core::CheckUserName("The profile style name", name);
+  std::vector<std::string> names;
+  for (const profile::StyleMarker& style : profile::ReadStyleMarkers(document))
+    names.push_back(style.name);
+  if (std::optional<std::string> taken = core::MatchName(names, name))
     throw RefusedError("the drawing already has a profile style named \"" +
-                       name + "\"; import it under another name with --name");
+                       *taken + "\"" + core::CaseNote(name, *taken) +
+                       "; import it under another name with --name");
   items[static_cast<int>(ProfileStyleItem::kCombinedLabel)] = ";;" + name;
   return {name, profile::Profile::CreateProfileStyle(
                     document, items,

@@ -2,6 +2,7 @@
 
 #include "core/general.h"
 #include "core/text_table.h"
+#include "core/user_names.h"
 #include "host/errors.h"
 
 namespace kestrana::commands {
@@ -19,7 +20,9 @@ std::string Quoted(const std::vector<std::string>& names) {
 }  // namespace
 
 std::string RequireProfileNetwork(host::Document& document,
-                                  const std::string& network) {
+                                  const std::string& typed) {
+  const std::string network =
+      core::FindNetworkName(document, typed).value_or(typed);
   const core::TextTable networks =
       core::General::GetNetworkDefinitions(document);
   std::vector<std::string> names;
@@ -34,11 +37,13 @@ std::string RequireProfileNetwork(host::Document& document,
 
 profile::StyleMarker RequireProfileStyle(host::Document& document,
                                          const std::string& name) {
+  std::vector<profile::StyleMarker> styles =
+      profile::ReadStyleMarkers(document);
   std::vector<std::string> names;
-  for (profile::StyleMarker& style : profile::ReadStyleMarkers(document)) {
-    if (style.name == name) return std::move(style);
-    names.push_back(style.name);
-  }
+  for (const profile::StyleMarker& style : styles) names.push_back(style.name);
+  if (std::optional<std::string> stored = core::MatchName(names, name))
+    for (profile::StyleMarker& style : styles)
+      if (style.name == *stored) return std::move(style);
   throw NotFoundError("there is no profile style named \"" + name +
                       "\" (the drawing has " + Quoted(names) + ")");
 }

@@ -47,10 +47,7 @@ StyleApplyResult ApplyStyle(host::Document& document,
                         "\", which the drawing lacks");
   std::vector<std::string> networks;
   if (options.network) {
-    if (!General::CheckNetworkExists(document, *options.network))
-      throw NotFoundError("There is no network named \"" + *options.network +
-                          "\"");
-    networks.push_back(*options.network);
+    networks.push_back(RequireNetwork(document, *options.network));
   } else {
     for (const std::string& name : General::GetNetworkNames(document))
       if (!name.empty()) networks.push_back(name);

@@ -2,6 +2,7 @@
 #include "commands/elements.h"
 #include "commands/styles.h"
 #include "core/guards.h"
+#include "core/user_names.h"
 #include "host/host.h"
 #include "viewstyle/project_styles.h"
 #include "viewstyle/style_text.h"
@@ -11,10 +12,14 @@ namespace kestrana::commands {
 
 void CreateStyle(host::Document& document, const StyleCreateOptions& options) {
   const std::string& name = options.name;
-  if (name.empty()) throw OptionError("the view style name is empty");
-  CheckName("The view style name", name);
-  if (viewstyle::FindViewStyle(viewstyle::ReadViewStyles(document), name))
-    throw RefusedError("A view style named \"" + name + "\" already exists");
+  core::CheckUserName("The view style name", name);
+  const std::vector<viewstyle::ViewStyleSettings> styles =
+      viewstyle::ReadViewStyles(document);
+  if (std::optional<size_t> at = viewstyle::FindViewStyle(styles, name))
+    throw RefusedError(
+        "A view style named \"" + viewstyle::StyleNameOf(styles[*at]) +
+        "\" already exists" +
+        core::CaseNote(name, viewstyle::StyleNameOf(styles[*at])));
   viewstyle::ViewStyleSettings style;
   try {
     style = viewstyle::ReadStyleText(options.style_text, name);
@@ -30,10 +35,13 @@ void CreateStyle(host::Document& document, const StyleCreateOptions& options) {
   viewstyle::ViewStyle::CreateViewStyle(document, style);
 }
 
-void ActivateStyle(host::Document& document, const StyleOptions& options) {
-  FindStyle(document, options.name);
+std::string ActivateStyle(host::Document& document,
+                          const StyleOptions& options) {
+  const std::string name =
+      viewstyle::StyleNameOf(FindStyle(document, options.name));
   viewstyle::ViewStyle::UpdateMoSpaceXdataForViewStyle(
-      document, options.name, viewstyle::StyleField::Read(document).visibility);
+      document, name, viewstyle::StyleField::Read(document).visibility);
+  return name;
 }
 
 }  // namespace kestrana::commands

@@ -7,9 +7,10 @@ namespace kestrana::commands {
 
 StyleShowResult ShowStyle(host::Document& document,
                           const StyleOptions& options) {
-  StyleShowResult result{options.name, false,
-                         FindStyle(document, options.name)};
-  result.active = viewstyle::StyleField::Read(document).active == options.name;
+  viewstyle::ViewStyleSettings style = FindStyle(document, options.name);
+  const std::string name = viewstyle::StyleNameOf(style);
+  StyleShowResult result{name, false, std::move(style)};
+  result.active = viewstyle::StyleField::Read(document).active == name;
   return result;
 }
 

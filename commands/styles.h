@@ -59,7 +59,9 @@ void CreateStyle(host::Document& document, const StyleCreateOptions& options);
 
 // Makes a stored style the active one (the annotations keep their look
 // until the style is applied).
-void ActivateStyle(host::Document& document, const StyleOptions& options);
+// Returns the style's name as stored (letter case as the drawing has it).
+std::string ActivateStyle(host::Document& document,
+                          const StyleOptions& options);
 
 struct StyleApplyOptions {
   std::optional<std::string> network;  // else every network

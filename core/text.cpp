@@ -11,6 +11,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "host/limits.h"
 #include "host/types.h"
 
 namespace kestrana::core {
@@ -208,6 +209,26 @@ std::optional<double> ParseNumber(std::string_view text) {
   if (end == 0) return std::nullopt;
   while (end < text.size() && IsBlank(text[end])) ++end;
   if (end != text.size()) return std::nullopt;
+  return value;
+}
+
+bool InNumberRange(double value) {
+  return std::isfinite(value) && std::fabs(value) <= host::kLargestNumber;
+}
+
+std::string NumberRangeText() {
+  return "from " + GeneralText(-host::kLargestNumber) + " to " +
+         GeneralText(host::kLargestNumber);
+}
+
+std::optional<double> ParseNumberInRange(std::string_view text) {
+  std::optional<double> value;
+  try {
+    value = ParseNumber(text);
+  } catch (const std::overflow_error&) {
+    return std::nullopt;
+  }
+  if (value && !InNumberRange(*value)) return std::nullopt;
   return value;
 }
 

@@ -53,6 +53,15 @@ inline double NumericValue(const char* text) {
 // around it allowed), or nullopt: for IDs and user input, where "12abc" is
 // an error rather than 12.
 std::optional<double> ParseNumber(std::string_view text);
+// True for a number a drawing holds: finite and within
+// host::kLargestNumber either side of 0.
+bool InNumberRange(double value);
+// The range above as users read it: "from -1000000000 to 1000000000".
+std::string NumberRangeText();
+// ParseNumber limited to that range: nullopt for a text that is no number
+// or a number outside it (including one beyond any double). For user input
+// and the values of files.
+std::optional<double> ParseNumberInRange(std::string_view text);
 // Texts through NumericValue; reals and integers as they are.
 double NumericValue(const host::XValue& value);
 

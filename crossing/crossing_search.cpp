@@ -12,6 +12,7 @@
 #include "core/lists.h"
 #include "core/names.h"
 #include "core/pipe_record.h"
+#include "core/progress.h"
 #include "core/project_record.h"
 #include "core/references.h"
 #include "core/text.h"
@@ -82,7 +83,10 @@ class Search {
 
   void Run(host::SelectionSet& pipes) {
     std::vector<uint32_t> candidates;
-    for (host::Entity* pipe : pipes.Entities()) {
+    const std::vector<host::Entity*> searched = pipes.Entities();
+    size_t done = 0;
+    for (host::Entity* pipe : searched) {
+      core::ReportProgress(core::kCrossingsStage, ++done, searched.size());
       core::Record record = ReadPipeRecord(*pipe);
       const std::string network = General::EntityNetworkFromCombined(
           record.Text(PipeField::kCombinedLabel));

@@ -23,7 +23,7 @@ struct Span {
   bool Empty() const { return begin == end; }
 };
 
-// Kept in MemObject::file_data of every object read from a file (and of
+// Kept in MemObject::File() of every object read from a file (and of
 // blocks and inserts once their extra handles are given out).
 struct ObjectRecord {
   Span span;          // the entity or table record as read
@@ -100,15 +100,15 @@ struct FileImage {
 
 // The image of a document, or nullptr when it was never read or written.
 inline FileImage* ImageOf(memhost::MemDocument& doc) {
-  auto* p = std::any_cast<std::shared_ptr<FileImage>>(&doc.file_data);
+  auto* p = doc.File().Get<std::shared_ptr<FileImage>>();
   return p ? p->get() : nullptr;
 }
 
 inline ObjectRecord* RecordOf(memhost::MemObject& obj) {
-  return std::any_cast<ObjectRecord>(&obj.file_data);
+  return obj.File().Get<ObjectRecord>();
 }
 inline const ObjectRecord* RecordOf(const memhost::MemObject& obj) {
-  return std::any_cast<ObjectRecord>(&obj.file_data);
+  return obj.File().Get<ObjectRecord>();
 }
 
 }  // namespace kestrana::dxf

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -68,7 +69,12 @@ std::string BaseName(const std::string& path) {
 
 std::unique_ptr<memhost::MemDocument> LoadDrawing(const std::string& path,
                                                   const LoadOptions& options) {
-  std::string text = ReadWholeFile(path);
+  return ParseDrawing(path, ReadWholeFile(path), options);
+}
+
+std::unique_ptr<memhost::MemDocument> ParseDrawing(const std::string& path,
+                                                   std::string text,
+                                                   const LoadOptions& options) {
   auto doc = std::make_unique<memhost::MemDocument>(options.app, options.host);
   doc->SetName(BaseName(path));
   try {
@@ -81,48 +87,115 @@ std::unique_ptr<memhost::MemDocument> LoadDrawing(const std::string& path,
   return doc;
 }
 
-void WriteFileAtomically(const std::string& path, const std::string& bytes) {
-  std::string dir = Directory(path);
-  std::string tmp = dir + "/." + BaseName(path) + ".XXXXXX";
-  int fd = ::mkstemp(tmp.data());
-  if (fd < 0)
-    throw FileError("cannot write '" + path +
-                    "': cannot create a temporary file in '" + dir +
-                    "': " + std::strerror(errno));
-  auto fail = [&](const char* what) {
-    int err = errno;
-    ::close(fd);
-    ::unlink(tmp.c_str());
-    throw FileError("cannot write '" + path + "': " + what + ": " +
-                    std::strerror(err));
-  };
-  struct stat st {};
-  mode_t mode = 0666 & ~[] {
-    mode_t m = ::umask(0);
-    ::umask(m);
-    return m;
-  }();
-  if (::stat(path.c_str(), &st) == 0) mode = st.st_mode & 07777;
-  if (::fchmod(fd, mode) != 0) fail("setting permissions");
+namespace {
+
+[[noreturn]] void WriteFailed(const std::string& path, const std::string& why,
+                              int err) {
+  throw FileError("cannot write '" + path + "': " + why +
+                  (err ? std::string(": ") + std::strerror(err) : ""));
+}
+
+// The file a path names: symbolic links followed to what they point at,
+// which may not exist yet (a link to a drawing still to be written).
+std::string FollowLinks(const std::string& path) {
+  std::string target = path;
+  for (int hops = 0;; ++hops) {
+    struct stat st {};
+    if (::lstat(target.c_str(), &st) != 0 || !S_ISLNK(st.st_mode))
+      return target;
+    if (hops == 40) WriteFailed(path, "too many levels of symbolic links", 0);
+    std::string link(PATH_MAX, '\0');
+    ssize_t n = ::readlink(target.c_str(), link.data(), link.size());
+    if (n < 0) WriteFailed(path, "reading the symbolic link", errno);
+    link.resize(static_cast<size_t>(n));
+    target = link.front() == '/' ? link : Directory(target) + "/" + link;
+  }
+}
+
+void WriteAll(int fd, const std::string& bytes, const std::string& path) {
   size_t done = 0;
   while (done < bytes.size()) {
     ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
     if (n < 0) {
       if (errno == EINTR) continue;
-      fail("writing");
+      int err = errno;
+      ::close(fd);
+      WriteFailed(path, "writing", err);
     }
     done += static_cast<size_t>(n);
+  }
+}
+
+// A device or a pipe cannot be replaced by a rename: it is written to.
+void WriteInPlace(const std::string& path, const std::string& bytes) {
+  int fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  if (fd < 0) WriteFailed(path, "opening", errno);
+  WriteAll(fd, bytes, path);
+  if (::close(fd) != 0) WriteFailed(path, "closing", errno);
+}
+
+// Write permission as the file's mode says it. The superuser may write
+// anything, so for it a file nobody may write counts as read-only too.
+bool ReadOnly(const std::string& path, const struct stat& st) {
+  if (::access(path.c_str(), W_OK) != 0)
+    return errno == EACCES || errno == EROFS;
+  return ::geteuid() == 0 && (st.st_mode & 0222) == 0;
+}
+
+}  // namespace
+
+void WriteFileAtomically(const std::string& path, const std::string& bytes) {
+  struct stat st {};
+  const bool exists = ::stat(path.c_str(), &st) == 0;
+  if (exists && S_ISDIR(st.st_mode)) WriteFailed(path, "it is a folder", 0);
+  // Opened through its links as it stands: /dev/stdout names a pipe or a
+  // terminal by a link that is no path.
+  if (exists && !S_ISREG(st.st_mode)) return WriteInPlace(path, bytes);
+  const std::string target = FollowLinks(path);
+  if (exists && ReadOnly(target, st))
+    throw FileError("cannot write '" + path +
+                    "': the file is read-only; make it writable or write "
+                    "elsewhere with -o OUT");
+
+  std::string dir = Directory(target);
+  std::string tmp = dir + "/." + BaseName(target) + ".XXXXXX";
+  int fd = ::mkstemp(tmp.data());
+  if (fd < 0)
+    WriteFailed(path, "cannot create a temporary file in '" + dir + "'", errno);
+  auto fail = [&](const char* what) {
+    int err = errno;
+    ::close(fd);
+    ::unlink(tmp.c_str());
+    WriteFailed(path, what, err);
+  };
+  mode_t mode = 0666 & ~[] {
+    mode_t m = ::umask(0);
+    ::umask(m);
+    return m;
+  }();
+  if (exists) {
+    mode = st.st_mode & 07777;
+    // Only the superuser may give a file away; others keep it as theirs.
+    if (::geteuid() == 0 && ::fchown(fd, st.st_uid, st.st_gid) != 0)
+      fail("keeping the owner");
+  }
+  if (::fchmod(fd, mode) != 0) fail("setting permissions");
+  try {
+    WriteAll(fd, bytes, path);
+  } catch (...) {
+    ::unlink(tmp.c_str());
+    throw;
   }
   if (::fsync(fd) != 0) fail("flushing to disk");
   if (::close(fd) != 0) {
     int err = errno;
     ::unlink(tmp.c_str());
-    throw FileError("cannot write '" + path + "': " + std::strerror(err));
+    WriteFailed(path, "closing", err);
   }
-  if (::rename(tmp.c_str(), path.c_str()) != 0) {
+  if (::rename(tmp.c_str(), target.c_str()) != 0) {
     int err = errno;
     ::unlink(tmp.c_str());
-    throw FileError("cannot write '" + path + "': " + std::strerror(err));
+    WriteFailed(path, "replacing it", err);
   }
   // The rename itself reaches the disk with the folder.
   int dir_fd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

@@ -40,11 +40,19 @@ struct LoadOptions {
 std::unique_ptr<memhost::MemDocument> LoadDrawing(
     const std::string& path, const LoadOptions& options = {});
 
+// The drawing in `text`, the bytes of the file at `path` (which names it
+// in errors and gives the document its name); errors as LoadDrawing.
+std::unique_ptr<memhost::MemDocument> ParseDrawing(
+    const std::string& path, std::string text, const LoadOptions& options = {});
+
 // Writes `doc` to `path` atomically: a temporary file in the same folder,
-// flushed to disk, then renamed over `path` (keeping its permissions).
+// flushed to disk, then renamed over `path`. A symbolic link is followed
+// to the file it points at; the file keeps its permissions (and owner,
+// when the superuser writes). FileError for a read-only file or a folder;
+// a device or a pipe is written to directly, as it cannot be replaced.
 void SaveDrawing(memhost::MemDocument& doc, const std::string& path);
 
-// Writes `bytes` to `path` the same atomic way.
+// Writes `bytes` to `path` the same way.
 void WriteFileAtomically(const std::string& path, const std::string& bytes);
 
 // Loads `input`, runs `change`, then saves to `output` when given, else

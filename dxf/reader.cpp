@@ -457,7 +457,7 @@ void Reader::ReadTableEntry(TableImage& table) {
   record.line = shape_.Line();
   record.handle = shape_.handle;
   record.owner = shape_.owner;
-  obj->file_data = record;
+  obj->File().Set(record);
   item.handle = obj->HandleValue();
   table.items.push_back(std::move(item));
 }
@@ -498,7 +498,7 @@ void Reader::ReadBlocks(SectionImage& section) {
     if (block == nullptr) block = &doc_.AddBlock(name, origin);
     ObjectRecord* record = RecordOf(*block);
     if (record == nullptr) {
-      block->file_data = ObjectRecord{};
+      block->File().Set(ObjectRecord{});
       record = RecordOf(*block);
     }
     if (!record->begin_span.Empty())
@@ -570,7 +570,7 @@ void Reader::ReadEntity(MemBlock* owner) {
   // Without a handle in the file it is written with its new one.
   record.handle = handle;
   record.owner = shape_.owner;
-  e.file_data = record;
+  e.File().Set(record);
 
   auto* insert = e.AsBlockReference();
   auto reserve_shape_handle = [&]() {
@@ -596,7 +596,7 @@ void Reader::ReadEntity(MemBlock* owner) {
       attr_record.line = shape_.Line();
       attr_record.handle = shape_.handle;
       attr_record.owner = shape_.owner;
-      adopted.file_data = attr_record;
+      adopted.File().Set(attr_record);
     }
     if (tag_.code == 0 && tag_.value == "SEQEND") {
       size_t seq_begin = tag_.offset;
@@ -694,7 +694,7 @@ void ReadDxf(MemDocument& doc, std::string text) {
     Reader reader(doc, image);
     reader.Run();
   }
-  doc.file_data = image;
+  doc.File().Set(image);
 }
 
 }  // namespace kestrana::dxf

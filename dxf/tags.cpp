@@ -262,6 +262,13 @@ uint64_t HandleValue(const Tag& tag) {
 }
 
 std::string FormatReal(double value) {
+  // The reader refuses "nan" and "inf"; a file must never hold what it
+  // cannot read back.
+  if (!std::isfinite(value))
+    throw InvalidInputError(
+        "cannot write the number " +
+        std::string(std::isnan(value) ? "NaN" : "infinity") +
+        " into a drawing; nothing was written");
   if (value == 0) value = 0;  // no "-0.0"
   char buf[32];
   auto [ptr, ec] = std::to_chars(buf, buf + sizeof buf, value);

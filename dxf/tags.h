@@ -77,6 +77,7 @@ bool ParseInt(std::string_view text, int64_t& out);
 bool ParseHandle(std::string_view text, uint64_t& out);
 
 // Shortest text that reads back as the same double, with a decimal point.
+// InvalidInputError for NaN and infinities, which no reader takes.
 std::string FormatReal(double value);
 std::string FormatHandle(uint64_t handle);
 

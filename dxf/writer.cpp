@@ -85,7 +85,7 @@ bool Writer::LoadOriginal(const Span& span, Shape& shape,
 // Handles for what the file layer adds around the objects of the model.
 void Writer::Prepare() {
   for (MemBlock* b : doc_.BlockList()) {
-    if (RecordOf(*b) == nullptr) b->file_data = ObjectRecord{};
+    if (RecordOf(*b) == nullptr) b->File().Set(ObjectRecord{});
     ObjectRecord& r = *RecordOf(*b);
     if (r.begin_handle == 0 && r.begin_span.Empty())
       r.begin_handle = NewHandle();
@@ -108,7 +108,7 @@ void Writer::Prepare() {
       if (ref != nullptr)
         for (auto* a : ref->Attributes()) own_handle(*a);
       if (ref != nullptr && ref->HasAttributes()) {
-        if (RecordOf(*ref) == nullptr) ref->file_data = ObjectRecord{};
+        if (RecordOf(*ref) == nullptr) ref->File().Set(ObjectRecord{});
         ObjectRecord& rr = *RecordOf(*ref);
         if (rr.end_span.Empty() && rr.end_handle == 0)
           rr.end_handle = NewHandle();

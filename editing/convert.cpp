@@ -10,6 +10,7 @@
 #include "core/names.h"
 #include "core/node_record.h"
 #include "core/pipe_record.h"
+#include "core/progress.h"
 #include "core/record.h"
 #include "core/text.h"
 #include "crossing/crossing.h"
@@ -334,13 +335,18 @@ void ConvertEntities(host::Document& document,
     host::SelectionSet& nodes =
         General::InitializeSelectionSet(document, "SetExistingNodes");
     nodes.AddItems(existing_nodes);
-    for (host::LwPolyline* pipe : pipes)
-      Editing::ConvertPlIntoPipe(document, *pipe, nodes, network_name,
+    for (size_t i = 0; i < pipes.size(); ++i) {
+      Editing::ConvertPlIntoPipe(document, *pipes[i], nodes, network_name,
                                  network_type, low_high);
+      core::ReportProgress(core::kConvertingStage, i + 1, pipes.size());
+    }
   } else {
     BatchConversion batch(document, network_name, network_type, existing_nodes,
                           low_high);
-    for (host::LwPolyline* pipe : pipes) batch.Convert(*pipe);
+    for (size_t i = 0; i < pipes.size(); ++i) {
+      batch.Convert(*pipes[i]);
+      core::ReportProgress(core::kConvertingStage, i + 1, pipes.size());
+    }
     batch.Finish();
   }
   CountNewPipes(document, pipes);

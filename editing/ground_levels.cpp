@@ -6,6 +6,7 @@
 #include "core/lists.h"
 #include "core/node_record.h"
 #include "core/pipe_record.h"
+#include "core/progress.h"
 #include "core/references.h"
 #include "editing/editing.h"
 #include "editing/pipe_matching.h"
@@ -43,10 +44,16 @@ GroundLevelUpdate GroundLevelsFromSurface(
   core::EventsOff events_off(document);
   core::UnlockedLayers unlocked(document);
 
-  std::string changed_pipes, changed_nodes;
+  std::vector<std::vector<host::Entity*>> nodes;
+  size_t total = 0, done = 0;
   for (const std::string& network : network_names) {
-    for (host::Entity* node :
-         General::GetNetworkSet(document, network, 2).Entities()) {
+    nodes.push_back(General::GetNetworkSet(document, network, 2).Entities());
+    total += nodes.back().size();
+  }
+  std::string changed_pipes, changed_nodes;
+  for (const std::vector<host::Entity*>& network_nodes : nodes) {
+    for (host::Entity* node : network_nodes) {
+      core::ReportProgress(core::kGroundLevelsStage, ++done, total);
       const host::Point3 at =
           host::As<host::BlockReference>(*node).InsertionPoint();
       double elevation = 0;

@@ -1,19 +1,15 @@
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "core/general.h"
 #include "core/lists.h"
-#include "core/names.h"
 #include "core/pipe_record.h"
 #include "core/record.h"
 #include "core/references.h"
 #include "core/text.h"
-#include "crossing/crossing_record.h"
+#include "events/element_kind.h"
 #include "events/events.h"
 #include "host/host.h"
-#include "profile/profile_record.h"
-#include "viewstyle/annotation_record.h"
 
 namespace kestrana::events {
 
@@ -23,24 +19,30 @@ namespace {
 void React(host::Document& document, host::Entity& entity,
            const std::string& erased, std::string& to_be_erased,
            std::string& nodes) {
-  const std::optional<core::Record> record = core::Record::Read(entity);
-  if (!record || !record->Has(core::PipeField::kElementType) ||
-      !record->Value(core::PipeField::kElementType).IsText())
-    return;
-  const std::string type = record->Text(core::PipeField::kElementType);
-  if (type == core::kGravityPipe || type == core::kPressurePipe)
-    Events::PipeWillBeErased(document, entity, erased, to_be_erased, nodes);
-  else if (type == core::kGravityNode || type == core::kPressureNode)
-    Events::NodeWillBeErased(document, entity, erased, to_be_erased, nodes);
-  else if (type == crossing::kCrossingPointAnnotation)
-    Events::CrossingAnnoWillBeErased(document, entity, erased, to_be_erased);
-  else if (type == viewstyle::kAnnotation)
-    Events::AnnotationWillBeErased(document, entity, erased);
-  else if (type == viewstyle::kArrow)
-    Events::ArrowWillBeErased(document, entity, erased);
-  else if (type == profile::kProfileKind)
-    Events::ProfileWillBeErased(
-        document, host::As<host::BlockReference>(entity), erased, to_be_erased);
+  switch (KindOf(entity)) {
+    case ElementKind::kPipe:
+      Events::PipeWillBeErased(document, entity, erased, to_be_erased, nodes);
+      break;
+    case ElementKind::kNode:
+      Events::NodeWillBeErased(document, entity, erased, to_be_erased, nodes);
+      break;
+    case ElementKind::kCrossingAnno:
+      Events::CrossingAnnoWillBeErased(document, entity, erased, to_be_erased);
+      break;
+    case ElementKind::kAnnotation:
+      Events::AnnotationWillBeErased(document, entity, erased);
+      break;
+    case ElementKind::kArrow:
+      Events::ArrowWillBeErased(document, entity, erased);
+      break;
+    case ElementKind::kProfile:
+      Events::ProfileWillBeErased(document,
+                                  host::As<host::BlockReference>(entity),
+                                  erased, to_be_erased);
+      break;
+    default:
+      break;
+  }
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "core/text.h"
 #include "crossing/crossing_record.h"
 #include "events/events.h"
+#include "events/id_lists.h"
 #include "host/host.h"
 #include "library/library.h"
 #include "lowhigh/lowhigh.h"
@@ -30,27 +31,10 @@ using core::NodeField;
 using core::PipeField;
 using core::Record;
 
-bool Listed(std::string_view id, std::string_view list) {
-  return !id.empty() && General::Check_ID_Exists(id, list);
-}
-
-void AppendOnce(std::string& list, const std::string& id) {
-  if (!id.empty() && !Listed(id, list)) list += id + ";";
-}
-
 // Queues an object for erasure unless it goes already.
 void Queue(const std::string& id, std::string_view erased,
            std::string& to_be_erased) {
   if (!Listed(id, erased)) AppendOnce(to_be_erased, id);
-}
-
-bool Exists(host::Document& document, const std::string& id) {
-  try {
-    core::ObjectFromIdText(document, id);
-    return true;
-  } catch (const host::HostError&) {
-    return false;
-  }
 }
 
 // The owner of an annotation or arrow empties its two link fields.

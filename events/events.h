@@ -1,18 +1,24 @@
-// Reactions to objects being erased: what survives is repaired, what
-// depends on the erased objects is queued to go with them. Three object-ID
-// lists ("<id>;<id>;") travel through one erase operation: the entities
-// erased in it (never repaired), those the reactions queue for erasure,
-// and the nodes whose low and high points must be analysed again.
+// Reactions to the drawing editor's own edits. Erasing: what survives is
+// repaired, what depends on the erased objects is queued to go with them.
+// Three object-ID lists ("<id>;<id>;") travel through one erase operation:
+// the entities erased in it (never repaired), those the reactions queue for
+// erasure, and the nodes whose low and high points must be analysed again.
+// Copying: the copies become elements of their own. Moving: pipes, markers
+// and crossing lines are put back onto what they belong to.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "host/types.h"
 
 namespace kestrana::host {
 class BlockReference;
 class Document;
 class Entity;
+class Line;
 }  // namespace kestrana::host
 
 namespace kestrana::events {
@@ -79,6 +85,31 @@ class Events {
   static std::string GetFinalLabel(
       const std::string& original_label,
       const std::vector<std::string>& ex_labels_array);
+
+  // --- Moves and stretches ---------------------------------------------
+  // Nodes are authoritative: what belongs to a node is put back onto it.
+
+  // An end vertex that does not meet its node (x and y to 5 decimal places)
+  // is set to the node's point; inner vertices are left as they are.
+  static void AdjustPipeEnds(host::Document& document, host::Entity& pipe);
+  // A low or high point marker goes back onto its node.
+  static void AdjustLowHighPoint(host::Document& document,
+                                 host::BlockReference& point);
+  // The leader line runs from the crossing point to the corner or line end
+  // of its annotation's table nearest to that point.
+  static void AdjustCrossingLine(host::Document& document, host::Line& line);
+  // The crossings of the changed pipes (an object-ID list) are found anew
+  // against all networks; the old annotations are erased at once, their
+  // leader lines queued.
+  static void RebuildPipeCrossingPoints(
+      host::Document& document, std::string_view changed_pipe_object_id,
+      std::string_view erased_entites_object_id,
+      std::string& entities_to_be_erased_object_id);
+  // Every profile along the changed pipes that stays needs an update.
+  static void FlagChangedPipesProfilesForUpdate(
+      host::Document& document, std::string_view changed_pipe_object_id,
+      std::string_view erased_entites_object_id,
+      std::string_view entities_to_be_erased_object_id);
 };
 
 // What the editor does when the user erases `chosen`: the reaction of each
@@ -87,5 +118,23 @@ class Events {
 // Answers how many objects were erased in all.
 int EraseWithReactions(host::Document& document,
                        const std::vector<host::Entity*>& chosen);
+
+// The courses (vertex lists) of the pipes a move may reshape, by pipe ID:
+// the pipes among the entities and the pipes at the nodes among them.
+// Taken before the editor moves anything.
+using PipeCourses = std::map<host::ObjectId, std::vector<double>>;
+PipeCourses CoursesBeforeMove(host::Document& document,
+                              const std::vector<host::Entity*>& moving);
+
+// What the add-on does after the editor moved or stretched `moved`, with
+// events off: pipes back onto their nodes, markers onto theirs, crossing
+// lines to their tables; then for the pipes whose course differs from
+// `before` the crossings rebuilt, the profiles flagged and the annotations
+// and arrows placed anew (with those of the moved nodes), and the low and
+// high points around the nodes concerned analysed again. Answers the pipes
+// whose course changed, in ID order.
+std::vector<host::Entity*> ReactToMove(host::Document& document,
+                                       const std::vector<host::Entity*>& moved,
+                                       const PipeCourses& before);
 
 }  // namespace kestrana::events

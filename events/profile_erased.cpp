@@ -77,6 +77,7 @@ void Events::ProfileWillBeErased(
   const std::string id = core::IdText(profile_block.ObjectID());
 
   RemoveFromStyle(document, record, name, network, id);
+  profile::Profile::DeleteProfileStamps(document, profile_block);
   for (const std::string& pipe_oid :
        core::ReferenceValues(record.Text(ProfileField::kPipeOIDs)))
     profile::Profile::DeleteProfileReferenceFromPipe(

@@ -194,83 +194,67 @@ void MemEntity::CheckModifiable() const {
 
 // ----------------------------------------------------------- collections
 
-int MemBlocks::Count() const {
-  return static_cast<int>(doc_.BlockList().size());
-}
-
-host::Block& MemBlocks::Item(int index) const {
+template <class HostTable, class HostItem, class Record>
+HostItem& SymbolTable<HostTable, HostItem, Record>::Item(int index) const {
   if (index < 0 || index >= Count())
-    throw HostError(ErrorCode::kBadArgument,
-                    "no block at position " + std::to_string(index));
-  return *doc_.BlockList()[index];
+    throw HostError(ErrorCode::kBadArgument, std::string("no ") + what_ +
+                                                 " at position " +
+                                                 std::to_string(index));
+  return *records_[index];
 }
 
-host::Block& MemBlocks::Item(const std::string& name) const {
-  if (MemBlock* b = doc_.FindBlock(name)) return *b;
-  throw HostError(ErrorCode::kNoSuchKey, "no block named \"" + name + "\"");
+template <class HostTable, class HostItem, class Record>
+HostItem& SymbolTable<HostTable, HostItem, Record>::Item(
+    const std::string& name) const {
+  if (Record* r = FindItem(name)) return *r;
+  throw HostError(ErrorCode::kNoSuchKey,
+                  std::string("no ") + what_ + " named \"" + name + "\"");
 }
 
-host::Block* MemBlocks::Find(const std::string& name) const {
-  return doc_.FindBlock(name);
+template <class HostTable, class HostItem, class Record>
+Record* SymbolTable<HostTable, HostItem, Record>::FindItem(
+    const std::string& name) const {
+  for (Record* r : records_)
+    if (SameName(r->name_, name)) return r;
+  return nullptr;
 }
+
+template <class HostTable, class HostItem, class Record>
+Record& SymbolTable<HostTable, HostItem, Record>::Insert(
+    std::unique_ptr<Record> record, uint64_t handle) {
+  auto& r = static_cast<Record&>(doc_.RegisterObject(std::move(record), handle));
+  records_.push_back(&r);
+  return r;
+}
+
+template <class HostTable, class HostItem, class Record>
+void SymbolTable<HostTable, HostItem, Record>::Remove(Record* record) {
+  records_.erase(std::find(records_.begin(), records_.end(), record));
+}
+
+template <class HostTable, class HostItem, class Record>
+void SymbolTable<HostTable, HostItem, Record>::CheckName(
+    const std::string& name) const {
+  CheckSymbolName(name, what_, doc_.Loading());
+}
+
+template class SymbolTable<host::Blocks, host::Block, MemBlock>;
+template class SymbolTable<host::Layers, host::Layer, MemLayer>;
+template class SymbolTable<host::TextStyles, host::TextStyle, MemTextStyle>;
 
 host::Block& MemBlocks::Add(const Point3& origin, const std::string& name) {
-  if (MemBlock* b = doc_.FindBlock(name)) return *b;
-  CheckSymbolName(name, "block", doc_.Loading());
-  return doc_.AddBlock(name, origin);
-}
-
-int MemLayers::Count() const {
-  return static_cast<int>(doc_.LayerList().size());
-}
-
-host::Layer& MemLayers::Item(int index) const {
-  if (index < 0 || index >= Count())
-    throw HostError(ErrorCode::kBadArgument,
-                    "no layer at position " + std::to_string(index));
-  return *doc_.LayerList()[index];
-}
-
-host::Layer& MemLayers::Item(const std::string& name) const {
-  if (MemLayer* l = doc_.FindLayer(name)) return *l;
-  throw HostError(ErrorCode::kNoSuchKey, "no layer named \"" + name + "\"");
-}
-
-host::Layer* MemLayers::Find(const std::string& name) const {
-  return doc_.FindLayer(name);
+  return FindOrAdd(name, [&]() -> MemBlock& {
+    return doc_.AddBlock(name, origin);
+  });
 }
 
 host::Layer& MemLayers::Add(const std::string& name) {
-  if (MemLayer* l = doc_.FindLayer(name)) return *l;
-  CheckSymbolName(name, "layer", doc_.Loading());
-  return doc_.AddLayer(name);
-}
-
-int MemTextStyles::Count() const {
-  return static_cast<int>(doc_.TextStyleList().size());
-}
-
-host::TextStyle& MemTextStyles::Item(int index) const {
-  if (index < 0 || index >= Count())
-    throw HostError(ErrorCode::kBadArgument,
-                    "no text style at position " + std::to_string(index));
-  return *doc_.TextStyleList()[index];
-}
-
-host::TextStyle& MemTextStyles::Item(const std::string& name) const {
-  if (MemTextStyle* s = doc_.FindTextStyle(name)) return *s;
-  throw HostError(ErrorCode::kNoSuchKey,
-                  "no text style named \"" + name + "\"");
-}
-
-host::TextStyle* MemTextStyles::Find(const std::string& name) const {
-  return doc_.FindTextStyle(name);
+  return FindOrAdd(name, [&]() -> MemLayer& { return doc_.AddLayer(name); });
 }
 
 host::TextStyle& MemTextStyles::Add(const std::string& name) {
-  if (MemTextStyle* s = doc_.FindTextStyle(name)) return *s;
-  CheckSymbolName(name, "text style", doc_.Loading());
-  return doc_.AddTextStyle(name);
+  return FindOrAdd(name,
+                   [&]() -> MemTextStyle& { return doc_.AddTextStyle(name); });
 }
 
 int MemSelectionSets::Count() const {
@@ -691,9 +675,9 @@ void MemDocument::SetVariable(const std::string& name,
     if (text == nullptr)
       throw HostError(ErrorCode::kBadArgument, key + " takes a name");
     if (key == "CLAYER")
-      SetActiveLayer(layers_view_.Item(*text));
+      SetActiveLayer(layers_.Item(*text));
     else
-      SetActiveTextStyle(styles_view_.Item(*text));
+      SetActiveTextStyle(styles_.Item(*text));
     return;
   }
   variables_[key] = value;
@@ -707,39 +691,28 @@ void MemDocument::SendCommand(const std::string& text) {
 }
 
 MemBlock* MemDocument::FindBlock(const std::string& name) const {
-  for (MemBlock* b : blocks_)
-    if (SameName(b->name_, name)) return b;
-  return nullptr;
+  return blocks_.FindItem(name);
 }
 
 MemLayer* MemDocument::FindLayer(const std::string& name) const {
-  for (MemLayer* l : layers_)
-    if (SameName(l->name_, name)) return l;
-  return nullptr;
+  return layers_.FindItem(name);
 }
 
 MemTextStyle* MemDocument::FindTextStyle(const std::string& name) const {
-  for (MemTextStyle* s : styles_)
-    if (SameName(s->name_, name)) return s;
-  return nullptr;
+  return styles_.FindItem(name);
 }
 
 MemLayer& MemDocument::AddLayer(const std::string& name, uint64_t handle) {
   auto layer = std::make_unique<MemLayer>();
   layer->name_ = name;
-  auto& l = static_cast<MemLayer&>(RegisterObject(std::move(layer), handle));
-  layers_.push_back(&l);
-  return l;
+  return layers_.Insert(std::move(layer), handle);
 }
 
 MemTextStyle& MemDocument::AddTextStyle(const std::string& name,
                                         uint64_t handle) {
   auto style = std::make_unique<MemTextStyle>();
   style->name_ = name;
-  auto& s =
-      static_cast<MemTextStyle&>(RegisterObject(std::move(style), handle));
-  styles_.push_back(&s);
-  return s;
+  return styles_.Insert(std::move(style), handle);
 }
 
 MemBlock& MemDocument::AddBlock(const std::string& name, const Point3& origin,
@@ -747,9 +720,7 @@ MemBlock& MemDocument::AddBlock(const std::string& name, const Point3& origin,
   auto block = std::make_unique<MemBlock>();
   block->name_ = name;
   block->origin_ = origin;
-  auto& b = static_cast<MemBlock&>(RegisterObject(std::move(block), handle));
-  blocks_.push_back(&b);
-  return b;
+  return blocks_.Insert(std::move(block), handle);
 }
 
 void MemDocument::RegisterApp(const std::string& app) {
@@ -927,8 +898,7 @@ void MemLayer::Delete() {
                                            std::to_string(use_count_) +
                                            " entities");
   erased_ = true;
-  auto& layers = doc_->layers_;
-  layers.erase(std::find(layers.begin(), layers.end(), this));
+  doc_->layers_.Remove(this);
 }
 
 std::string MemTextStyle::Name() const {

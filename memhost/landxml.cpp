@@ -4,10 +4,13 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <pugixml.hpp>
 #include <sstream>
 #include <unordered_map>
+
+#include "host/limits.h"
 
 namespace kestrana::memhost {
 
@@ -46,7 +49,10 @@ std::vector<double> Numbers(const char* text) {
     if (p >= end) break;
     double v = 0;
     auto [next, ec] = std::from_chars(p, end, v);
-    if (ec != std::errc() || !std::isfinite(v)) return {};  // no "nan", "inf"
+    // No "nan", "inf" or magnitudes no drawing holds.
+    if (ec != std::errc() || !std::isfinite(v) ||
+        std::fabs(v) > host::kLargestNumber)
+      return {};
     out.push_back(v);
     p = next;
   }
@@ -90,7 +96,8 @@ std::vector<std::unique_ptr<MemSurface>> ParseLandXmlSurfaces(
         if (v.size() != 3)
           throw LandXmlError(where(p) +
                              "a point needs northing, easting and "
-                             "elevation, not \"" +
+                             "elevation, each a number from -1000000000 to "
+                             "1000000000, not \"" +
                              std::string(p.child_value()) + "\"");
         std::string id = p.attribute("id").as_string();
         if (id.empty()) id = std::to_string(points.size() + 1);
@@ -130,6 +137,10 @@ std::vector<std::unique_ptr<MemSurface>> ParseLandXmlSurfaces(
 
 std::vector<std::unique_ptr<MemSurface>> ReadLandXmlSurfaces(
     const std::string& path) {
+  // A folder opens as a stream that reads nothing: say what it is.
+  std::error_code error;
+  if (std::filesystem::is_directory(path, error))
+    throw LandXmlError("'" + path + "' is a folder, not a LandXML file");
   std::ifstream in(path, std::ios::binary);
   if (!in) throw LandXmlError("cannot open '" + path + "'");
   std::ostringstream buffer;

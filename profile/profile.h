@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <string_view>
 #include <vector>
 
@@ -28,6 +29,14 @@ class SelectionSet;
 namespace kestrana::core {
 class Record;
 }
+
+namespace kestrana::profile {
+class Sheet;
+struct Box2;
+struct Segment;
+struct TextSettings;
+class TextMeasure;
+}  // namespace kestrana::profile
 
 namespace kestrana::profile {
 
@@ -240,6 +249,180 @@ class Profile {
       host::Document& document, std::string_view pipe_oid,
       std::string_view node_label);
 
+
+  // --- Drawing a profile -------------------------------------------------
+
+  // Draws the profile block of the inputs (parts side by side), inserts it,
+  // makes the plan annotation when asked and writes the records; answers
+  // the block reference's ID as text. NotFoundError for a style the drawing
+  // lacks; the gathering's errors as they come.
+  static std::string DrawProfile(host::Document& document,
+                                 const ProfileInputs& inputs);
+  // The same, measuring texts with `measure` (shared by several profiles).
+  static std::string DrawProfile(host::Document& document,
+                                 const ProfileInputs& inputs,
+                                 TextMeasure& measure);
+  // The block "Kestrana_Profile_<network>_<name>" (emptied when it exists)
+  // drawn from the parts and inserted at the inputs' insertion point.
+  static host::BlockReference& CreateProfileBlock(
+      host::Document& document, const ProfileInputs& inputs,
+      const PartsData& ar_profile_parts_data_arrays,
+      const core::Record& ar_profile_style_settings, TextMeasure& measure);
+  // The ten profile layers with their colours, where missing.
+  static void CreateProfileLayers(host::Document& document);
+  // The custom value, or the lowest sump less 2 (metric) or 6, rounded down.
+  static double GetDatumElevation(bool datum_auto, double custom_datum_value,
+                                  std::string_view sump_levels_string,
+                                  std::string_view model_units);
+  // The plot area's rectangle; answers its length and height.
+  static std::pair<double, double> DrawPlotAreaFrame(
+      Sheet& sheet, const host::Point3& ref_point, const PartData& part,
+      const TextSettings& text, double datum_elevation,
+      double vertical_exaggeration);
+  static void DrawProfileGrid(Sheet& sheet, const host::Point3& ref_point,
+                              std::string_view horizontal_grid_settings,
+                              std::string_view vertical_grid_settings,
+                              std::string_view stations_settings,
+                              const TextSettings& text, double plot_area_length,
+                              double plot_area_height,
+                              double vertical_exaggeration,
+                              double datum_elevation,
+                              double part_start_station);
+  // The table's outline and the column lines, the datum text and the title.
+  static void CompleteProfileFrame(
+      Sheet& sheet, const host::Point3& profile_ref_point,
+      const host::Point3& band_ref_point, double band_labels_part_length,
+      double datum_elevation, double plot_area_length, double plot_area_height,
+      const TextSettings& text, std::string_view profile_line_name,
+      int profile_part_index, int count_profile_parts);
+  // The title of a part: "%%u<name>", with "  (Part k/n)" when there are
+  // several.
+  static std::string ProfileTitle(std::string_view profile_line_name,
+                                  int profile_part_index,
+                                  int count_profile_parts);
+  static void DrawNodeLabels(Sheet& sheet, const host::Point3& ref_point,
+                             std::string_view length_string,
+                             std::string_view node_label_string,
+                             double frame_height,
+                             const core::Record& ar_profile_style_settings);
+  static void DrawGroundLine(Sheet& sheet, const host::Point3& ref_point,
+                             std::string_view ground_line_string,
+                             double datum_elevation,
+                             double vertical_exaggeration);
+  // Invert and crown lines; in gravity networks they stop at the manholes.
+  static void DrawPipes(Sheet& sheet, const host::Point3& ref_point,
+                        std::string_view length_string,
+                        std::string_view invert_string,
+                        std::string_view size_string, double datum_elevation,
+                        double vertical_exaggeration,
+                        std::string_view model_units,
+                        std::string_view network_type);
+  static void DrawManholes(Sheet& sheet, const host::Point3& ref_point,
+                           std::string_view length_string,
+                           std::string_view ground_string,
+                           std::string_view sump_string,
+                           double datum_elevation,
+                           double vertical_exaggeration,
+                           std::string_view model_units);
+  // Sections of connected and crossing pipes with their invert and size
+  // texts, kept clear of each other and of `taken` (boxes already used).
+  static void DrawConnectedAndCrossing(
+      Sheet& sheet, const host::Point3& ref_point,
+      std::string_view connected_string, std::string_view crossing_string,
+      const TextSettings& text, double datum_elevation,
+      double vertical_exaggeration, std::string_view model_units);
+  // Cells side by side centred on the point, bottom at its level; circles
+  // become ellipses stretched by the exaggeration.
+  static void DrawPipeSectionOnProfile(Sheet& sheet,
+                                       const host::Point3& pipe_ins_pnt,
+                                       int shape_index, double span,
+                                       double rise, int num_cells,
+                                       double vertical_exaggeration);
+  // "%%c200", "1200X800", "2 %%c200", "3 (1200X800)".
+  static std::string GetSectionSizeStringForProfile(
+      std::string_view section_shape_index, double span, double rise,
+      int num_cells);
+  // Where a box `string_length` wide and `text_height` high can stand near
+  // the wanted bottom-left corner without overlapping the boxes there are
+  // or crossing the lines to keep clear of.
+  static host::Point3 GetProfileCrossingAnnotationLocation(
+      const host::Point3& new_anno_ins_pnt,
+      const std::vector<Box2>& ar_existing_coord, double text_height,
+      double string_length, const std::vector<Segment>& keep_clear = {});
+
+  // --- The data table ----------------------------------------------------
+
+  // The drawn bands (style items 10 to 19) in table order.
+  static std::vector<int> GetBandOrder(
+      const core::Record& ar_profile_style_settings);
+  // The bands of one part under its plot area; answers the point where the
+  // table ends (its bottom, at the part's reference x).
+  static host::Point3 DrawProfileTable(
+      Sheet& sheet, const host::Point3& ref_point,
+      const PartData& ar_profile_data_strings,
+      const core::Record& ar_profile_style_settings,
+      double band_labels_part_length, double plot_area_length);
+  // How far left (positive) or right (negative) of its distance a value is
+  // written to stay clear of node lines; 999 when it is not written.
+  static double GetDataTextShift(double distance,
+                                 const std::vector<double>& ar_prohibited,
+                                 double buffer_distance,
+                                 bool allow_exactly_node_distance,
+                                 double text_height);
+  static std::vector<double> GetProhibitedDistancesArray(
+      const std::vector<std::string>& ar_length_data);
+  static double GetTextLengthOnDrawing(host::Document& document,
+                                       const std::string& my_string,
+                                       const std::string& my_text_style,
+                                       double my_text_height);
+  static double GetLongestTextLength(host::Document& document,
+                                     const std::string& string1,
+                                     const std::string& string2,
+                                     const std::string& string3,
+                                     const std::string& string4,
+                                     const std::string& text_style,
+                                     double text_height);
+  // The longest label of the drawn bands plus twice the label height.
+  static double GetBandLabelsPartLength(
+      host::Document& document, const core::Record& ar_profile_style_settings);
+  static double GetBandLabelsPartLength(
+      TextMeasure& measure, const core::Record& ar_profile_style_settings);
+
+  // --- Plan annotation ---------------------------------------------------
+
+  // The block "Kestrana_PlanAnno_<network>_<name>" with the profile's name
+  // and stations along its pipes, inserted in model space; nullptr when
+  // neither is asked for.
+  static host::BlockReference* CreatePlanAnnotationBlockForProfile(
+      host::Document& document, std::string_view profile_name,
+      std::string_view profile_network_name,
+      const PartsData& ar_profile_parts_data_arrays,
+      const core::Record& ar_profile_style_settings, bool show_name_on_plan,
+      bool show_stations_on_plan);
+  // The number pattern of stations: "0+000.00" for precision 0, decimals 2
+  // and format 3. The grid, the stations band and the plan all use it.
+  static std::string GetStationFormatString(std::string_view precision_index,
+                                            std::string_view decimals_index,
+                                            std::string_view format_index);
+  // The vertices of the pipes in profile order, shared vertices once.
+  static std::vector<double> GetTotalPipeCoordinates(
+      host::Document& document, std::string_view pipe_oids_string,
+      std::string_view pipe_directions_string);
+
+  // --- Redraw ------------------------------------------------------------
+
+  // Draws the profile again from its record where its block now stands;
+  // the old block, its plan annotation and stamp go. Answers the new
+  // block reference's ID as text.
+  static std::string UpdateProfile(host::Document& document,
+                                   std::string_view existing_profile_oid);
+  static std::string UpdateProfile(host::Document& document,
+                                   std::string_view existing_profile_oid,
+                                   TextMeasure& measure);
+  // The inputs a profile block's record keeps, with its current insertion
+  // point.
+  static ProfileInputs ReadProfileInputs(host::BlockReference& profile_block);
+
   // --- Profile records and update flags ----------------------------------
 
   // The profile block's record, and the back-references on the style
@@ -255,6 +438,9 @@ class Profile {
   // Sets the update flag and stamps "NeedsUpdate" over the profile, once.
   static void FlagProfileForUpdate(host::Document& document,
                                    std::string_view profile_oid);
+  // Erases the "NeedsUpdate" stamps of the profile.
+  static void DeleteProfileStamps(host::Document& document,
+                                  const host::Entity& profile_block);
   // Flags every profile along the pipes of the crossings.
   static void FlagProfilesRelatedToCrossingPoints(
       host::Document& document,

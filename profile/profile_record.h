@@ -66,6 +66,17 @@ inline constexpr char kProfileBlockPrefix[] = "Kestrana_Profile_";
 inline constexpr char kPlanAnnoBlockPrefix[] = "Kestrana_PlanAnno_";
 
 inline constexpr char kStampLayer[] = "Profile - Stamp";
+
+// The record of a "NeedsUpdate" stamp: the profile it stands over.
+enum class StampField : int {
+  kApplicationName = 0,
+  kCombinedLabel = 1,  // "ProfileStamp;<network>;<profile name>"
+  kElementType = 2,    // "ProfileStamp"
+  kProfileOIDRef = 3,  // ";RelatedTo<profile block ID>"
+};
+inline constexpr std::array<int16_t, 3> kStampRecordCodes = {
+    core::code::kText, core::code::kText, core::code::kText};
+inline constexpr char kStampKind[] = "ProfileStamp";
 inline constexpr char kStampText[] = "NeedsUpdate";
 
 // Directions in a chain: a pipe walked along its own orientation, or

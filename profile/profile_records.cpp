@@ -30,6 +30,8 @@ core::Record ReadPipeRecord(const host::Object& pipe) {
   return core::ReadRecordWithFields(pipe, core::kPipeRecordLength, "pipe");
 }
 
+constexpr int16_t kLayerCode = 8;  // selection filters: the layer
+
 // "1" for a switch that is on, as the record stores it.
 std::string SwitchText(bool on) { return on ? "1" : "0"; }
 
@@ -70,7 +72,8 @@ void AppendToPipe(host::Document& document, const std::string& pipe_oid,
 
 // The stamp stands in the middle of the profile, a quarter of its height
 // tall and never wider than the profile.
-void AddStamp(host::Document& document, const host::Entity& profile_block) {
+void AddStamp(host::Document& document, const host::Entity& profile_block,
+              const core::Record& profile) {
   host::Layer* layer = document.GetLayers().Find(kStampLayer);
   if (layer == nullptr) {
     layer = &document.GetLayers().Add(kStampLayer);
@@ -88,6 +91,19 @@ void AddStamp(host::Document& document, const host::Entity& profile_block) {
   stamp.SetLayer(kStampLayer);
   stamp.SetAlignment(host::TextAlignment::kMiddleCenter);
   stamp.SetTextAlignmentPoint(middle);
+  // The stamp names its profile, so that it goes when the profile does.
+  core::Record link = core::Record::WithCodes(kStampRecordCodes);
+  link.SetText(StampField::kCombinedLabel,
+               std::string(kStampKind) + ";" +
+                   General::EntityNetworkFromCombined(
+                       profile.Text(ProfileField::kCombinedLabel)) +
+                   ";" +
+                   General::EntityLabelFromCombined(
+                       profile.Text(ProfileField::kCombinedLabel)));
+  link.SetText(StampField::kElementType, kStampKind);
+  link.SetText(StampField::kProfileOIDRef,
+               core::ReferenceEntry(core::IdText(profile_block.ObjectID())));
+  link.Write(stamp);
 }
 
 }  // namespace
@@ -191,7 +207,7 @@ void Profile::FlagProfileForUpdate(host::Document& document,
   if (record.Int16(ProfileField::kUpdateFlag) == kNeedsUpdate) return;
   record.SetInt16(ProfileField::kUpdateFlag, kNeedsUpdate);
   record.Write(block);
-  AddStamp(document, block);
+  AddStamp(document, block, record);
 }
 
 void Profile::FlagProfilesRelatedToCrossingPoints(
@@ -206,6 +222,37 @@ void Profile::FlagProfilesRelatedToCrossingPoints(
         FlagProfileForUpdate(document, profile_oid);
     }
   }
+}
+
+void Profile::DeleteProfileStamps(host::Document& document,
+                                  const host::Entity& profile_block) {
+  const core::Record profile = ReadProfileRecord(profile_block);
+  // Only a flagged profile has a stamp.
+  if (profile.Int16(ProfileField::kUpdateFlag) != kNeedsUpdate) return;
+  const std::string label =
+      std::string(kStampKind) + ";" +
+      General::EntityNetworkFromCombined(
+          profile.Text(ProfileField::kCombinedLabel)) +
+      ";" +
+      General::EntityLabelFromCombined(
+          profile.Text(ProfileField::kCombinedLabel));
+  const std::string id_ref =
+      core::ReferenceEntry(core::IdText(profile_block.ObjectID()));
+  host::SelectionSet& set =
+      General::InitializeSelectionSet(document, "SetProfileStamps");
+  set.Select(host::SelectMode::kAll, {}, {},
+             {{core::code::kAppName, host::XValue(std::string(core::kAppName))},
+              {kLayerCode, host::XValue(std::string(kStampLayer))}});
+  for (host::Entity* stamp : set.Entities()) {
+    const std::optional<core::Record> link = core::Record::Read(*stamp);
+    if (!link || !link->Has(StampField::kProfileOIDRef) ||
+        link->Text(StampField::kElementType) != kStampKind)
+      continue;
+    if (link->Text(StampField::kCombinedLabel) == label ||
+        link->Text(StampField::kProfileOIDRef) == id_ref)
+      if (!stamp->Erased()) stamp->Delete();
+  }
+  set.Delete();
 }
 
 host::SelectionSet& Profile::GetExistingProfileSet(host::Document& document,

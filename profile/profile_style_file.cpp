@@ -58,16 +58,12 @@ std::string Unquoted(std::string_view line, int line_number) {
 // The value of a field that must be a number, or an error naming it.
 double Number(const std::vector<std::string>& fields,
               const ProfileStyleItemInfo& info, int field) {
-  std::optional<double> value;
-  try {
-    value = core::ParseNumber(fields[field]);
-  } catch (const std::overflow_error&) {
-    // Beyond any real: not a setting either.
-  }
+  const std::optional<double> value = core::ParseNumberInRange(fields[field]);
   if (!value)
     throw InvalidInputError(ItemName(info) + ", field " +
                             std::to_string(field) + " (" + info.fields[field] +
-                            "): \"" + fields[field] + "\" is not a number");
+                            "): \"" + fields[field] + "\" is not a number " +
+                            core::NumberRangeText());
   return *value;
 }
 

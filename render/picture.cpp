@@ -11,6 +11,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <vector>
 
@@ -28,29 +29,31 @@ std::string Lower(std::string s) {
   return s;
 }
 
-// A new, empty file next to `path`, so that the final rename stays on one
-// file system.
-std::string TemporaryBeside(const std::string& path,
-                            const std::string& suffix) {
-  fs::path target(path);
-  fs::path dir =
-      target.has_parent_path() ? target.parent_path() : fs::path(".");
+// A new, empty file in the temporary folder for the converter to use.
+std::string ScratchFile(const std::string& suffix) {
   std::string pattern =
-      (dir / ("." + target.filename().string() + ".XXXXXX")).string();
+      (fs::temp_directory_path() / "kestrana-picture.XXXXXX").string();
   std::vector<char> name(pattern.begin(), pattern.end());
   name.push_back('\0');
   int fd = mkstemp(name.data());
   if (fd < 0)
-    throw std::runtime_error("cannot write in " + dir.string() + ": " +
+    throw std::runtime_error("cannot make a scratch file in " +
+                             fs::temp_directory_path().string() + ": " +
                              std::strerror(errno));
   close(fd);
   std::string made(name.data());
-  if (suffix.empty()) return made;
   // rsvg-convert picks its input format from the content, but keep names
   // honest.
   std::string renamed = made + suffix;
   fs::rename(made, renamed);
   return renamed;
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::string bytes((std::istreambuf_iterator<char>(in)), {});
+  if (!in.good() && !in.eof()) throw std::runtime_error("cannot read " + path);
+  return bytes;
 }
 
 void WriteFile(const std::string& path, const std::string& content) {
@@ -109,23 +112,14 @@ PictureFormat FormatOf(const std::string& path) {
                               path);
 }
 
-void SavePicture(const std::string& svg, const std::string& path,
-                 const std::string& converter) {
-  PictureFormat format = FormatOf(path);
-  Scratch out{TemporaryBeside(path, "")};
-  if (format == PictureFormat::kSvg) {
-    WriteFile(out.path, svg);
-  } else {
-    Scratch source{TemporaryBeside(path, ".svg")};
-    WriteFile(source.path, svg);
-    Convert(converter, source.path, out.path);
-  }
-  // mkstemp makes owner-only files; a picture is an ordinary file.
-  mode_t mask = umask(0);
-  umask(mask);
-  fs::permissions(out.path, static_cast<fs::perms>(0666 & ~mask));
-  fs::rename(out.path, path);
-  out.path.clear();
+std::string PictureBytes(const std::string& svg, PictureFormat format,
+                         const std::string& converter) {
+  if (format == PictureFormat::kSvg) return svg;
+  Scratch source{ScratchFile(".svg")};
+  Scratch png{ScratchFile(".png")};
+  WriteFile(source.path, svg);
+  Convert(converter, source.path, png.path);
+  return ReadFile(png.path);
 }
 
 }  // namespace kestrana::render

@@ -1,4 +1,4 @@
-// Saving pictures: SVG as drawn, PNG through rsvg-convert.
+// Pictures: SVG as drawn, PNG through rsvg-convert.
 #pragma once
 
 #include <string>
@@ -11,11 +11,12 @@ enum class PictureFormat { kSvg, kPng };
 // std::invalid_argument for anything else.
 PictureFormat FormatOf(const std::string& path);
 
-// Writes `svg` to `path` in the format its name asks for. The file appears
-// whole or not at all: it is written under a temporary name and renamed.
-// PNG needs the rsvg-convert program (`converter`, looked up on PATH);
-// std::runtime_error when it is missing or fails.
-void SavePicture(const std::string& svg, const std::string& path,
-                 const std::string& converter = "rsvg-convert");
+// The bytes of the picture in `format`: the SVG as it is, or a PNG made by
+// the rsvg-convert program (`converter`, looked up on PATH) through
+// scratch files that are gone afterwards; std::runtime_error when it is
+// missing or fails. Saving them is the caller's: the command line saves
+// every file the same way.
+std::string PictureBytes(const std::string& svg, PictureFormat format,
+                         const std::string& converter = "rsvg-convert");
 
 }  // namespace kestrana::render

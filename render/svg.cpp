@@ -117,12 +117,19 @@ double EdgeSweep(double start, double end, bool counter_clockwise) {
 
 class Collector {
  public:
-  Collector(MemDocument& doc, const Options& options) : doc_(doc) {
+  Collector(MemDocument& doc, const Options& options)
+      : doc_(doc), progress_(options.progress) {
     for (const std::string& name : options.layers) filter_.insert(Upper(name));
   }
 
   void Walk(const MemBlock& block, const Context& ctx, bool root) {
-    for (MemEntity* e : block.MemEntities()) Draw(*e, ctx, root);
+    const auto entities = block.MemEntities();
+    size_t done = 0;
+    for (MemEntity* e : entities) {
+      Draw(*e, ctx, root);
+      // Only the drawn block's own entities count, not those of inserts.
+      if (root && progress_) progress_(++done, entities.size());
+    }
   }
 
   std::vector<Prim>& Prims() { return prims_; }
@@ -552,6 +559,7 @@ class Collector {
   }
 
   MemDocument& doc_;
+  const std::function<void(size_t, size_t)>& progress_;
   std::set<std::string> filter_;
   std::unordered_map<std::string, LayerState> layers_;
   std::vector<const MemBlock*> stack_;

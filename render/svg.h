@@ -6,6 +6,7 @@
 // white; index colour 7 is drawn black.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -33,6 +34,8 @@ struct Options {
   std::optional<Window> window;
   // The longer side of the picture in pixels.
   int size_px = 1200;
+  // Called after each entity of the drawn block: `done` of `total`.
+  std::function<void(size_t done, size_t total)> progress;
 };
 
 struct Result {

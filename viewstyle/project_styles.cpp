@@ -1,11 +1,13 @@
 #include "viewstyle/project_styles.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "core/lists.h"
 #include "core/project_record.h"
 #include "core/record.h"
 #include "core/text.h"
+#include "core/user_names.h"
 #include "host/host.h"
 #include "viewstyle/view_style.h"
 
@@ -64,9 +66,12 @@ std::vector<ViewStyleSettings> ReadViewStyles(host::Document& document) {
 
 std::optional<size_t> FindViewStyle(
     const std::vector<ViewStyleSettings>& styles, std::string_view name) {
-  for (size_t i = 0; i < styles.size(); ++i)
-    if (StyleNameOf(styles[i]) == name) return i;
-  return std::nullopt;
+  std::vector<std::string> names;
+  for (const ViewStyleSettings& style : styles)
+    names.push_back(StyleNameOf(style));
+  const std::optional<std::string> stored = core::MatchName(names, name);
+  if (!stored) return std::nullopt;
+  return std::find(names.begin(), names.end(), *stored) - names.begin();
 }
 
 namespace {

@@ -43,7 +43,8 @@ ViewStyleSettings ReadMarkerSettings(host::Document& document,
                                      std::string_view marker);
 // Every stored style, validated, in the order field 1 lists them.
 std::vector<ViewStyleSettings> ReadViewStyles(host::Document& document);
-// The position of the style named `name`, or nullopt.
+// The position of the style `name` names (core::MatchName: letter case
+// ignored, the exact spelling first), or nullopt.
 std::optional<size_t> FindViewStyle(
     const std::vector<ViewStyleSettings>& styles, std::string_view name);
 

@@ -9,6 +9,7 @@
 
 #include "core/names.h"
 #include "core/text.h"
+#include "host/limits.h"
 
 namespace kestrana::viewstyle {
 
@@ -46,11 +47,8 @@ std::string Quote(std::string_view text) {
 
 // A text height: a positive number within range, else nullopt.
 std::optional<double> TextHeightOf(std::string_view text) {
-  try {
-    std::optional<double> value = core::ParseNumber(text);
-    if (value && *value > 0) return value;
-  } catch (const std::overflow_error&) {
-  }
+  std::optional<double> value = core::ParseNumberInRange(text);
+  if (value && *value > 0) return value;
   return std::nullopt;
 }
 
@@ -340,8 +338,9 @@ ViewStyleSettings ReadStyleText(std::string_view text, std::string_view name) {
       if (!TextHeightOf(value))
         throw StyleTextError(line_number,
                              "the text height is a positive "
-                             "number, not \"" +
-                                 value + "\"");
+                             "number up to " +
+                                 core::GeneralText(host::kLargestNumber) +
+                                 ", not \"" + value + "\"");
       style[field] = value;
     } else {
       style[field] = ParseItemValue(ItemOfField(field), value, line_number);

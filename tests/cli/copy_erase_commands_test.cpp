@@ -46,9 +46,17 @@ class Copies : public test::CommandTest {
 };
 
 TEST_F(Copies, CopiesTakeFreeLabelsAndLinkOnlyToEachOther) {
-  // P-2 with its nodes, and P-1 without its start node, 60 up: across the
-  // main, which runs up x = 70 from 40 to 90.
-  ASSERT_EQ(Run({"copy", site_, "--network", "Sewer", "--pipes", "P-1,P-2",
+  // P-1 without its start node is refused: its copy would link to nothing.
+  const std::string before = Bytes(site_);
+  EXPECT_EQ(Run({"copy", site_, "--network", "Sewer", "--pipes", "P-1,P-2",
+                 "--nodes", "N-2,N-3", "--by", "0,60"}),
+            1);
+  EXPECT_NE(err_.str().find("add N-1 to --nodes"), std::string::npos)
+      << err_.str();
+  EXPECT_TRUE(Bytes(site_) == before);
+  // P-2 with its nodes, 60 up: across the main, which runs up x = 70 from
+  // 40 to 90.
+  ASSERT_EQ(Run({"copy", site_, "--network", "Sewer", "--pipes", "P-2",
                  "--nodes", "N-2,N-3", "--by", "0,60"}),
             0)
       << err_.str();

@@ -85,13 +85,14 @@ TEST_F(CrossingCommands, SettingsAreStoredAndApplied) {
             0)
       << err_.str();
   EXPECT_TRUE(
-      Says("{\"threshold\": \"-0.5\", \"pairs\": [{\"networks\": "
+      Says("{\"threshold\": -0.5, \"pairs\": [{\"networks\": "
            "[\"Sewer\", \"Water\"], \"enabled\": false}], "
            "\"annotations\": 2, \"shown\": 0"))
       << out_.str();
   EXPECT_TRUE(
       Says("\"pipe2\": {\"network\": \"Water\", \"label\": \"W-2\", "
-           "\"size\": \"%%c200\", \"invert\": 10.5}"))
+           "\"size\": {\"shape\": \"circular\", \"span\": 200, \"rise\": "
+           "200, \"cells\": 1}, \"invert\": 10.5}"))
       << out_.str();
   auto doc = dxf::LoadDrawing(site);
   EXPECT_EQ(

@@ -1,6 +1,7 @@
 """Pipes and nodes written by another program get crossing annotations and
 low/high points from kestrana; ezdxf reads the result back.
 Run: python3 THIS_FILE path/to/kestrana"""
+import json
 import os
 import subprocess
 import sys
@@ -125,8 +126,13 @@ def main():
         assert all(m.dxf.layer == "Water - Low&High Points"
                    for m in markers.values())
 
-        listed = run("crossings", drawing, "--list", "--json").stdout
-        assert '"label": "W-2", "size": "%%c250", "invert": 95}' in listed, listed
+        listed = json.loads(
+            run("crossings", drawing, "--list", "--json").stdout)
+        pipes = [c[p] for c in listed["crossings"] for p in ("pipe1", "pipe2")]
+        w2 = next(p for p in pipes if p["label"] == "W-2")
+        assert w2["size"] == {"shape": "circular", "span": 250, "rise": 250,
+                              "cells": 1}, w2
+        assert w2["invert"] == 95, w2
     print("ok")
 
 

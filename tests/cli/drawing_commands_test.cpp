@@ -98,7 +98,7 @@ TEST_F(DrawingCommands, DumpListsEveryKestranaRecord) {
   EXPECT_NE(
       out_.str().find(
           "\"record\": [[1001, \"Kestrana\"], [1000, \"Pipe;Sewer;P-1\"], "
-          "[1040, 200.0]]"),
+          "[1040, 200]]"),
       std::string::npos)
       << out_.str();
 }

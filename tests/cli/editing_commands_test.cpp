@@ -1,6 +1,7 @@
 // kestrana convert, node set, pipe set, ground and demo on drawing files.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -8,6 +9,8 @@
 #include "cli/command.h"
 #include "cli/command_fixture.h"
 #include "cli/demo.h"
+#include "profile/profile.h"
+#include "profile/profile_record.h"
 #include "commands/project.h"
 #include "core/general.h"
 #include "core/names.h"
@@ -119,6 +122,69 @@ TEST_F(EditingCommands, ConvertTurnsTheChosenLinesIntoANetwork) {
   core::Record p3 = Element(*doc, "Sewer", "Pipe", "P-3");
   EXPECT_EQ(p3.Text(PipeField::kStartNodeLabel), ";RelatedToN-4");
   EXPECT_EQ(p3.Text(PipeField::kEndNodeLabel), ";RelatedToN-1");
+}
+
+TEST_F(EditingCommands, ConvertLabelsPolylinesInTheOrderOfTheFile) {
+  // Three polylines and a line, written so that the file's order is not
+  // the order of their handles: the last polyline made stands first.
+  {
+    memhost::MemDocument doc;
+    commands::NewProject(doc, {"Metric"});
+    doc.ModelSpace().AddLine({-20, 0, 0}, {0, 0, 0});
+    for (double x : {0.0, 20.0, 40.0})
+      doc.ModelSpace().AddLightWeightPolyline({x, 0, x + 20, 0});
+    dxf::SaveDrawing(doc, path_);
+  }
+  std::istringstream in(Bytes(path_));
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  auto trimmed = [](std::string t) {
+    while (!t.empty() && (t.back() == '\r' || t.front() == ' '))
+      t.erase(t.back() == '\r' ? t.size() - 1 : 0, 1);
+    return t;
+  };
+  const size_t section =
+      std::find(lines.begin(), lines.end(), "ENTITIES\r") != lines.end()
+          ? std::find(lines.begin(), lines.end(), "ENTITIES\r") - lines.begin()
+          : std::find(lines.begin(), lines.end(), "ENTITIES") - lines.begin();
+  ASSERT_LT(section, lines.size());
+  // The entities as groups of lines, each starting at its "0" tag.
+  std::vector<std::vector<std::string>> entities;
+  size_t at = section + 1;
+  for (; trimmed(lines[at + 1]) != "ENDSEC"; at += 2) {
+    if (trimmed(lines[at]) == "0") entities.emplace_back();
+    entities.back().push_back(lines[at]);
+    entities.back().push_back(lines[at + 1]);
+  }
+  std::vector<size_t> polylines;
+  for (size_t i = 0; i < entities.size(); ++i)
+    if (trimmed(entities[i][1]) == "LWPOLYLINE") polylines.push_back(i);
+  ASSERT_EQ(polylines.size(), 3u);
+  std::swap(entities[polylines[0]], entities[polylines[2]]);  // 40, 20, 0
+  std::swap(entities[polylines[1]], entities[polylines[2]]);  // 40, 0, 20
+  std::string text;
+  for (size_t i = 0; i <= section; ++i) text += lines[i] + "\n";
+  for (const auto& entity : entities)
+    for (const std::string& line : entity) text += line + "\n";
+  for (size_t i = at; i < lines.size(); ++i)
+    text += lines[i] + (i + 1 < lines.size() ? "\n" : "");
+  std::ofstream(path_, std::ios::binary) << text;
+
+  ASSERT_EQ(Run({"convert", path_, "--network", "Sewer", "--type", "Gravity",
+                 "--all"}),
+            0)
+      << err_.str();
+  auto doc = Load();
+  auto start_x = [&](const char* label) {
+    return host::As<host::LwPolyline>(
+               test::ElementLabelled(*doc, "Sewer", "Pipe", label))
+        .Coordinates()[0];
+  };
+  // Polylines in the file's order, then the line drawn before them all.
+  EXPECT_EQ(start_x("P-1"), 40);
+  EXPECT_EQ(start_x("P-2"), 0);
+  EXPECT_EQ(start_x("P-3"), 20);
+  EXPECT_EQ(start_x("P-4"), -20);
 }
 
 TEST_F(EditingCommands, ConvertPicksByHandlesOrWindowIntoAnExistingNetwork) {
@@ -292,7 +358,7 @@ TEST_F(EditingCommands, GroundTakesLevelsFromTheSurfaceAndNamesNodesOutside) {
       << out_.str();
   // N-1 (100, 0) and N-2 (150, 0) of the sewer, N-3 (125, 30) of the main.
   EXPECT_NE(err_.str().find("3 nodes lie outside the surface and keep their "
-                            "ground levels: Sewer N-1; Sewer N-2; Water N-3;"),
+                            "ground levels: Sewer N-1, Sewer N-2, Water N-3\n"),
             std::string::npos)
       << err_.str();
   auto doc = Load();
@@ -308,7 +374,7 @@ TEST_F(EditingCommands, GroundRefusals) {
   Converted();
   const std::string surface = Surface();
   Refused({"ground", path_, "--surface", path_, "--networks", "Sewer"},
-          "not well-formed XML");
+          "is not a LandXML surface file");
   Refused({"ground", path_, "--surface", WriteSurface("svg.xml", "<svg/>"),
            "--networks", "Sewer"},
           "not a LandXML file");
@@ -362,6 +428,18 @@ TEST_F(EditingCommands, DemoDesignsTheExampleTown) {
   EXPECT_EQ(crossings, 3);
   EXPECT_GT(
       lowhigh::LowHigh::GetExistingLowHighPointsSet(*doc, "Water").Count(), 0);
+  // The main sewer's profile with its ground from the surface, and a water
+  // main's, each drawn once; the sewer's picture beside the plan.
+  EXPECT_EQ(Bytes(out + "/sewer-profile.png").substr(1, 3), "PNG");
+  EXPECT_EQ(profile::Profile::GetExistingProfileSet(*doc, "Sewer").Count(), 1);
+  EXPECT_EQ(profile::Profile::GetExistingProfileSet(*doc, "Water").Count(), 1);
+  const core::Record sewer = core::Record::ReadRequired(
+      profile::Profile::GetExistingProfileSet(*doc, "Sewer").Item(0));
+  EXPECT_EQ(sewer.Text(profile::ProfileField::kGround), "1;Existing Ground");
+  EXPECT_NE(report.find("Main Sewer  Sewer  1 part  pipes P-2 P-3 P-4 P-5 "
+                        "P-6 P-7"),
+            std::string::npos)
+      << report;
 }
 
 }  // namespace

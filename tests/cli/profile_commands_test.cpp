@@ -99,7 +99,7 @@ TEST_F(ProfileCommandLine, BadInputLeavesTheDrawingAsItWas) {
                 .find("line 6, item 5 (text): 3 fields where 4 are needed"),
             std::string::npos);
   EXPECT_NE(Refused({"profile", "style", "import", site_, Path("none.txt")})
-                .find("there is no style file"),
+                .find("cannot open the profile style file"),
             std::string::npos);
   EXPECT_NE(Refused({"profile", "style", "delete", site_, "Deep"})
                 .find("no profile style named \"Deep\""),
@@ -116,7 +116,7 @@ TEST_F(ProfileCommandLine, BadInputLeavesTheDrawingAsItWas) {
             std::string::npos);
   EXPECT_NE(Refused({"profile", "data", site_, "--network", "Sewer", "--pipes",
                      "P-1", "--surface", Path("none.xml")})
-                .find("there is no surface file"),
+                .find("cannot open the surface file"),
             std::string::npos);
   Write(Path("broken.xml"), "<LandXML><Surfaces>");
   EXPECT_NE(Refused({"profile", "data", site_, "--network", "Sewer", "--pipes",
@@ -154,11 +154,116 @@ TEST_F(ProfileCommandLine, DataAsATableAndAsJson) {
                  "P-1", "--json"}),
             0);
   const std::string json = out_.str();
-  EXPECT_EQ(json.rfind("{\"labels\": [\"P-1\"],\n \"oids\": [\"", 0), 0u)
-      << json;
-  EXPECT_NE(json.find("\"directions\": [\"1\"]"), std::string::npos)
+  // Object IDs and directions as numbers, labels as texts.
+  EXPECT_EQ(json.rfind("{\"labels\": [\"P-1\"], \"oids\": [21", 0), 0u) << json;
+  EXPECT_NE(json.find("\"directions\": [1]"), std::string::npos)
       << "from MH-2, the lower end";
   EXPECT_NE(json.find("[\"MH-2\", \"MH-1\"]"), std::string::npos);
+}
+
+
+TEST_F(ProfileCommandLine, DrawListUpdateAndDelete) {
+  const std::string out = Path("drawn.dxf");
+  EXPECT_EQ(Run({"profile", "draw", site_, "--network", "Sewer", "--name",
+                 "Main", "--pipes", "P-1,P-2", "--start", "0,0", "--at",
+                 "0,-300", "--plan-name", "-o", out}),
+            0)
+      << err_.str();
+  EXPECT_NE(out_.str().find("Drew the profile \"Main\" of \"Sewer\" (2 "
+                            "pipes) at 0,-300"),
+            std::string::npos)
+      << out_.str();
+  EXPECT_EQ(Run({"profile", "list", out, "--json"}), 0) << err_.str();
+  EXPECT_EQ(out_.str(),
+            "[{\"name\": \"Main\", \"network\": \"Sewer\", \"style\": "
+            "\"Standard\", \"block\": \"Kestrana_Profile_Sewer_Main\", "
+            "\"pipes\": [\"P-1\", \"P-2\"], \"at\": [0, -300], "
+            "\"plan_annotation\": true, \"needs_update\": false}]\n");
+  // The picture of the profile block alone.
+  EXPECT_EQ(Run({"render", out, "--block", "Kestrana_Profile_Sewer_Main", "-o",
+                 Path("main.svg")}),
+            0)
+      << err_.str();
+
+  // Nothing flagged: nothing to redraw, the file is not touched.
+  const std::string before = Bytes(out);
+  EXPECT_EQ(Run({"profile", "update", out, "--all-flagged"}), 0);
+  EXPECT_NE(out_.str().find("No profile needs an update"), std::string::npos);
+  EXPECT_EQ(Bytes(out), before);
+  EXPECT_EQ(Run({"profile", "update", out, "--network", "Sewer", "--name",
+                 "main"}),
+            0)
+      << err_.str();
+  EXPECT_NE(out_.str().find("Redrew the profile \"Main\""), std::string::npos);
+
+  EXPECT_EQ(Run({"profile", "delete", out, "--network", "Sewer", "--name",
+                 "Main"}),
+            0)
+      << err_.str();
+  EXPECT_EQ(Run({"profile", "list", out}), 0);
+  EXPECT_EQ(out_.str(), "The drawing holds no profiles.\n");
+}
+
+TEST_F(ProfileCommandLine, UpdateTakesTheGroundSurfaceAgain) {
+  const std::string ground = Path("ground.xml");
+  Write(ground,
+        "<LandXML><Surfaces><Surface name=\"EG\"><Definition "
+        "surfType=\"TIN\"><Pnts><P id=\"1\">-50 -50 101</P><P id=\"2\">"
+        "300 -50 101</P><P id=\"3\">-50 300 101</P></Pnts><Faces><F>1 2 "
+        "3</F></Faces></Definition></Surface></Surfaces></LandXML>");
+  ASSERT_EQ(Run({"profile", "draw", site_, "--network", "Sewer", "--name",
+                 "Main", "--pipes", "P-1,P-2", "--at", "0,-300", "--surface",
+                 ground}),
+            0)
+      << err_.str();
+  EXPECT_NE(Refused({"profile", "update", site_, "--network", "Sewer",
+                     "--name", "Main"})
+                .find("takes its ground from the surface \"EG\""),
+            std::string::npos);
+  EXPECT_EQ(Run({"profile", "update", site_, "--network", "Sewer", "--name",
+                 "Main", "--surface", ground}),
+            0)
+      << err_.str();
+}
+
+TEST_F(ProfileCommandLine, DrawRefusesBadRequests) {
+  const std::vector<std::string> main = {
+      "profile", "draw", site_, "--network", "Sewer", "--name", "Main",
+      "--pipes", "P-1,P-2", "--at", "0,-300"};
+  auto with = [&](std::vector<std::string> extra) {
+    std::vector<std::string> args = main;
+    args.insert(args.end(), extra.begin(), extra.end());
+    return args;
+  };
+  EXPECT_NE(Refused(with({"--style", "Deep"})).find("Deep"),
+            std::string::npos);
+  EXPECT_NE(Refused(with({"--datum", "99.5"})).find("above the lowest level"),
+            std::string::npos);
+  EXPECT_NE(Refused(with({"--start", "40,200"}))
+                .find("far from both free ends of the run"),
+            std::string::npos);
+  EXPECT_NE(Refused(with({"--datum", "low"}), 2).find("--datum"),
+            std::string::npos);
+  Write(Path("far.xml"),
+        "<LandXML><Surfaces><Surface name=\"Far\"><Definition "
+        "surfType=\"TIN\"><Pnts><P id=\"1\">1000 1000 5</P><P id=\"2\">"
+        "1000 1010 5</P><P id=\"3\">1010 1000 5</P></Pnts><Faces><F>1 2 "
+        "3</F></Faces></Definition></Surface></Surfaces></LandXML>");
+  EXPECT_FALSE(Refused(with({"--surface", Path("far.xml")})).empty());
+  Refused({"profile", "draw", site_, "--network", "Sewer", "--name", "Main",
+           "--pipes", "P-1"},
+          2);  // no --at
+  Refused({"profile", "update", site_}, 2);
+  EXPECT_NE(Refused({"profile", "delete", site_, "--network", "Sewer",
+                     "--name", "Main"})
+                .find("no profile named \"Main\""),
+            std::string::npos);
+  // A second profile of the same name, in another letter case.
+  EXPECT_EQ(Run(main), 0) << err_.str();
+  EXPECT_NE(Refused({"profile", "draw", site_, "--network", "Sewer", "--name",
+                     "MAIN", "--pipes", "P-1", "--at", "0,-600"})
+                .find("already has a profile named \"MAIN\""),
+            std::string::npos);
 }
 
 }  // namespace

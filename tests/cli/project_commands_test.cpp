@@ -73,7 +73,7 @@ TEST_F(ProjectCommands, NetworksAreAddedAndListed) {
   ASSERT_EQ(Run({"network", "list", site, "--json"}), 0);
   EXPECT_EQ(out_.str(),
             "[{\"name\": \"Sewer A\", \"type\": \"Gravity\", \"pipes\": 0, "
-            "\"nodes\": 0},\n {\"name\": \"Water 1\", \"type\": "
+            "\"nodes\": 0}, {\"name\": \"Water 1\", \"type\": "
             "\"Pressure\", \"pipes\": 0, \"nodes\": 0}]\n");
   auto doc = dxf::LoadDrawing(site);
   EXPECT_EQ(
@@ -113,8 +113,9 @@ TEST_F(ProjectCommands, NetworksAreDeletedByName) {
   ASSERT_EQ(Run({"network", "add", site, "Water", "--type", "Pressure"}), 0);
   const std::string before = Bytes(site);
   EXPECT_EQ(Run({"network", "delete", site, "Gas"}), 1);
-  EXPECT_EQ(err_.str(),
-            "kestrana network delete: There is no network named \"Gas\"\n");
+  EXPECT_EQ(
+      err_.str(),
+      "kestrana network delete: the project has no network named \"Gas\"\n");
   EXPECT_EQ(Bytes(site), before);
 
   ASSERT_EQ(Run({"network", "delete", site, "Sewer"}), 0) << err_.str();

@@ -15,7 +15,7 @@ TEST(NetworkList, PrintsATableOrJson) {
                                              {"Water 1", "Pressure", 0, 1}};
   EXPECT_EQ(NetworksJson(networks),
             "[{\"name\": \"S\", \"type\": \"Gravity\", \"pipes\": 2, "
-            "\"nodes\": 0},\n {\"name\": \"Water 1\", \"type\": "
+            "\"nodes\": 0}, {\"name\": \"Water 1\", \"type\": "
             "\"Pressure\", \"pipes\": 0, \"nodes\": 1}]\n");
   EXPECT_EQ(NetworksTable(networks),
             "NAME     TYPE      PIPES  NODES\n"

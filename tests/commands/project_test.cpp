@@ -51,7 +51,7 @@ TEST(NewProject, OnceOnly) {
 TEST(AddNetwork, ChecksNameAndType) {
   auto doc = test::NewProjectDocument();
   EXPECT_THROW(AddNetwork(*doc, {"Sewer", "gravity"}), OptionError);
-  EXPECT_THROW(AddNetwork(*doc, {"", "Gravity"}), OptionError);
+  EXPECT_THROW(AddNetwork(*doc, {"", "Gravity"}), InvalidInputError);
   EXPECT_NE(ErrorOf([&] { AddNetwork(*doc, {"A;B", "Gravity"}); }), "");
   EXPECT_NE(ErrorOf([&] { AddNetwork(*doc, {"A=B", "Gravity"}); }), "");
   AddNetwork(*doc, {"Sewer A", "Gravity"});
@@ -59,7 +59,23 @@ TEST(AddNetwork, ChecksNameAndType) {
               AddNetwork(*doc, {"Sewer A", "Pressure"});
             }),
             "A network named \"Sewer A\" already exists");
-  AddNetwork(*doc, {"sewer a", "Pressure"});
+  // Its layers would be the same layers: letter case makes no new name.
+  EXPECT_EQ(ErrorOf([&] {
+              AddNetwork(*doc, {"sewer a", "Pressure"});
+            }),
+            "A network named \"Sewer A\" already exists (names that differ "
+            "only in letter case are the same name)");
+  EXPECT_EQ(core::General::GetNetworkNames(*doc),
+            (std::vector<std::string>{"Sewer A"}));
+  // A drawing that holds both already (as older versions let it): neither
+  // is deleted, since the one's filters would take the other's elements.
+  core::General::CreateNetworkDefintion(*doc, "sewer a", "Pressure");
+  for (const char* name : {"sewer a", "Sewer A"})
+    EXPECT_NE(ErrorOf([&] {
+                DeleteNetwork(*doc, {name});
+              }).find("share their layers"),
+              std::string::npos)
+        << name;
   EXPECT_EQ(core::General::GetNetworkNames(*doc),
             (std::vector<std::string>{"Sewer A", "sewer a"}));
 }

@@ -56,6 +56,19 @@ TEST(NumericValue, OutOfRange) {
   EXPECT_EQ(NumericValue("1e-400"), 0);
 }
 
+TEST(NumericValue, InRangeOnlyWhatADrawingHolds) {
+  EXPECT_EQ(ParseNumberInRange(" 1e9 "), 1e9);
+  EXPECT_EQ(ParseNumberInRange("-1000000000"), -1e9);
+  EXPECT_EQ(ParseNumberInRange("0.5"), 0.5);
+  for (const char* bad :
+       {"1000000000.5", "-2e9", "1e400", "nan", "inf", "", "12abc"})
+    EXPECT_EQ(ParseNumberInRange(bad), std::nullopt) << bad;
+  EXPECT_FALSE(InNumberRange(std::nan("")));
+  EXPECT_FALSE(InNumberRange(-HUGE_VAL));
+  EXPECT_TRUE(InNumberRange(-1e9));
+  EXPECT_EQ(NumberRangeText(), "from -1000000000 to 1000000000");
+}
+
 TEST(NumericValue, OfRecordValues) {
   EXPECT_EQ(NumericValue(host::XValue("2.5 m")), 2.5);
   EXPECT_EQ(NumericValue(host::XValue(12.75)), 12.75);

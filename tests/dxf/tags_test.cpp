@@ -107,6 +107,12 @@ TEST(Values, RealsWriteInTheirShortestExactForm) {
   EXPECT_EQ(FormatReal(-0.0), "0.0");
   EXPECT_EQ(FormatReal(0.1), "0.1");
   EXPECT_EQ(FormatHandle(0xAB12), "AB12");
+  // What the reader refuses is never written.
+  for (double v : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
+    EXPECT_THROW(FormatReal(v), InvalidInputError) << v;
+    double back = 0;
+    EXPECT_FALSE(ParseReal(std::to_string(v), back)) << std::to_string(v);
+  }
 }
 
 TEST(Values, DecimalsReadExactlyAsTheCLibraryReadsThem) {

@@ -55,6 +55,14 @@ TEST(LandXml, TheBundledExampleFollowsItsGroundFormula) {
 }
 
 TEST(LandXml, BadFilesNameWhatIsWrong) {
+  for (const char* elevation : {"nan", "inf", "-1e10", "1e999"})
+    EXPECT_NE(ErrorOf(Wrap("<Surface name=\"EG\"><Definition><Pnts>"
+                           "<P id=\"1\">0 0 " +
+                           std::string(elevation) +
+                           "</P></Pnts></Definition></Surface>"))
+                  .find("each a number from -1000000000 to 1000000000"),
+              std::string::npos)
+        << elevation;
   EXPECT_NE(ErrorOf("not xml <").find("not well-formed XML"),
             std::string::npos);
   EXPECT_NE(ErrorOf("<root/>").find("not a LandXML file"), std::string::npos);

@@ -81,8 +81,10 @@ TEST_F(ProfileCommands, StylesAreListedWithTheirProfiles) {
   const ProfileStyleShowResult shown = ProfileStyleShow(*doc_, {"Standard"});
   EXPECT_EQ(shown.items.size(), 21u);
   EXPECT_EQ(shown.items[5], "Standard;2;2.5;5");
-  EXPECT_EQ(ErrorOf([&] { ProfileStyleShow(*doc_, {"standard"}); }),
-            "there is no profile style named \"standard\" (the drawing has "
+  // Letter case makes no other name.
+  EXPECT_EQ(ProfileStyleShow(*doc_, {"STANDARD"}).items, shown.items);
+  EXPECT_EQ(ErrorOf([&] { ProfileStyleShow(*doc_, {"Standard 2"}); }),
+            "there is no profile style named \"Standard 2\" (the drawing has "
             "\"Standard\")");
 }
 
@@ -119,6 +121,16 @@ TEST_F(ProfileCommands, ImportRefusesBadNamesAndSettings) {
               ProfileStyleImport(*doc_, {items, "A;B"});
             }).find("contains a character"),
             std::string::npos);
+  EXPECT_NE(ErrorOf([&] {
+              ProfileStyleImport(*doc_, {items, "Grid\n2"});
+            }).find("control character"),
+            std::string::npos);
+  EXPECT_EQ(ErrorOf([&] {
+              ProfileStyleImport(*doc_, {items, "STANDARD"});
+            }),
+            "the drawing already has a profile style named \"Standard\" "
+            "(names that differ only in letter case are the same name); "
+            "import it under another name with --name");
   items[1] = ";;";
   EXPECT_NE(ErrorOf([&] {
               ProfileStyleImport(*doc_, {items});

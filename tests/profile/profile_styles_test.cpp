@@ -129,16 +129,20 @@ TEST(ProfileStyleFile, ValuesThatMustBeNumbersAreChecked) {
             "than 0");
   EXPECT_EQ(error(18, "9;Station;0;2;2;ten;0"),
             "item 18 (station band), field 5 (station interval): \"ten\" is "
-            "not a number");
+            "not a number from -1000000000 to 1000000000");
   EXPECT_EQ(error(6, "1;0"),
             "item 6 (part splitting), field 1 (maximum part length): 0 must "
             "be greater than 0");
   EXPECT_EQ(error(6, "0;0"), "") << "no parts, no length";
   EXPECT_EQ(error(12, "x;Length;1;2;0"),
-            "item 12 (length band), field 0 (position): \"x\" is not a number");
+            "item 12 (length band), field 0 (position): \"x\" is not a number "
+            "from -1000000000 to 1000000000");
   EXPECT_EQ(error(8, "1;1;1;9e999"),
             "item 8 (elevation grid), field 3 (elevation interval): \"9e999\" "
-            "is not a number");
+            "is not a number from -1000000000 to 1000000000");
+  EXPECT_EQ(error(8, "1;1;1;2e9"),
+            "item 8 (elevation grid), field 3 (elevation interval): \"2e9\" "
+            "is not a number from -1000000000 to 1000000000");
   EXPECT_NE(error(7, "1000;100;1").find("holds 3 fields instead of 4"),
             std::string::npos);
 }

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
+#include <optional>
 #include <stdexcept>
 
 namespace kestrana::render {
@@ -17,7 +17,9 @@ const char* kSvg =
     "viewBox=\"0 0 4 2\"><rect width=\"4\" height=\"2\" "
     "fill=\"#ff0000\"/></svg>\n";
 
-class SavePictureTest : public ::testing::Test {
+// Scratch files go to a folder of the test's own, which must be empty
+// afterwards.
+class PictureBytesTest : public ::testing::Test {
  protected:
   void SetUp() override {
     dir_ =
@@ -27,20 +29,23 @@ class SavePictureTest : public ::testing::Test {
          "_" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
     fs::remove_all(dir_);
     fs::create_directories(dir_);
+    const char* tmpdir = std::getenv("TMPDIR");
+    if (tmpdir) saved_tmpdir_ = tmpdir;
+    ::setenv("TMPDIR", dir_.c_str(), 1);
   }
-  void TearDown() override { fs::remove_all(dir_); }
-
-  static std::string Read(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
+  void TearDown() override {
+    if (saved_tmpdir_)
+      ::setenv("TMPDIR", saved_tmpdir_->c_str(), 1);
+    else
+      ::unsetenv("TMPDIR");
+    fs::remove_all(dir_);
   }
   size_t FilesInDir() const {
     return static_cast<size_t>(std::distance(fs::directory_iterator(dir_), {}));
   }
 
   fs::path dir_;
+  std::optional<std::string> saved_tmpdir_;
 };
 
 TEST(PictureFormat, ComesFromTheFileName) {
@@ -50,17 +55,13 @@ TEST(PictureFormat, ComesFromTheFileName) {
   EXPECT_THROW(FormatOf("plan"), std::invalid_argument);
 }
 
-TEST_F(SavePictureTest, SvgIsWrittenAsIs) {
-  fs::path out = dir_ / "plan.svg";
-  SavePicture(kSvg, out.string());
-  EXPECT_EQ(Read(out), kSvg);
-  EXPECT_EQ(FilesInDir(), 1u);
+TEST_F(PictureBytesTest, SvgIsTheSvgAsDrawn) {
+  EXPECT_EQ(PictureBytes(kSvg, PictureFormat::kSvg), kSvg);
+  EXPECT_EQ(FilesInDir(), 0u);
 }
 
-TEST_F(SavePictureTest, PngComesFromRsvgConvertAtThePicturesSize) {
-  fs::path out = dir_ / "plan.png";
-  SavePicture(kSvg, out.string());
-  std::string png = Read(out);
+TEST_F(PictureBytesTest, PngComesFromRsvgConvertAtThePicturesSize) {
+  const std::string png = PictureBytes(kSvg, PictureFormat::kPng);
   ASSERT_GE(png.size(), 24u);
   EXPECT_EQ(png.substr(0, 8), "\x89PNG\r\n\x1a\n");
   // The header chunk holds width and height, big-endian.
@@ -72,21 +73,19 @@ TEST_F(SavePictureTest, PngComesFromRsvgConvertAtThePicturesSize) {
   };
   EXPECT_EQ(be32(16), 40u);
   EXPECT_EQ(be32(20), 20u);
-  EXPECT_EQ(FilesInDir(), 1u);
+  EXPECT_EQ(FilesInDir(), 0u);
 }
 
-TEST_F(SavePictureTest, AFailedConversionLeavesNothingBehind) {
-  fs::path out = dir_ / "plan.png";
-  { std::ofstream(out) << "earlier picture"; }
+TEST_F(PictureBytesTest, AFailedConversionSaysWhyAndLeavesNothingBehind) {
   try {
-    SavePicture(kSvg, out.string(), "kestrana-no-such-converter");
+    PictureBytes(kSvg, PictureFormat::kPng, "kestrana-no-such-converter");
     FAIL() << "a missing converter went unnoticed";
   } catch (const std::runtime_error& e) {
     EXPECT_NE(std::string(e.what()).find("librsvg2-bin"), std::string::npos);
   }
-  EXPECT_THROW(SavePicture(kSvg, out.string(), "false"), std::runtime_error);
-  EXPECT_EQ(Read(out), "earlier picture");
-  EXPECT_EQ(FilesInDir(), 1u);
+  EXPECT_THROW(PictureBytes(kSvg, PictureFormat::kPng, "false"),
+               std::runtime_error);
+  EXPECT_EQ(FilesInDir(), 0u);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "support/elements.h"
 
 #include <charconv>
+#include <cmath>
 #include <optional>
 #include <stdexcept>
 
@@ -81,6 +82,33 @@ std::vector<std::string> DanglingLinks(host::Document& doc) {
         }
       }
     }
+  }
+  return found;
+}
+
+std::vector<std::string> PipeEndsOffNodes(host::Document& document) {
+  using core::PipeField;
+  std::vector<std::string> found;
+  for (host::Entity* e : document.ModelSpace().Entities()) {
+    std::optional<core::Record> record = core::Record::Read(*e);
+    if (!record || !record->Has(PipeField::kElementType) ||
+        !record->Value(PipeField::kElementType).IsText() ||
+        record->Text(PipeField::kElementType).find(core::kPipeKind) ==
+            std::string::npos)
+      continue;
+    const std::vector<double> xy = host::As<host::LwPolyline>(*e).Coordinates();
+    auto check = [&](const char* end, size_t at, PipeField node_field) {
+      const host::Point3 p =
+          host::As<host::BlockReference>(
+              core::EntityFromReference(document, record->Text(node_field)))
+              .InsertionPoint();
+      const double off = std::hypot(xy[at] - p.x, xy[at + 1] - p.y);
+      if (off > 0.00001)
+        found.push_back(record->Text(PipeField::kCombinedLabel) + " " + end +
+                        " off its node by " + std::to_string(off));
+    };
+    check("starts", 0, PipeField::kStartNodeOID);
+    check("ends", xy.size() - 2, PipeField::kEndNodeOID);
   }
   return found;
 }

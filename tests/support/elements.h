@@ -28,4 +28,8 @@ std::string MaterialUses(host::Document& document, const std::string& material);
 // record of model space stores that names no live object.
 std::vector<std::string> DanglingLinks(host::Document& document);
 
+// "<pipe> starts off its node N-1 by 3.2" for every pipe of model space whose
+// first or last vertex lies farther than 0.00001 from its node's point.
+std::vector<std::string> PipeEndsOffNodes(host::Document& document);
+
 }  // namespace kestrana::test

@@ -187,6 +187,60 @@ TEST_F(Placing, NewElementsAreAnnotatedWithTheActiveStyle) {
       std::invalid_argument);
 }
 
+TEST_F(Placing, ANewElementAndAStyleAppliedAgainDifferOnlyInAttributeLayers) {
+  // A new element's annotation is inserted on the user's current layer and
+  // only the reference is moved to the annotation layer; applying a style
+  // makes the annotation layer current first. So the attributes' layers
+  // differ, and nothing else may.
+  doc_->GetLayers().Add("Survey");
+  doc_->SetActiveLayer(doc_->GetLayers().Item("Survey"));
+  struct Shown {
+    std::string reference_layer, layer, text, style;
+    host::Point3 at;
+    double rotation, height;
+    host::TextAlignment alignment;
+  };
+  auto shown = [&](host::Entity& element) {
+    host::BlockReference* annotation = element.EntityName() == "LWPOLYLINE"
+                                           ? PipeAnnotation(element)
+                                           : NodeAnnotation(element);
+    EXPECT_NE(annotation, nullptr);
+    std::vector<Shown> out;
+    for (host::AttributeReference* a : annotation->GetAttributes())
+      out.push_back({annotation->Layer(), a->Layer(), a->TextString(),
+                     a->StyleName(), a->TextAlignmentPoint(), a->Rotation(),
+                     a->Height(), a->Alignment()});
+    return out;
+  };
+  std::vector<host::Entity*> elements = {p1_, mh1_, mh2_};
+  ViewStyle::DefineAttributeBlocks(*doc_, Format());
+  std::vector<std::vector<Shown>> inserted;
+  for (host::Entity* element : elements) {
+    ViewStyle::InsertAnnotationsForNewEntity(*doc_, *element, 0);
+    inserted.push_back(shown(*element));
+  }
+  Apply("Sewer");
+  for (size_t e = 0; e < elements.size(); ++e) {
+    const std::vector<Shown> applied = shown(*elements[e]);
+    ASSERT_EQ(applied.size(), inserted[e].size());
+    ASSERT_FALSE(applied.empty());
+    for (size_t i = 0; i < applied.size(); ++i) {
+      const Shown &before = inserted[e][i], &after = applied[i];
+      EXPECT_EQ(before.reference_layer, "Sewer - Annotation");
+      EXPECT_EQ(after.reference_layer, "Sewer - Annotation");
+      EXPECT_EQ(before.layer, "Survey");
+      EXPECT_EQ(after.layer, "Sewer - Annotation");
+      EXPECT_EQ(before.text, after.text);
+      EXPECT_EQ(before.style, after.style);
+      EXPECT_EQ(before.at, after.at);
+      EXPECT_EQ(before.rotation, after.rotation);
+      EXPECT_EQ(before.height, after.height);
+      EXPECT_EQ(before.alignment, after.alignment);
+    }
+  }
+  EXPECT_EQ(doc_->ActiveLayer().Name(), "Survey");
+}
+
 TEST_F(Placing, RefreshingTextsOnlyOrTextsAndPlaces) {
   StoreStyle();
   Apply("Sewer");

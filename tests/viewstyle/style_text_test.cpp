@@ -83,6 +83,12 @@ TEST(StyleText, HandWrittenFilesMayCommentAndQuoteAsTheyLike) {
 TEST(StyleText, ErrorsNameTheLineAndTheItem) {
   const std::string good = WriteStyleText(StandardViewStyle(true));
   ASSERT_EQ(ErrorOf(good), "");
+  for (const char* height : {"nan", "inf", "1e10", "1e999", "-2"})
+    EXPECT_EQ(ErrorOf(Edited("text height = ",
+                             std::string("text height = ") + height)),
+              std::string("line 2: the text height is a positive number up "
+                          "to 1000000000, not \"") +
+                  height + "\"");
   // "text height" is line 2; the gravity pipe section starts on line 4.
   EXPECT_EQ(ErrorOf(Edited("size = ", "colour = show")),
             "line 7: unknown item \"colour\" in [gravity pipe]");
@@ -133,10 +139,12 @@ TEST(StyleText, ErrorsNameTheLineAndTheItem) {
   EXPECT_EQ(ErrorOf(Edited("label = ", "label show")),
             "line 5: expected \"item = settings\", not \"label show\"");
   EXPECT_EQ(ErrorOf(Edited("text height", "text height = 0")),
-            "line 2: the text height is a positive number, not \"0\"");
+            "line 2: the text height is a positive number up to 1000000000, "
+            "not \"0\"");
   // Beyond the range of a number is no height either.
   EXPECT_EQ(ErrorOf(Edited("text height", "text height = 3e999")),
-            "line 2: the text height is a positive number, not \"3e999\"");
+            "line 2: the text height is a positive number up to 1000000000, "
+            "not \"3e999\"");
   EXPECT_EQ(ErrorOf("label = show\n" + good),
             "line 1: unknown item \"label\"; before the first section come "
             "only text style and text height");
