@@ -97,7 +97,7 @@ DrawingIndex::DrawingIndex(host::Document& document) : document_(&document) {
   for (host::Entity* entity : document.ModelSpace().Entities()) {
     std::optional<core::Record> record = core::Record::Read(*entity);
     if (!record) continue;
-    Item item{entity, *record, FieldText(*record, 2), "", "", false};
+    Item item{entity, *record, FieldText(*record, 2), "", "", false, ""};
     std::vector<std::string> pieces = core::Split(FieldText(*record, 1));
     if (pieces.size() > 1) item.network = pieces[1];
     if (pieces.size() > 2) item.label = pieces[2];

@@ -13,6 +13,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "check/audit.h"
@@ -22,6 +23,7 @@
 #include "commands/element_data.h"
 #include "commands/networks.h"
 #include "commands/pipes.h"
+#include "commands/profile_draw.h"
 #include "commands/project.h"
 #include "commands/styles.h"
 #include "core/lists.h"
@@ -75,6 +77,9 @@ class Model {
         {3, [&] { return StyleApply(); }},
         {4, [&] { return CrossingSettings(); }},
         {4, [&] { return SaveAndReload(); }},
+        {4, [&] { return ProfileDraw(); }},
+        {2, [&] { return ProfileUpdate(); }},
+        {1, [&] { return ProfileDelete(); }},
     };
     // Past a few hundred pipes the drawing stops growing: what would add
     // elements erases one instead, so long runs stay quick to audit.
@@ -351,7 +356,7 @@ class Model {
     std::string network;
     commands::PipeListing pipe;
     if (!PickPipe(network, pipe)) return "copy: no pipe";
-    commands::CopyOptions o{.network = network};
+    commands::CopyOptions o{.network = network, .pipes = {}, .nodes = {}};
     o.pipes.push_back(pipe.label);
     if (Chance(0.5)) {
       o.nodes.push_back(pipe.from);
@@ -369,12 +374,14 @@ class Model {
     if (Chance(0.6)) {
       commands::PipeListing pipe;
       if (!PickPipe(network, pipe)) return "erase: no pipe";
-      commands::Erase(*doc_, {.network = network, .pipes = {pipe.label}});
+      commands::Erase(*doc_, {.network = network, .pipes = {pipe.label},
+                              .nodes = {}, .handles = {}});
       return "erase pipe " + network + " " + pipe.label;
     }
     commands::NodeListing node;
     if (!PickNode(network, node)) return "erase: no node";
-    commands::Erase(*doc_, {.network = network, .nodes = {node.label}});
+    commands::Erase(*doc_, {.network = network, .pipes = {},
+                            .nodes = {node.label}, .handles = {}});
     return "erase node " + network + " " + node.label;
   }
 
@@ -418,6 +425,45 @@ class Model {
     return "crossings" + (o.threshold ? " threshold " + *o.threshold : "") +
            Join(o.enable) + Join(o.disable) +
            (o.reset_locations ? " reset" : "");
+  }
+
+  // A profile of a pipe and the pipes it meets end to end, drawn well
+  // away from the plan.
+  std::string ProfileDraw() {
+    std::string network;
+    commands::PipeListing pipe;
+    if (!PickPipe(network, pipe)) return "profile draw: no pipe";
+    std::vector<std::string> labels = {pipe.label};
+    if (Chance(0.6))
+      for (const commands::PipeListing& p : Elements(network).pipes)
+        if (p.label != pipe.label && (p.from == pipe.to || p.to == pipe.from) &&
+            labels.size() < 3)
+          labels.push_back(p.label);
+    commands::ProfileDrawOptions o;
+    o.name = "Pr" + std::to_string(step_);
+    o.run.network = network;
+    o.run.pipes = labels;
+    o.at = {2000.0 + 300.0 * (step_ % 7), -1000.0 - 200.0 * (step_ % 11), 0};
+    o.name_on_plan = Chance(0.5);
+    o.stations_on_plan = Chance(0.3);
+    commands::ProfileDraw(*doc_, o);
+    return "profile draw " + o.name + " " + network + Join(labels);
+  }
+
+  std::string ProfileUpdate() {
+    commands::ProfileUpdateOptions o;
+    o.all_flagged = true;
+    commands::ProfileUpdate(*doc_, std::move(o));
+    return "profile update (all flagged)";
+  }
+
+  std::string ProfileDelete() {
+    std::vector<commands::ProfileSummary> profiles =
+        commands::ProfileList(*doc_, {}).profiles;
+    if (profiles.empty()) return "profile delete: no profile";
+    const commands::ProfileSummary& p = Any(profiles);
+    commands::ProfileDelete(*doc_, {p.network, p.name});
+    return "profile delete " + p.network + " " + p.name;
   }
 
   // The next session: the file written and read with new object IDs, which
