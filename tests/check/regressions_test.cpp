@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "check/audit.h"
+#include "commands/copy_erase.h"
 #include "commands/element_data.h"
 #include "commands/networks.h"
 #include "commands/pipes.h"
@@ -112,6 +113,39 @@ TEST_F(Regressions, MergingPipesThatCrossOnePipeKeepsOneAnnotationOfThePair) {
   EXPECT_EQ(Errors(*doc_), "");
   Reopen();
   EXPECT_EQ(Errors(*doc_), "");
+}
+
+}  // namespace
+}  // namespace kestrana::check
+
+namespace kestrana::check {
+namespace {
+
+TEST_F(Regressions, ErasingAPipeReanalysesTheNeighboursOfNodesWhoseSumpMoved) {
+  // N-1 -P-1- N-2 -P-2- N-3, and the branch N-2 -P-3- N-4 lying lowest.
+  test::ConvertDrawn(*doc_, {{0, 0, 50, 0}, {50, 0, 100, 0}, {50, 0, 50, -50}},
+                     "Water", core::kPressure);
+  for (const char* n : {"N-1", "N-2", "N-3", "N-4"})
+    commands::SetNode(*doc_, {.network = "Water", .label = n,
+                              .matching = "No Matching"});
+  // The pipes meet N-2 at 99 but for the branch.
+  commands::SetPipe(*doc_, {.network = "Water", .label = "P-1",
+                            .start_invert = 98.5, .end_invert = 99});
+  commands::SetPipe(*doc_, {.network = "Water", .label = "P-2",
+                            .start_invert = 99, .end_invert = 98.8});
+  for (auto [n, sump] : {std::pair{"N-1", 98.5}, {"N-3", 98.8}, {"N-4", 96.0},
+                         {"N-2", 97.0}})
+    commands::SetNode(*doc_, {.network = "Water", .label = n, .sump = sump});
+  ASSERT_EQ(Errors(*doc_), "");
+  // Without the branch N-2 lies at 99, a high point: N-1 below it turns
+  // from a high point into a low one.
+  commands::Erase(*doc_, {.network = "Water", .pipes = {"P-3"}, .nodes = {},
+                          .handles = {}});
+  std::string levels;
+  for (const commands::NodeListing& n :
+       commands::ListElements(*doc_, {"Water"}).nodes)
+    levels += n.label + " " + std::to_string(n.sump) + "\n";
+  EXPECT_EQ(Errors(*doc_), "") << levels;
 }
 
 }  // namespace
