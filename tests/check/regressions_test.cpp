@@ -150,3 +150,20 @@ TEST_F(Regressions, ErasingAPipeReanalysesTheNeighboursOfNodesWhoseSumpMoved) {
 
 }  // namespace
 }  // namespace kestrana::check
+
+namespace kestrana::check {
+namespace {
+
+TEST_F(Regressions, CopiesOfElementsLabelledAfterEachOtherGetLabelsOfTheirOwn) {
+  // A pipe between N-1 and "New N-1", copied with both nodes.
+  test::ConvertDrawn(*doc_, {{0, 0, 50, 0}}, "Sewer", core::kGravity);
+  commands::Copy(*doc_, {.network = "Sewer", .pipes = {}, .nodes = {"N-1"},
+                         .dx = 100, .dy = 0});
+  test::ConvertDrawn(*doc_, {{0, 0, 50, 30, 100, 0}}, "Sewer", core::kGravity);
+  commands::Copy(*doc_, {.network = "Sewer", .pipes = {"P-2"},
+                         .nodes = {"N-1", "New N-1"}, .dx = 0, .dy = 200});
+  EXPECT_EQ(Errors(*doc_), "");
+}
+
+}  // namespace
+}  // namespace kestrana::check
