@@ -1,5 +1,6 @@
 #include "commands/command.h"
 #include "commands/element_data.h"
+#include "commands/relabel.h"
 #include "commands/elements.h"
 #include "core/general.h"
 #include "core/guards.h"
@@ -64,6 +65,8 @@ NodeState SetNode(host::Document& document, const NodeSetOptions& typed) {
                           options.ground.value_or(before.ground),
                           options.sump.value_or(before.sump),
                           options.matching.value_or(before.matching), touched);
+  if (options.new_label && *options.new_label != options.label)
+    RelabelDependents(document, node);
   AnalyseLowHighAfterEdit(document, options.network, touched);
   return StateOf(options.network, node);
 }

@@ -2,6 +2,8 @@
 #include <vector>
 
 #include "commands/pipes.h"
+
+#include "commands/pipe_crossings.h"
 #include "core/general.h"
 #include "core/guards.h"
 #include "editing/editing.h"
@@ -37,6 +39,7 @@ MergeResult MergePipes(memhost::MemDocument& document,
   Editing::UpdateLibrariesAfterMerging(document, *first, pipes.Count());
   Editing::UpdateCrossingsAfterMerging(document, crossing_labels, crossing_ids,
                                        merged, pipes);
+  DropRepeatedCrossings(document, merged);
   Editing::UpdateProfilesAfterMerging(document, merged, pipes);
   Editing::DeleteOldMergedPipes(document, pipes, start_label, end_label);
   AnalyseLowHighAfterEdit(document, network, nodes);

@@ -2,6 +2,7 @@
 
 #include "commands/command.h"
 #include "commands/element_data.h"
+#include "commands/relabel.h"
 #include "commands/elements.h"
 #include "core/general.h"
 #include "core/guards.h"
@@ -99,6 +100,8 @@ PipeState SetPipe(host::Document& document, const PipeSetOptions& typed) {
       library::Library::GetSizesArray(document, library::kCircular),
       library::Library::GetSizesArray(document, library::kBox),
       library::Library::GetMaterialsArray(document), touched);
+  if (options.new_label && *options.new_label != options.label)
+    RelabelDependents(document, pipe);
   AnalyseLowHighAfterEdit(document, options.network, touched);
   return StateOf(options.network, pipe);
 }

@@ -104,11 +104,16 @@ void Events::VerifyCopiedElements(host::Document& document,
         if (group->empty()) continue;
         const std::string element_type =
             group->front().record.Text(PipeField::kElementType);
-        const std::vector<std::string> taken =
+        std::vector<std::string> taken =
             editing::Editing::GetExistingLabelsArray(document, network,
                                                      element_type, copy_ids);
-        for (Copy& copy : *group)
+        if (taken.empty()) taken.push_back("");  // the list's closing entry
+        // A copy's label is taken for the copies after it: copying "N-1"
+        // and "New N-1" together must not give both "New New N-1".
+        for (Copy& copy : *group) {
           copy.final_label = GetFinalLabel(copy.original_label, taken);
+          taken.insert(taken.end() - 1, copy.final_label);
+        }
       }
     }
     // Nothing of the originals stays with a copy.

@@ -219,8 +219,18 @@ void Events::AnalyzeLowHighAfterDeleting(host::Document& document,
   if (networks.Rows() == 0 || networks(0, kName).empty()) return;
   std::vector<std::vector<std::string>> per_network(
       static_cast<size_t>(networks.Rows()));
+  // The nodes and their neighbours, as after an edit: a node whose sump
+  // moved when it lost a pipe may have become a low or high point itself,
+  // and then the analysis would not spread from it to the neighbours whose
+  // status its new level changes.
+  std::string with_neighbours;
+  for (const std::string& id : lowhigh::LowHigh::GetInitialNodesOIDArrayForLowHigh(
+           document, General::ConvertOIDStringToSelectionSet(document, nodes)))
+    if (std::optional<host::ObjectId> node_id = core::ParseObjectId(id))
+      with_neighbours += core::IdListEntry(*node_id);
   for (host::Entity* node :
-       General::ConvertOIDStringToSelectionSet(document, nodes).Entities()) {
+       General::ConvertOIDStringToSelectionSet(document, with_neighbours)
+           .Entities()) {
     const std::string network = General::GetElementNetwork(*node);
     for (int row = 0; row < networks.Rows(); ++row)
       if (networks(row, kName) == network)
