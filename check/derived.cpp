@@ -241,8 +241,7 @@ void CheckCrossings(const DrawingIndex& index, Reporter& report, bool design) {
                      " could not be worked out: " + error.what());
       continue;
     }
-    double stored = core::NumericValue(anno.record.Value(
-        F(CrossingAnnoField::kClearance)));
+    double stored = core::NumericValue(anno.record.Value(CrossingAnnoField::kClearance));
     if (std::abs(stored - clearance) > kClearanceTolerance)
       report
           .Add("crossing-clearance", {RefOf(anno), RefOf(*pipe1), RefOf(*pipe2)},
@@ -282,7 +281,7 @@ void CheckLowHigh(const DrawingIndex& index, Reporter& report) {
   // link is broken (reported by the link checks).
   auto level = [](const Item& node) {
     return core::RoundHalfEven(
-        core::NumericValue(node.record.Value(F(NodeField::kSumpLevel))), 7);
+        core::NumericValue(node.record.Value(NodeField::kSumpLevel)), 7);
   };
   for (const auto& [id, node] : index.items()) {
     if (!IsNode(node) || !node.whole) continue;

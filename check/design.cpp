@@ -41,7 +41,7 @@ std::vector<std::string> ValuesOf(const Item& item, int field) {
 }
 
 double Num(const Item& item, int field) {
-  return core::NumericValue(item.record.Value(field));
+  return core::NumericValue(item.record.Value(core::Field::At(field)));
 }
 
 const Item* EndNode(const DrawingIndex& index, const Item& pipe, bool start) {

@@ -20,7 +20,8 @@
 namespace kestrana::check {
 
 std::string FieldText(const core::Record& record, int field) {
-  return record.Has(field) ? record.Text(field) : std::string();
+  const core::Field at = core::Field::At(field);
+  return record.Has(at) ? record.Text(at) : std::string();
 }
 
 std::optional<double> SafeNumber(std::string_view text) {
@@ -49,7 +50,7 @@ std::string NotANumber(const core::Record& record, std::string_view type) {
   std::span<const int16_t> codes = CodesOf(type);
   for (size_t i = 0; i < codes.size(); ++i) {
     if (codes[i] == core::code::kText) continue;
-    const host::XValue& value = record.Value(static_cast<int>(i) + 1);
+    const host::XValue& value = record.Value(core::Field::At(static_cast<int>(i) + 1));
     bool number = value.IsText() ? SafeNumber(value.Text()).has_value()
                                  : !value.IsReal() || std::isfinite(value.Real());
     if (!number) return std::to_string(i + 1);

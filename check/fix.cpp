@@ -87,8 +87,8 @@ class Repairer {
                 ReferenceList(labels).value_or(std::vector<std::string>())
                         .size() == 1;
     if (good) return;
-    record.SetText(label_field, "");
-    record.SetText(id_field, "");
+    record.SetText(core::Field::At(label_field), "");
+    record.SetText(core::Field::At(id_field), "");
     changes_.push_back("dropped the broken link of " + Describe(owner) +
                        " to its " + what);
   }
@@ -121,8 +121,8 @@ class Repairer {
     if (labels == FieldText(record, label_field) &&
         ids == FieldText(record, id_field))
       return;
-    record.SetText(label_field, labels);
-    record.SetText(id_field, ids);
+    record.SetText(core::Field::At(label_field), labels);
+    record.SetText(core::Field::At(id_field), ids);
     changes_.push_back("rebuilt the list of pipes " +
                        std::string(start ? "starting" : "ending") + " at " +
                        Describe(node) + " from the pipes that name it");
@@ -185,8 +185,8 @@ class Repairer {
     if (FieldText(record, id_field).empty() &&
         FieldText(record, label_field).empty())
       return;
-    record.SetText(label_field, "");
-    record.SetText(id_field, "");
+    record.SetText(core::Field::At(label_field), "");
+    record.SetText(core::Field::At(id_field), "");
     changes_.push_back("dropped the " + std::string(start ? "start" : "end") +
                        " node link of " + Describe(pipe) +
                        ", which named no node");
@@ -208,8 +208,8 @@ class Repairer {
     if (labels == FieldText(record, label_field) &&
         ids == FieldText(record, id_field))
       return;
-    record.SetText(label_field, labels);
-    record.SetText(id_field, ids);
+    record.SetText(core::Field::At(label_field), labels);
+    record.SetText(core::Field::At(id_field), ids);
     changes_.push_back("kept only the profiles of " + Describe(pipe) +
                        " that show it");
   }
@@ -226,7 +226,7 @@ class Repairer {
     }
     if (kept.ids.size() == chain.ids.size()) return;
     profile::WritePipeChain(record, kept);
-    record.SetInt16(F(profile::ProfileField::kUpdateFlag), profile::kNeedsUpdate);
+    record.SetInt16(profile::ProfileField::kUpdateFlag, profile::kNeedsUpdate);
     changes_.push_back("dropped the pipes " + Describe(prof) +
                        " named that are gone, and flagged it for update");
   }
@@ -272,8 +272,8 @@ class Repairer {
       std::optional<core::Record> record = core::Record::Read(*item.entity);
       if (!FieldText(*record, F(PipeField::kCrossingRefs)).empty() ||
           !FieldText(*record, F(PipeField::kCrossingOIDRefs)).empty()) {
-        record->SetText(F(PipeField::kCrossingRefs), "");
-        record->SetText(F(PipeField::kCrossingOIDRefs), "");
+        record->SetText(PipeField::kCrossingRefs, "");
+        record->SetText(PipeField::kCrossingOIDRefs, "");
         record->Write(*item.entity);
       }
       if (index_.FindNetwork(item.network) &&
@@ -306,8 +306,8 @@ class Repairer {
       std::optional<core::Record> record = core::Record::Read(*item.entity);
       if (!FieldText(*record, F(NodeField::kLowHighLabelRef)).empty() ||
           !FieldText(*record, F(NodeField::kLowHighOIDRef)).empty()) {
-        record->SetText(F(NodeField::kLowHighLabelRef), "");
-        record->SetText(F(NodeField::kLowHighOIDRef), "");
+        record->SetText(NodeField::kLowHighLabelRef, "");
+        record->SetText(NodeField::kLowHighOIDRef, "");
         record->Write(*item.entity);
       }
       const Network* network = index_.FindNetwork(item.network);

@@ -75,14 +75,14 @@ class AuditedDrawing : public ::testing::Test {
     return test::ElementLabelled(*doc_, net, kind, label);
   }
   // Writes one field of an element's record behind the commands' back.
-  void Poke(host::Entity& entity, int field, const std::string& text) {
+  void Poke(host::Entity& entity, core::Field field, const std::string& text) {
     core::UnlockedLayers unlocked(*doc_);
     Record record = *Record::Read(entity);
     record.SetText(field, text);
     record.Write(entity);
   }
   // Stores a text where the record holds a number, as a damaged file can.
-  void PokeText(host::Entity& entity, int field, const std::string& text) {
+  void PokeText(host::Entity& entity, core::Field field, const std::string& text) {
     core::UnlockedLayers unlocked(*doc_);
     Record record = *Record::Read(entity);
     record.Set(field, core::code::kText, host::XValue(text));
@@ -109,19 +109,19 @@ TEST_F(AuditedDrawing, WhatTheCommandsMakeIsClean) {
 TEST_F(AuditedDrawing, BrokenLinksAreFoundFromEitherEnd) {
   // N-2 forgets that P-2 starts there: the pipe still names the node.
   host::Entity& n2 = Element("Sewer", "Node", "N-2");
-  Poke(n2, static_cast<int>(NodeField::kPipesAtStartLabels), "");
-  Poke(n2, static_cast<int>(NodeField::kPipesAtStartOID), "");
+  Poke(n2, NodeField::kPipesAtStartLabels, "");
+  Poke(n2, NodeField::kPipesAtStartOID, "");
   // P-1's annotation link names an object that is not there.
   Poke(Element("Sewer", "Pipe", "P-1"),
-       static_cast<int>(PipeField::kAnnotationOIDRef), ";RelatedTo99999");
+       PipeField::kAnnotationOIDRef, ";RelatedTo99999");
   // Water N-1 lists one label more than IDs at its start.
   host::Entity& w1 = Element("Water", "Node", "N-1");
   Record w1_record = *Record::Read(w1);
-  Poke(w1, static_cast<int>(NodeField::kPipesAtStartLabels),
+  Poke(w1, NodeField::kPipesAtStartLabels,
        w1_record.Text(NodeField::kPipesAtStartLabels) + ";RelatedToP-9");
   // Water P-2 names its end node by a wrong label.
   Poke(Element("Water", "Pipe", "P-2"),
-       static_cast<int>(PipeField::kEndNodeLabel), ";RelatedToN-77");
+       PipeField::kEndNodeLabel, ";RelatedToN-77");
 
   std::vector<Finding> findings = Run();
   EXPECT_TRUE(Has(findings, "one-way-reference", "P-2")) << Codes(findings);
@@ -147,9 +147,9 @@ TEST_F(AuditedDrawing, PipeEndsMustMeetTheirNodesToFiveDecimals) {
 
 TEST_F(AuditedDrawing, LabelsAreUniqueInANetworkNodesIgnoringCase) {
   Poke(Element("Sewer", "Node", "N-3"),
-       static_cast<int>(NodeField::kCombinedLabel), "Node;Sewer;n-1");
+       NodeField::kCombinedLabel, "Node;Sewer;n-1");
   Poke(Element("Water", "Pipe", "P-3"),
-       static_cast<int>(PipeField::kCombinedLabel), "Pipe;Water;P-1");
+       PipeField::kCombinedLabel, "Pipe;Water;P-1");
   std::vector<Finding> findings = Run();
   auto dup = std::count_if(findings.begin(), findings.end(),
                            [](const Finding& f) {
@@ -183,7 +183,7 @@ TEST_F(AuditedDrawing, LibraryCountsMustMatchThePipes) {
 TEST_F(AuditedDrawing, CrossingsMustStandWhereThePipesCrossWithTodaysLevels) {
   // Levels changed behind the annotation's back.
   Poke(Element("Water", "Pipe", "P-1"),
-       static_cast<int>(PipeField::kStartInvert), "90");
+       PipeField::kStartInvert, "90");
   std::vector<Finding> findings = Run();
   EXPECT_TRUE(Has(findings, "crossing-clearance", "P-1")) << Codes(findings);
 
@@ -216,7 +216,7 @@ TEST_F(AuditedDrawing, LowAndHighPointsFollowTheLevelsOfNow) {
   // Water N-2 (99.6) is a high point between N-1 (99.0) and N-3 (99.4);
   // lowered behind the analysis' back it is a low point.
   Poke(Element("Water", "Node", "N-2"),
-       static_cast<int>(NodeField::kSumpLevel), "98");
+       NodeField::kSumpLevel, "98");
   std::vector<Finding> findings = Run();
   // N-1 at the end of the line, once low below N-2, is now high above it.
   auto it = std::find_if(findings.begin(), findings.end(), [](const Finding& f) {
@@ -230,14 +230,14 @@ TEST_F(AuditedDrawing, LowAndHighPointsFollowTheLevelsOfNow) {
 
 TEST_F(AuditedDrawing, FixRepairsWhatNeedsNoGuessAndSaysWhat) {
   Poke(Element("Water", "Pipe", "P-1"),
-       static_cast<int>(PipeField::kStartInvert), "90");
+       PipeField::kStartInvert, "90");
   Poke(Element("Water", "Node", "N-2"),
-       static_cast<int>(NodeField::kSumpLevel), "98");
+       NodeField::kSumpLevel, "98");
   host::Entity& n2 = Element("Sewer", "Node", "N-2");
-  Poke(n2, static_cast<int>(NodeField::kPipesAtStartLabels), "");
-  Poke(n2, static_cast<int>(NodeField::kPipesAtStartOID), "");
+  Poke(n2, NodeField::kPipesAtStartLabels, "");
+  Poke(n2, NodeField::kPipesAtStartOID, "");
   Poke(Element("Sewer", "Pipe", "P-1"),
-       static_cast<int>(PipeField::kAnnotationOIDRef), ";RelatedTo99999");
+       PipeField::kAnnotationOIDRef, ";RelatedTo99999");
   ASSERT_GT(CountErrors(Run()), 0);
 
   commands::CheckResult fixed = commands::Check(*doc_, {.fix = true});
@@ -277,11 +277,11 @@ TEST_F(AuditedDrawing, DamagedRecordsAreFindingsNotFailures) {
   Element("Sewer", "Pipe", "P-2").SetXData(
       {{1001, host::XValue("Kestrana")}, {1000, host::XValue("Pipe;Sewer;P-2")}});
   PokeText(Element("Water", "Node", "N-3"),
-           static_cast<int>(NodeField::kSumpLevel), "deep");
+           NodeField::kSumpLevel, "deep");
   Poke(Element("Water", "Pipe", "P-2"),
-       static_cast<int>(PipeField::kCrossingOIDRefs), "17;42;");
+       PipeField::kCrossingOIDRefs, "17;42;");
   Poke(Element("Sewer", "Pipe", "P-1"),
-       static_cast<int>(PipeField::kStartNodeOID), ";RelatedToabc");
+       PipeField::kStartNodeOID, ";RelatedToabc");
   Record project = core::ReadProjectRecord(*doc_);
   project.SetText(core::ProjectField::kCrossingSettings, "x;Sewer");
   core::WriteProjectRecord(*doc_, project);
@@ -295,7 +295,7 @@ TEST_F(AuditedDrawing, DamagedRecordsAreFindingsNotFailures) {
   EXPECT_TRUE(Has(findings, "not-a-number", "N-3")) << Codes(findings);
   // A number too large to read is no number either.
   PokeText(Element("Water", "Node", "N-3"),
-           static_cast<int>(NodeField::kSumpLevel), "1e999");
+           NodeField::kSumpLevel, "1e999");
   ASSERT_NO_THROW(findings = Run(true));
   EXPECT_TRUE(Has(findings, "not-a-number", "N-3")) << Codes(findings);
   // The crossings of the pipe cut short, and those of a damaged list, are
