@@ -149,6 +149,41 @@ TEST(CadFiles, ChangedBinaryDrawingStaysBinary) {
   EXPECT_EQ(WriteDxf(again), written);
 }
 
+TEST(CadFiles, LargeDrawingsAreWrittenInBoundedPieces) {
+  // Enough lines for several pieces, so that tags meet the piece borders.
+  const int count = 25000;
+  for (const char* name : {"r2018_binary.dxf", "plan_kinds.dxf"}) {
+    SCOPED_TRACE(name);
+    MemDocument doc;
+    ReadDxf(doc, FileText(name));
+    size_t before = doc.ModelSpaceBlock().MemEntities().size();
+    for (int i = 0; i < count; ++i)
+      doc.ModelSpace().AddLine(Point3{i + 1.0 / 3, -i * 0.25, 0},
+                               Point3{i * 1e-7, 1e6 + i, 2.5});
+    std::vector<size_t> pieces;
+    std::string written;
+    WriteDxf(doc, [&](std::string_view piece) {
+      pieces.push_back(piece.size());
+      written.append(piece);
+    });
+    ASSERT_GT(pieces.size(), 2u);
+    for (size_t size : pieces) EXPECT_LE(size, 2 * kWriteChunkBytes);
+    EXPECT_EQ(IsBinaryDxf(written), IsBinaryDxf(FileText(name)));
+
+    MemDocument again;
+    ReadDxf(again, written);
+    auto entities = again.ModelSpaceBlock().MemEntities();
+    ASSERT_EQ(entities.size(), before + count);
+    for (int i = 0; i < count; i += 997) {
+      auto& line = dynamic_cast<host::Line&>(
+          entities[before + static_cast<size_t>(i)]->AsHostEntity());
+      EXPECT_EQ(line.StartPoint(), (Point3{i + 1.0 / 3, -i * 0.25, 0}));
+      EXPECT_EQ(line.EndPoint(), (Point3{i * 1e-7, 1e6 + i, 2.5}));
+    }
+    EXPECT_EQ(WriteDxf(again), written);
+  }
+}
+
 TEST(CadFiles, BrokenBinaryFilesAreRefusedByByte) {
   std::string bytes = FileText("r2018_binary.dxf");
   for (size_t cut : {size_t{23}, size_t{40}, bytes.size() / 2}) {
