@@ -185,21 +185,23 @@ std::string ReadInput(const std::string& path, InputKind kind) {
 void SetStandardOutput(std::ostream* out) { standard_output = out; }
 
 void WriteOutput(const std::string& path, const std::string& bytes) {
-  WriteOutput(path, [&](const dxf::ByteSink& sink) { sink(bytes); });
-}
-
-void WriteOutput(const std::string& path, const dxf::Producer& produce) {
   if (path == kStandardOutput && standard_output != nullptr) {
-    produce([](std::string_view piece) {
-      standard_output->write(piece.data(),
-                             static_cast<std::streamsize>(piece.size()));
-      if (!*standard_output)
-        throw dxf::FileError("cannot write to standard output");
-    });
+    standard_output->write(bytes.data(),
+                           static_cast<std::streamsize>(bytes.size()));
     standard_output->flush();
     if (!*standard_output)
       throw dxf::FileError("cannot write to standard output");
     return;
+  }
+  dxf::WriteFileAtomically(path, bytes);
+}
+
+void WriteOutput(const std::string& path, const dxf::Producer& produce) {
+  if (path == kStandardOutput && standard_output != nullptr) {
+    // Made whole first: a failure prints nothing.
+    std::string bytes;
+    produce([&](std::string_view piece) { bytes.append(piece); });
+    return WriteOutput(path, bytes);
   }
   dxf::WriteFileAtomically(path, produce);
 }

@@ -125,12 +125,15 @@ void WriteAll(int fd, std::string_view bytes, const std::string& path) {
   }
 }
 
-// A device or a pipe cannot be replaced by a rename: it is written to.
+// A device or a pipe cannot be replaced by a rename: it is written to,
+// once the whole output is made, so that a failure writes nothing there.
 void WriteInPlace(const std::string& path, const Producer& produce) {
+  std::string bytes;
+  produce([&](std::string_view piece) { bytes.append(piece); });
   int fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
   if (fd < 0) WriteFailed(path, "opening", errno);
   try {
-    produce([&](std::string_view piece) { WriteAll(fd, piece, path); });
+    WriteAll(fd, bytes, path);
   } catch (...) {
     ::close(fd);
     throw;

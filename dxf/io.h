@@ -57,8 +57,8 @@ void SaveDrawing(memhost::MemDocument& doc, const std::string& path);
 void WriteFileAtomically(const std::string& path, const std::string& bytes);
 
 // Writes what `produce` hands its sink to `path` the same way, piece by
-// piece as it comes. When `produce` throws, the temporary file is removed
-// and `path` is left as it was (a device or a pipe may have had part).
+// piece into the temporary file (a device or a pipe gets it whole, once
+// made). When `produce` throws, nothing is written to `path`.
 using Producer = std::function<void(const ByteSink&)>;
 void WriteFileAtomically(const std::string& path, const Producer& produce);
 
