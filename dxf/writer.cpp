@@ -552,8 +552,10 @@ void Writer::Blocks(const SectionImage& s) {
     }
     // Entities of model space and the active paper space live in ENTITIES.
     if (b != &doc_.ModelSpaceBlock() && b != &doc_.PaperSpaceBlock())
-      for (MemEntity* e : b->MemEntities())
-        WriteEntity(*e, b->HandleValue(), paper), Flush();
+      for (MemEntity* e : b->MemEntities()) {
+        WriteEntity(*e, b->HandleValue(), paper);
+        Flush();
+      }
     if (!r.end_span.Empty()) {
       Raw(r.end_span);
     } else {
