@@ -196,4 +196,14 @@ void WriteOutput(const std::string& path, const std::string& bytes) {
   dxf::WriteFileAtomically(path, bytes);
 }
 
+void WriteOutput(const std::string& path, const dxf::Producer& produce) {
+  if (path == kStandardOutput && standard_output != nullptr) {
+    // Made whole first: a failure prints nothing.
+    std::string bytes;
+    produce([&](std::string_view piece) { bytes.append(piece); });
+    return WriteOutput(path, bytes);
+  }
+  dxf::WriteFileAtomically(path, produce);
+}
+
 }  // namespace kestrana::cli

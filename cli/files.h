@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+#include "dxf/io.h"
+
 namespace kestrana::cli {
 
 enum class InputKind { kDrawing, kSurface, kViewStyle, kProfileStyle };
@@ -36,5 +38,8 @@ void SetStandardOutput(std::ostream* out);
 // `bytes` to `path`: standard output for "-", else the atomic save of
 // dxf::WriteFileAtomically.
 void WriteOutput(const std::string& path, const std::string& bytes);
+
+// What `produce` hands its sink, the same way, piece by piece.
+void WriteOutput(const std::string& path, const dxf::Producer& produce);
 
 }  // namespace kestrana::cli

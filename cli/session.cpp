@@ -38,7 +38,9 @@ std::unique_ptr<memhost::MemDocument> LoadDrawingFile(
 }
 
 void SaveDrawingFile(memhost::MemDocument& document, const std::string& path) {
-  WriteOutput(path, dxf::WriteDxf(document));
+  WriteOutput(path, [&](const dxf::ByteSink& sink) {
+    dxf::WriteDxf(document, sink);
+  });
 }
 
 void EditDrawingFile(const std::string& input,

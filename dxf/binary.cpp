@@ -206,7 +206,15 @@ std::string BinaryToText(std::string_view bytes, BinaryForm& form) {
 std::string TextToBinary(std::string_view text, const BinaryForm& form) {
   std::string out(kBinarySentinel);
   out.reserve(text.size());
-  Tokenizer tok(text);
+  AppendBinaryTags(text, 0, 1, form, out);
+  out += form.after_eof;
+  return out;
+}
+
+void AppendBinaryTags(std::string_view text, size_t offset,
+                      uint32_t first_line, const BinaryForm& form,
+                      std::string& out) {
+  Tokenizer tok(text, offset, first_line);
   Tag t;
   while (tok.Next(t)) {
     if (t.code < 0 || t.code > 32767) Unfit(t, "a group code");
@@ -260,8 +268,6 @@ std::string TextToBinary(std::string_view text, const BinaryForm& form) {
         break;
     }
   }
-  out += form.after_eof;
-  return out;
 }
 
 }  // namespace kestrana::dxf

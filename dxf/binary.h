@@ -4,6 +4,7 @@
 // writes the text back in the form it was read in.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -31,5 +32,13 @@ std::string BinaryToText(std::string_view bytes, BinaryForm& form);
 // ASCII DXF text in binary form. DxfError for a value its group code's
 // binary form cannot hold.
 std::string TextToBinary(std::string_view text, const BinaryForm& form);
+
+// The tags of `text`, whole tags of ASCII DXF starting at byte `offset`
+// and line `first_line` of the text being converted (errors name them),
+// appended to `out` in binary form: what TextToBinary writes between the
+// sentinel and form.after_eof.
+void AppendBinaryTags(std::string_view text, size_t offset,
+                      uint32_t first_line, const BinaryForm& form,
+                      std::string& out);
 
 }  // namespace kestrana::dxf

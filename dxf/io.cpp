@@ -112,25 +112,32 @@ std::string FollowLinks(const std::string& path) {
   }
 }
 
-void WriteAll(int fd, const std::string& bytes, const std::string& path) {
+// Throws FileError; the caller closes `fd`.
+void WriteAll(int fd, std::string_view bytes, const std::string& path) {
   size_t done = 0;
   while (done < bytes.size()) {
     ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
     if (n < 0) {
       if (errno == EINTR) continue;
-      int err = errno;
-      ::close(fd);
-      WriteFailed(path, "writing", err);
+      WriteFailed(path, "writing", errno);
     }
     done += static_cast<size_t>(n);
   }
 }
 
-// A device or a pipe cannot be replaced by a rename: it is written to.
-void WriteInPlace(const std::string& path, const std::string& bytes) {
+// A device or a pipe cannot be replaced by a rename: it is written to,
+// once the whole output is made, so that a failure writes nothing there.
+void WriteInPlace(const std::string& path, const Producer& produce) {
+  std::string bytes;
+  produce([&](std::string_view piece) { bytes.append(piece); });
   int fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
   if (fd < 0) WriteFailed(path, "opening", errno);
-  WriteAll(fd, bytes, path);
+  try {
+    WriteAll(fd, bytes, path);
+  } catch (...) {
+    ::close(fd);
+    throw;
+  }
   if (::close(fd) != 0) WriteFailed(path, "closing", errno);
 }
 
@@ -145,12 +152,16 @@ bool ReadOnly(const std::string& path, const struct stat& st) {
 }  // namespace
 
 void WriteFileAtomically(const std::string& path, const std::string& bytes) {
+  WriteFileAtomically(path, [&](const ByteSink& sink) { sink(bytes); });
+}
+
+void WriteFileAtomically(const std::string& path, const Producer& produce) {
   struct stat st {};
   const bool exists = ::stat(path.c_str(), &st) == 0;
   if (exists && S_ISDIR(st.st_mode)) WriteFailed(path, "it is a folder", 0);
   // Opened through its links as it stands: /dev/stdout names a pipe or a
   // terminal by a link that is no path.
-  if (exists && !S_ISREG(st.st_mode)) return WriteInPlace(path, bytes);
+  if (exists && !S_ISREG(st.st_mode)) return WriteInPlace(path, produce);
   const std::string target = FollowLinks(path);
   if (exists && ReadOnly(target, st))
     throw FileError("cannot write '" + path +
@@ -181,8 +192,9 @@ void WriteFileAtomically(const std::string& path, const std::string& bytes) {
   }
   if (::fchmod(fd, mode) != 0) fail("setting permissions");
   try {
-    WriteAll(fd, bytes, path);
+    produce([&](std::string_view piece) { WriteAll(fd, piece, path); });
   } catch (...) {
+    ::close(fd);
     ::unlink(tmp.c_str());
     throw;
   }
@@ -206,7 +218,8 @@ void WriteFileAtomically(const std::string& path, const std::string& bytes) {
 }
 
 void SaveDrawing(memhost::MemDocument& doc, const std::string& path) {
-  WriteFileAtomically(path, WriteDxf(doc));
+  WriteFileAtomically(path,
+                      [&](const ByteSink& sink) { WriteDxf(doc, sink); });
 }
 
 void EditDrawing(const std::string& input,

@@ -20,6 +20,7 @@
 #include <string>
 
 #include "host/errors.h"
+#include "dxf/writer.h"
 #include "memhost/document.h"
 
 namespace kestrana::dxf {
@@ -54,6 +55,12 @@ void SaveDrawing(memhost::MemDocument& doc, const std::string& path);
 
 // Writes `bytes` to `path` the same way.
 void WriteFileAtomically(const std::string& path, const std::string& bytes);
+
+// Writes what `produce` hands its sink to `path` the same way, piece by
+// piece into the temporary file (a device or a pipe gets it whole, once
+// made). When `produce` throws, nothing is written to `path`.
+using Producer = std::function<void(const ByteSink&)>;
+void WriteFileAtomically(const std::string& path, const Producer& produce);
 
 // Loads `input`, runs `change`, then saves to `output` when given, else
 // over `input`. When loading, `change` or writing fails nothing is written

@@ -129,11 +129,17 @@ void ReadXData(const Tag* tags, size_t n, const TextCodec& codec,
                      "extended data must start with group code 1001 "
                      "(the application name), found group code " +
                          std::to_string(t.code));
-    host::XValue value;
+    // Checking alone builds no values: most data is only checked at load.
+    auto keep = [&](host::XValue value) {
+      if (records != nullptr)
+        records->back().push_back(
+            host::XItem{static_cast<int16_t>(t.code), std::move(value)});
+    };
     if (t.code >= 1000 && t.code <= 1009) {
-      if (records != nullptr) value = codec.Decode(t.value);
+      if (records != nullptr) keep(codec.Decode(t.value));
     } else if (t.code >= 1010 && t.code <= 1059) {
-      value = RealValue(t);
+      double v = RealValue(t);
+      if (records != nullptr) keep(v);
     } else if (t.code >= 1060 && t.code <= 1070) {
       int64_t v = IntValue(t);
       if (v < -32768 || v > 65535)
@@ -141,16 +147,14 @@ void ReadXData(const Tag* tags, size_t n, const TextCodec& codec,
                        "group code " + std::to_string(t.code) +
                            " expects a 16-bit whole number, found " +
                            std::to_string(v));
-      value = static_cast<int16_t>(v);
+      if (records != nullptr) keep(static_cast<int16_t>(v));
     } else if (t.code == 1071) {
-      value = static_cast<double>(IntValue(t));
+      int64_t v = IntValue(t);
+      if (records != nullptr) keep(static_cast<double>(v));
     } else {
       throw DxfError(t.line, "group code " + std::to_string(t.code) +
                                  " cannot be part of extended data");
     }
-    if (records != nullptr)
-      records->back().push_back(
-          host::XItem{static_cast<int16_t>(t.code), std::move(value)});
   }
 }
 

@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "dxf/binary.h"
 #include "dxf/image.h"
 #include "dxf/kinds.h"
 #include "dxf/reader.h"
@@ -37,13 +38,55 @@ bool IsPaperLayout(const MemBlock& b) {
          SameNoCase(std::string_view(b.name_).substr(0, 12), "*Paper_Space");
 }
 
+// Where the text goes when it is streamed: to a sink in pieces of whole
+// tags, converted to binary on the way when the file was binary.
+class ChunkedOutput {
+ public:
+  ChunkedOutput(const ByteSink& sink, const BinaryForm* binary)
+      : sink_(sink), binary_(binary) {
+    if (binary_ != nullptr) sink_(kBinarySentinel);
+  }
+  void Put(std::string_view text) {
+    if (text.empty()) return;
+    if (binary_ == nullptr) {
+      sink_(text);
+      return;
+    }
+    converted_.clear();
+    AppendBinaryTags(text, offset_, line_, *binary_, converted_);
+    offset_ += text.size();
+    line_ += static_cast<uint32_t>(std::count(text.begin(), text.end(), '\n'));
+    sink_(converted_);
+  }
+  void End() {
+    if (binary_ != nullptr && !binary_->after_eof.empty())
+      sink_(binary_->after_eof);
+  }
+
+ private:
+  const ByteSink& sink_;
+  const BinaryForm* binary_;
+  std::string converted_;
+  size_t offset_ = 0;
+  uint32_t line_ = 1;
+};
+
 class Writer {
  public:
-  Writer(MemDocument& doc, FileImage& img)
-      : doc_(doc), img_(img), w_(out_, img.eol) {}
+  // With `stream`, the text goes there in pieces and Run returns nothing.
+  Writer(MemDocument& doc, FileImage& img, ChunkedOutput* stream = nullptr)
+      : doc_(doc), img_(img), stream_(stream), w_(out_, img.eol) {}
   std::string Run();
 
  private:
+  // Hands what is written so far to the stream once it fills a piece;
+  // called only between whole objects.
+  void Flush(bool last = false) {
+    if (stream_ == nullptr || (!last && out_.size() < kWriteChunkBytes))
+      return;
+    stream_->Put(out_);
+    out_.clear();
+  }
   uint64_t NewHandle();
   void Prepare();
   void Header(const SectionImage& s);
@@ -69,6 +112,7 @@ class Writer {
 
   MemDocument& doc_;
   FileImage& img_;
+  ChunkedOutput* stream_;
   std::string out_;
   TagWriter w_;
 };
@@ -165,7 +209,9 @@ void Writer::Prepare() {
 
 std::string Writer::Run() {
   Prepare();
-  out_.reserve(img_.buffer.size() + img_.buffer.size() / 8 + 4096);
+  out_.reserve(stream_ != nullptr
+                   ? kWriteChunkBytes + kWriteChunkBytes / 4
+                   : img_.buffer.size() + img_.buffer.size() / 8 + 4096);
   for (const SectionImage& s : img_.sections) {
     switch (s.kind) {
       case SectionImage::Kind::kRaw:
@@ -186,11 +232,13 @@ std::string Writer::Run() {
         Raw(s.tail);
         break;
     }
+    Flush();
   }
   if (img_.trailer.Empty())
     w_.Text(0, "EOF");
   else
     Raw(img_.trailer);
+  Flush(true);
   return std::move(out_);
 }
 
@@ -504,8 +552,10 @@ void Writer::Blocks(const SectionImage& s) {
     }
     // Entities of model space and the active paper space live in ENTITIES.
     if (b != &doc_.ModelSpaceBlock() && b != &doc_.PaperSpaceBlock())
-      for (MemEntity* e : b->MemEntities())
+      for (MemEntity* e : b->MemEntities()) {
         WriteEntity(*e, b->HandleValue(), paper);
+        Flush();
+      }
     if (!r.end_span.Empty()) {
       Raw(r.end_span);
     } else {
@@ -533,6 +583,7 @@ void Writer::Entities() {
     } else {
       WriteEntity(*paper[j++], paper_handle, true);
     }
+    Flush();
   }
 }
 
@@ -579,7 +630,7 @@ void Writer::WriteEntity(MemEntity& e, uint64_t owner, bool paper) {
 
 }  // namespace
 
-std::string WriteDxf(MemDocument& doc) {
+void WriteDxf(MemDocument& doc, const ByteSink& sink) {
   if (ImageOf(doc) == nullptr) {
     ReadDxf(doc, NewDrawingTemplate(doc));
     // The template has the defaults' state but not their extended data:
@@ -595,15 +646,28 @@ std::string WriteDxf(MemDocument& doc) {
     for (auto* s : doc.TextStyleList()) from_state(*s);
   }
   FileImage& image = *ImageOf(doc);
+  if (VersionNumber(image.version) >= kVersionR2000) {
+    ChunkedOutput out(sink, image.binary ? &*image.binary : nullptr);
+    Writer(doc, image, &out).Run();
+    out.End();
+    return;
+  }
   std::string text = Writer(doc, image).Run();
   // An old drawing the logic changed: its own version cannot hold what
   // was added.
-  if (VersionNumber(image.version) < kVersionR2000 && text != image.buffer) {
+  if (text != image.buffer) {
     UpgradeToR2000(doc, image);
     text = Writer(doc, image).Run();
   }
-  if (image.binary) return TextToBinary(text, *image.binary);
-  return text;
+  ChunkedOutput out(sink, image.binary ? &*image.binary : nullptr);
+  out.Put(text);
+  out.End();
+}
+
+std::string WriteDxf(MemDocument& doc) {
+  std::string bytes;
+  WriteDxf(doc, [&](std::string_view piece) { bytes.append(piece); });
+  return bytes;
 }
 
 }  // namespace kestrana::dxf

@@ -1,6 +1,7 @@
 // Writes a memhost document as ASCII DXF.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -19,5 +20,17 @@ inline constexpr std::string_view kNewDrawingVersion = "AC1024";
 // A drawing never read is written complete in kNewDrawingVersion. Gives
 // out handles to what needs one (new block markers, SEQENDs, APPIDs).
 std::string WriteDxf(memhost::MemDocument& doc);
+
+// Takes the output piece by piece, in order.
+using ByteSink = std::function<void(std::string_view)>;
+
+// About how many bytes each piece handed to a sink holds: the output is
+// never held whole, except for drawings older than R2000 (which may have
+// to be written twice, upgraded).
+inline constexpr size_t kWriteChunkBytes = size_t{1} << 20;
+
+// The same bytes as WriteDxf, handed to `sink` in pieces as they are made.
+// Whatever `sink` throws ends the write.
+void WriteDxf(memhost::MemDocument& doc, const ByteSink& sink);
 
 }  // namespace kestrana::dxf

@@ -149,6 +149,50 @@ TEST(CadFiles, ChangedBinaryDrawingStaysBinary) {
   EXPECT_EQ(WriteDxf(again), written);
 }
 
+TEST(CadFiles, LargeDrawingsAreWrittenInBoundedPieces) {
+  // Enough lines for several pieces, so that tags meet the piece borders:
+  // in model space of a binary file, in a block of an ASCII one.
+  const int count = 25000;
+  for (const char* name : {"r2018_binary.dxf", "plan_kinds.dxf"}) {
+    SCOPED_TRACE(name);
+    const bool in_block = !IsBinaryDxf(FileText(name));
+    MemDocument doc;
+    ReadDxf(doc, FileText(name));
+    auto entities_of = [&](MemDocument& d) {
+      return in_block ? d.FindBlock("Many")->MemEntities()
+                      : d.ModelSpaceBlock().MemEntities();
+    };
+    host::Block& target = in_block
+                              ? doc.GetBlocks().Add({0, 0, 0}, "Many")
+                              : doc.ModelSpace();
+    size_t before = entities_of(doc).size();
+    for (int i = 0; i < count; ++i)
+      target.AddLine(Point3{i + 1.0 / 3, -i * 0.25, 0},
+                     Point3{i * 1e-7, 1e6 + i, 2.5});
+    std::vector<size_t> pieces;
+    std::string written;
+    WriteDxf(doc, [&](std::string_view piece) {
+      pieces.push_back(piece.size());
+      written.append(piece);
+    });
+    ASSERT_GT(pieces.size(), 2u);
+    for (size_t size : pieces) EXPECT_LE(size, 2 * kWriteChunkBytes);
+    EXPECT_EQ(IsBinaryDxf(written), !in_block);
+
+    MemDocument again;
+    ReadDxf(again, written);
+    auto entities = entities_of(again);
+    ASSERT_EQ(entities.size(), before + count);
+    for (int i = 0; i < count; i += 997) {
+      auto& line = dynamic_cast<host::Line&>(
+          entities[before + static_cast<size_t>(i)]->AsHostEntity());
+      EXPECT_EQ(line.StartPoint(), (Point3{i + 1.0 / 3, -i * 0.25, 0}));
+      EXPECT_EQ(line.EndPoint(), (Point3{i * 1e-7, 1e6 + i, 2.5}));
+    }
+    EXPECT_EQ(WriteDxf(again), written);
+  }
+}
+
 TEST(CadFiles, BrokenBinaryFilesAreRefusedByByte) {
   std::string bytes = FileText("r2018_binary.dxf");
   for (size_t cut : {size_t{23}, size_t{40}, bytes.size() / 2}) {

@@ -115,5 +115,28 @@ TEST_F(Files, AFailedEditLeavesTheInputAsItWas) {
   EXPECT_NE(Slurp(Path("out.dxf")).find("POINT"), std::string::npos);
 }
 
+TEST_F(Files, AWriteStoppedPartWayLeavesTheFileAsItWas) {
+  std::string path = Sample();
+  std::string before = Slurp(path);
+  EXPECT_THROW(WriteFileAtomically(path,
+                                   [](const ByteSink& sink) {
+                                     sink(std::string(100000, 'x'));
+                                     sink("0\nEOF\n");
+                                     throw std::runtime_error("stopped");
+                                   }),
+               std::runtime_error);
+  EXPECT_EQ(Slurp(path), before);
+  EXPECT_EQ(FilesInDir(), 1u);  // the temporary file is gone
+  // Pieces reach the file whole and in order.
+  WriteFileAtomically(path, [](const ByteSink& sink) {
+    sink("0\nSECTION\n");
+    sink("");
+    sink(std::string(70000, ' '));
+    sink("0\nEOF\n");
+  });
+  EXPECT_EQ(Slurp(path), "0\nSECTION\n" + std::string(70000, ' ') + "0\nEOF\n");
+  EXPECT_EQ(FilesInDir(), 1u);
+}
+
 }  // namespace
 }  // namespace kestrana::dxf
