@@ -156,9 +156,10 @@ void CheckDesign(const DrawingIndex& index, Reporter& report,
             .values = {{"size", size.key}};
     }
     if (from && to) {
-      auto key = std::minmax(std::to_string(from->entity->ObjectID()),
-                             std::to_string(to->entity->ObjectID()));
-      auto [it, first] = between.emplace(std::pair(key.first, key.second), &pipe);
+      // minmax hands back references: keep the texts alive.
+      const std::string a = std::to_string(from->entity->ObjectID());
+      const std::string b = std::to_string(to->entity->ObjectID());
+      auto [it, first] = between.emplace(std::pair(std::min(a, b), std::max(a, b)), &pipe);
       if (!first)
         Warn(report, "parallel-pipes", {RefOf(pipe), RefOf(*it->second)},
              Describe(pipe) + " and " + Describe(*it->second) +
