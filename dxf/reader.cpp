@@ -524,9 +524,12 @@ void Reader::ReadBlocks(SectionImage& section) {
       throw DxfError(line, "the block " + Quoted(name) + " is defined twice");
     // Before R13 a block has no record of its own: it takes the handle of
     // its BLOCK entity.
-    if (VersionNumber(img_.version) < kVersionR13 && !FromFile(*block))
+    if (VersionNumber(img_.version) < kVersionR13 && !FromFile(*block)) {
       Claim(*block, begin_handle, line);
-    else
+      // Taken for good: an entity that reuses it is a duplicate, not a
+      // reason to move the block aside.
+      if (begin_handle != 0) raw_lines_.emplace(begin_handle, line);
+    } else
       ReserveRaw(begin_handle, line);
     block->origin_ = origin;
     block->is_xref_ = (flags & 4) != 0;

@@ -154,6 +154,15 @@ TEST(ReaderErrors, DuplicateHandlesNameBothLines) {
                 "PIPES\n0\nENDTAB\n");
   EXPECT_EQ(ErrorOf(layers),
             "line 27: the LAYER entry \"PIPES\" is defined twice");
+  // Before R13 a block takes its BLOCK entity's handle: an entity that uses
+  // it again is refused, not written out beside it with the same handle.
+  const std::string r12 =
+      "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1009\n9\n$HANDLING\n70\n1\n"
+      "0\nENDSEC\n0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n5\n36\n8\n0\n2\nB\n70\n0\n"
+      "10\n0\n20\n0\n30\n0\n0\nENDBLK\n5\n37\n8\n0\n0\nENDSEC\n0\nSECTION\n2\n"
+      "ENTITIES\n0\nPOINT\n5\n36\n8\n0\n10\n1\n20\n2\n30\n0\n0\nENDSEC\n0\nEOF\n";
+  EXPECT_EQ(ErrorOf(r12),
+            "line 47: handle 36 is already used by the object at line 19");
 }
 
 }  // namespace
