@@ -658,6 +658,18 @@ void WriteDxf(MemDocument& doc, const ByteSink& sink) {
   if (text != image.buffer) {
     UpgradeToR2000(doc, image);
     text = Writer(doc, image).Run();
+    // A damaged old drawing can come out of the rewrite in a form that does
+    // not read again (entries of one table run into the next): refuse to
+    // write it rather than leave a file nothing opens.
+    MemDocument again;
+    try {
+      ReadDxf(again, text);
+    } catch (const DxfError& e) {
+      throw DxfError(0, "the drawing cannot be saved in R2000 form: the "
+                        "rewritten file would not read (" +
+                            std::string(e.what()) +
+                            "); open and save it in a CAD program first");
+    }
   }
   ChunkedOutput out(sink, image.binary ? &*image.binary : nullptr);
   out.Put(text);
