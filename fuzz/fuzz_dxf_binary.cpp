@@ -11,6 +11,7 @@
 #include "dxf/tags.h"
 #include "dxf/writer.h"
 #include "memhost/document.h"
+#include "fuzz/dxf_round_trip.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using kestrana::memhost::MemDocument;
@@ -18,17 +19,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string bytes(dxf::kBinarySentinel);
   bytes.append(reinterpret_cast<const char*>(data), size);
   MemDocument doc;
-  try {
-    dxf::ReadDxf(doc, bytes);
-  } catch (const dxf::DxfError&) {
-    return 0;
-  }
-  std::string first;
-  try {
-    first = dxf::WriteDxf(doc);
-  } catch (const dxf::DxfError&) {
-    return 0;  // a damaged old drawing that would not read back is refused
-  }
+  if (!kestrana::fuzz::Reads(doc, bytes)) return 0;
+  const std::optional<std::string> written = kestrana::fuzz::Written(doc);
+  if (!written) return 0;
+  const std::string& first = *written;
   if (!dxf::IsBinaryDxf(first)) std::abort();  // binary stays binary
   MemDocument again;
   dxf::ReadDxf(again, first);
@@ -41,7 +35,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const kestrana::host::HostError&) {
     }
   }
+  const std::optional<std::string> moved_text = kestrana::fuzz::Written(doc);
+  if (!moved_text) return 0;
   MemDocument moved;
-  dxf::ReadDxf(moved, dxf::WriteDxf(doc));
+  dxf::ReadDxf(moved, *moved_text);
   return 0;
 }

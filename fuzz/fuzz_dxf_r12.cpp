@@ -9,6 +9,7 @@
 #include "dxf/tags.h"
 #include "dxf/writer.h"
 #include "memhost/document.h"
+#include "fuzz/dxf_round_trip.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using kestrana::memhost::MemDocument;
@@ -18,17 +19,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       "0\nENDSEC\n";
   text.append(reinterpret_cast<const char*>(data), size);
   MemDocument doc;
-  try {
-    dxf::ReadDxf(doc, text);
-  } catch (const dxf::DxfError&) {
-    return 0;
-  }
-  std::string first;
-  try {
-    first = dxf::WriteDxf(doc);
-  } catch (const dxf::DxfError&) {
-    return 0;  // a damaged old drawing that would not read back is refused
-  }
+  if (!kestrana::fuzz::Reads(doc, text)) return 0;
+  const std::optional<std::string> written = kestrana::fuzz::Written(doc);
+  if (!written) return 0;
+  const std::string& first = *written;
   MemDocument again;
   dxf::ReadDxf(again, first);
   if (dxf::WriteDxf(again) != first) std::abort();
@@ -42,9 +36,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const kestrana::host::HostError&) {
     }
   }
-  std::string upgraded = dxf::WriteDxf(doc);
+  const std::optional<std::string> upgraded = kestrana::fuzz::Written(doc);
+  if (!upgraded) return 0;
   MemDocument r2000;
-  dxf::ReadDxf(r2000, upgraded);
-  if (dxf::WriteDxf(r2000) != upgraded) std::abort();
+  dxf::ReadDxf(r2000, *upgraded);
+  if (dxf::WriteDxf(r2000) != *upgraded) std::abort();
   return 0;
 }
